@@ -1,0 +1,43 @@
+# What every target of the project shares: where its output lands, how it finds its libraries, how it warns.
+
+# The build tree has the layout of the install tree: bin/korl, lib/libsorvik.so, lib/korl/modules/libtovek_light.so.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(KORL_MODULE_DIR lib/korl/modules)
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+
+if(KORL_SANITIZE)
+  add_compile_options(-fsanitize=${KORL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KORL_SANITIZE})
+endif()
+
+add_library(korl_warnings INTERFACE)
+target_compile_options(korl_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+
+# korl_host_library(NAME SOURCES... LINK targets...): one shared library of the host layer, alias korl::NAME.
+function(korl_host_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  add_library(korl::${name} ALIAS ${name})
+  string(TOUPPER ${name} upper)
+  target_compile_definitions(${name} PRIVATE ${upper}_BUILD)
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/host>
+                                            $<INSTALL_INTERFACE:include/korl>)
+  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE $<BUILD_INTERFACE:korl_warnings>)
+  set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN" VERSION ${PROJECT_VERSION}
+                        SOVERSION ${PROJECT_VERSION_MAJOR})
+  install(TARGETS ${name} LIBRARY DESTINATION lib)
+endfunction()
+
+# korl_test(NAME SOURCES... LINK targets... LABELS labels...): one GoogleTest program; its tests are found by
+# running it. A suite whose name ends in GLTest needs an OpenGL context and carries the label "gl".
+function(korl_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} korl_warnings GTest::gmock GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
+                        INSTALL_RPATH "$ORIGIN/../lib")
+  gtest_discover_tests(${name} TEST_FILTER -*GLTest.* PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${name} TEST_FILTER *GLTest.* PROPERTIES LABELS gl TIMEOUT 300)
+endfunction()
