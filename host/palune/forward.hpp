@@ -1,0 +1,4 @@
+#pragma once
+
+#include <orvid/forward.hpp>
+#include <sorvik/forward.hpp>

@@ -1,0 +1,157 @@
+#include <sorvik/object.hpp>
+
+#include <sorvik/creator.hpp>
+#include <sorvik/slot_creator.hpp>
+#include <sorvik/unique_name.hpp>
+#include <sorvik/value_pool.hpp>
+#include <tessan/typename.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace Qelt {
+
+template class VManagedDomainObject<VObject>;
+
+VObject::VObject(const std::string& name, int priority, const VCreationPreferences& preferences) :
+    VManagedDomainObject<VObject>(name), my_priority(priority), my_preferences(preferences) {}
+
+VObject::~VObject() = default;
+
+void VObject::setCreator(const Tessan::WeakPtr<VCreatorBase>& creator) {
+    const bool first = !my_creator && creator;
+    my_creator = creator;
+    if (first)
+        setup();
+}
+
+std::string VObject::makeChildname(const std::string& child) const {
+    return Name() + "/" + child;
+}
+
+std::string VObject::createChildname(const std::string& base) const {
+    const auto& living = members();
+    return uniqueName(makeChildname(base), [&](const std::string& name) {
+        return std::any_of(living.begin(), living.end(),
+                           [&](const VManagedObject* object) { return object->Name() == name; });
+    });
+}
+
+std::string VObject::CreateParameterName(const std::string& base) const {
+    return uniqueName(base, [&](const std::string& name) { return findParameter(name) != nullptr; });
+}
+
+AcceptList VObject::accept(const VObject& offered) const {
+    AcceptList list = getAcceptInfoList(offered);
+    if (const auto* const sink = dynamic_cast<const VSinkBase*>(my_creator.get()))
+        mergeAcceptList(list, sink->acceptedInputs(*this, offered));
+    return list;
+}
+
+VSlot* VObject::InputCreation(const std::string& type_name, const std::string& name, int expert_level) {
+    const TypedSlotCreator* const creator = TypedSlotCreator::find(type_name);
+    if (!creator)
+        return nullptr;
+    my_inputs.push_back(creator->createSlot(*this, CreateParameterName(name), expert_level));
+    return my_inputs.back().get();
+}
+
+Tessan::StrongPtr<VObject> VObject::copy(const std::string& name) const {
+    VCreatorBase* const creator = my_creator.get();
+    if (!creator)
+        return {};
+    auto made = creator->create(name);
+    for (const Entry& entry : parameters())
+        if (VParameter* const twin = made->findParameter(entry.parameter->Name()))
+            twin->setGlobalValue(entry.parameter->globalValue());
+    return made;
+}
+
+std::string VObject::help() const {
+    const VCreatorBase* const creator = my_creator.get();
+    return creator ? creator->properties().text(VCreatorPropertyBase::Kind::description) : std::string();
+}
+
+std::string VObject::type_key() const {
+    const VCreatorBase* const creator = my_creator.get();
+    return creator ? creator->keyname("/") : std::string();
+}
+
+std::string VObject::qt_icon() const {
+    return {};
+}
+
+const char* const* VObject::xpm_icon() const {
+    return nullptr;
+}
+
+std::string VObject::gimp_icon() const {
+    return {};
+}
+
+bool VObject::update(VRequest&, double) {
+    return true;
+}
+
+bool VObject::unsychronized_update(VRequest& request, double time) {
+    return update(request, time);
+}
+
+bool VObject::must_update(const VRequest&) const {
+    return true;
+}
+
+bool VObject::request(VRequest& request, double time) {
+    if (!my_processes_requests)
+        return false;
+    return !must_update(request) || unsychronized_update(request, time);
+}
+
+void VObject::iterateOutputs(const std::function<void(VParameter&)>& visit) const {
+    for (const Entry& entry : parameters())
+        visit(*entry.parameter.get());
+}
+
+AcceptList VObject::getAcceptInfoList(const VObject& offered) const {
+    AcceptList list;
+    for (const VSlot* const slot : slots()) {
+        const VParameter* const output = offered.findParameter(slot->name());
+        if (output && output->type() == slot->type() && !ignoreInput(slot->name()))
+            list.push_back({slot->name(), Tessan::Typename(slot->type())});
+    }
+    return list;
+}
+
+std::string VObject::saveText() const {
+    std::string text;
+    for (const Entry& entry : parameters())
+        text += entry.parameter->Name() + " = " + entry.parameter->globalValue().Text() + "\n";
+    return text;
+}
+
+std::optional<std::string> VObject::loadText(std::string_view text) {
+    static constexpr std::string_view sign = " = ";
+    std::vector<std::pair<VParameter*, Tessan::StrongPtr<VValueBase>>> read;
+    for (int line_number = 1; !text.empty(); ++line_number) {
+        const std::string line(text.substr(0, text.find('\n')));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        const auto at = line.rfind(sign); // no value's text has an equals sign, a parameter's name may
+        const std::string where = "line " + std::to_string(line_number) + ": ";
+        if (at == std::string::npos)
+            return where + "expected \"NAME = VALUE\", found \"" + line + "\"";
+        const std::string name = line.substr(0, at), value_text = line.substr(at + sign.size());
+        VParameter* const parameter = findParameter(name);
+        if (!parameter)
+            return where + "\"" + Name() + "\" has no parameter \"" + name + "\"";
+        auto value = parameter->DefaultValue().clone();
+        if (!value->setValueFromText(value_text))
+            return where + "parameter \"" + name + "\" takes a " + Tessan::Typename(parameter->type()) +
+                   ", found \"" + value_text + "\"";
+        read.emplace_back(parameter, std::move(value));
+    }
+    for (const auto& [parameter, value] : read)
+        parameter->setGlobalValue(*value.get());
+    return std::nullopt;
+}
+
+} // namespace Qelt

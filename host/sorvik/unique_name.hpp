@@ -1,0 +1,14 @@
+#pragma once
+
+#include <sorvik/export.hpp>
+
+#include <functional>
+#include <string>
+
+namespace Qelt {
+
+/// `base` itself if it is free, else the first of base2, base3, … that is.
+SORVIK_EXPORT std::string uniqueName(const std::string& base,
+                                     const std::function<bool(const std::string&)>& taken);
+
+} // namespace Qelt
