@@ -18,6 +18,7 @@ namespace {
 using namespace Qelt;
 using Orvid::rgba_float_t;
 using RenderNamespace::LightSource;
+using RenderNamespace::writeUniform;
 using Tessan::StrongPtr;
 
 // Names, defaults, fallbacks.
