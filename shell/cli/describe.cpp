@@ -1,0 +1,42 @@
+#include "shell/cli/program.hpp"
+
+#include "shell/scene/value_kind.hpp"
+
+#include <memory>
+
+namespace korl::cli {
+
+namespace {
+
+/// The range that a parameter declares to editors, such as "-90..90", "..24" or "-" for none.
+std::string rangeOf(const Qelt::VParameter& parameter) {
+    const Qelt::VValueBase* const least = parameter.property("min");
+    const Qelt::VValueBase* const most = parameter.property("max");
+    if (!least && !most)
+        return "-";
+    return (least ? least->Text() : "") + ".." + (most ? most->Text() : "");
+}
+
+void describeType(const Program& program, const std::string& type) {
+    Session session(program);
+    const Qelt::VObject& sample = session.scene.create(type);
+    const std::string help = sample.help();
+    std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ", help.c_str());
+    std::vector<std::vector<std::string>> rows{{"PARAMETER", "TYPE", "DEFAULT", "RANGE", "LEVEL"}};
+    for (const auto& [parameter, expert_level] : sample.parameters())
+        rows.push_back({parameter->Name(), valueKind(parameter->type()), parameter->DefaultValue().Text(),
+                        rangeOf(*parameter.get()), std::to_string(expert_level)});
+    printTable(rows);
+}
+
+} // namespace
+
+void addDescribeCommand(CLI::App& app, Program& program) {
+    CLI::App* const command = app.add_subcommand("describe", "List the parameters of a type");
+    const auto type = std::make_shared<std::string>();
+    command->add_option("TYPE", *type, "The type's name, as `korl types` lists it")->required();
+    command->callback(
+        [&program, type] { program.command = [&program, type] { describeType(program, *type); }; });
+}
+
+} // namespace korl::cli

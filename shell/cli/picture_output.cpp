@@ -1,0 +1,57 @@
+#include "shell/cli/picture_output.hpp"
+
+#include "shell/error.hpp"
+#include "shell/file_output.hpp"
+#include "shell/render/png.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <span>
+#include <unistd.h>
+#include <utility>
+
+namespace korl::cli {
+
+namespace {
+
+void writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            throw Error(std::string("cannot write the picture to standard output: ") + std::strerror(errno));
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+}
+
+} // namespace
+
+PictureOutput::PictureOutput(std::string target) : my_target(std::move(target)) {
+    if (!isStandardOutput())
+        return;
+    std::fflush(stdout);
+    my_descriptor = ::dup(STDOUT_FILENO);
+    if (my_descriptor < 0 || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
+        const int problem = errno;
+        if (my_descriptor >= 0)
+            ::close(my_descriptor);
+        throw Error(std::string("cannot set standard output aside for the picture: ") + std::strerror(problem));
+    }
+}
+
+PictureOutput::~PictureOutput() {
+    if (my_descriptor >= 0)
+        ::close(my_descriptor);
+}
+
+void PictureOutput::write(const Image& image) const {
+    const auto bytes = encodePng(image);
+    if (isStandardOutput())
+        writeAll(my_descriptor, bytes);
+    else
+        writeFileAtomically(my_target, bytes);
+}
+
+} // namespace korl::cli

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "shell/error.hpp"
+#include "shell/plugins/plugin_library.hpp"
+#include "shell/scene/scene.hpp"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korl::cli {
+
+/// The command line cannot be understood: a word has the wrong form, or words don't go together.
+class UsageError : public Error {
+public:
+    using Error::Error;
+};
+
+/// What the command line asks for: the options that every command has, and the command itself.
+struct Program {
+    std::vector<std::filesystem::path> plugins;
+    int verbosity = 0;
+    std::function<void()> command;
+};
+
+/// A shell at work: modules first, then the scene that is built with them; they go in reverse.
+class Session {
+public:
+    /// Loads the modules that the options name and those on the search path.
+    explicit Session(const Program& program);
+
+    PluginSet plugins;
+    Scene scene;
+};
+
+/// Tells the user something on standard error, under the program's name.
+void note(const std::string& text);
+
+/// Prints rows of cells on standard output, each column as wide as its widest cell. The first row is the head.
+void printTable(const std::vector<std::vector<std::string>>& rows);
+
+/// Each adds a command of its name; the command's work is put into `program.command` when it is chosen.
+void addTypesCommand(CLI::App& app, Program& program);
+void addDescribeCommand(CLI::App& app, Program& program);
+void addRenderCommand(CLI::App& app, Program& program);
+void addShaderCommand(CLI::App& app, Program& program);
+
+} // namespace korl::cli

@@ -1,0 +1,65 @@
+#include "shell/cli/picture_output.hpp"
+#include "shell/cli/program.hpp"
+#include "shell/cli/scene_options.hpp"
+
+#include "shell/render/renderer.hpp"
+
+#include <sorvik/vprintf.hpp>
+
+#include <map>
+#include <memory>
+
+namespace korl::cli {
+
+namespace {
+
+struct RenderOptions {
+    SceneOptions scene;
+    RenderPath path = RenderPath::shader;
+    std::string size = "640x480";
+    std::string output = "korl.png";
+    bool uniforms = false;
+};
+
+void render(const Program& program, const RenderOptions& options) {
+    const auto [width, height] = parseSize(options.size);
+    const PictureOutput output(options.output);
+    Session session(program);
+    fillScene(options.scene, static_cast<double>(width) / height, session.scene);
+
+    GLContext context;
+    Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", context.info().renderer.c_str(),
+                  context.info().version.c_str(), context.info().how.c_str());
+    Renderer renderer(context, note);
+    View view;
+    const Image image = renderer.render(session.scene, view, {width, height, options.path});
+    if (options.uniforms)
+        for (const std::string& line : renderer.listUniforms(session.scene, view))
+            std::printf("%s\n", line.c_str());
+    output.write(image);
+    if (!output.isStandardOutput())
+        note("wrote " + options.output + ", " + std::to_string(image.width) + "x" + std::to_string(image.height) +
+             " pixels");
+}
+
+} // namespace
+
+void addRenderCommand(CLI::App& app, Program& program) {
+    CLI::App* const command = app.add_subcommand("render", "Render a scene, or a model under lights, to a PNG file");
+    const auto options = std::make_shared<RenderOptions>();
+    addSceneOptions(*command, options->scene);
+    const std::map<std::string, RenderPath> paths{
+        {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
+    command->add_option("--path", options->path, "shader, fixed, or both side by side")
+        ->transform(CLI::Transformer(paths, CLI::ignore_case))
+        ->option_text("shader|fixed|both [shader]");
+    command->add_option("--size", options->size, "WIDTHxHEIGHT in pixels, of the picture of one path")
+        ->capture_default_str();
+    command->add_option("-o,--output", options->output, "The PNG file; - for standard output")
+        ->capture_default_str();
+    command->add_flag("--uniforms", options->uniforms, "Print the lights' uniform values, NAME = components");
+    command->callback(
+        [&program, options] { program.command = [&program, options] { render(program, *options); }; });
+}
+
+} // namespace korl::cli

@@ -1,0 +1,47 @@
+#include "shell/cli/program.hpp"
+#include "shell/cli/scene_options.hpp"
+
+#include "shell/render/renderer.hpp"
+
+#include <memory>
+
+namespace korl::cli {
+
+namespace {
+
+struct ShaderOptions {
+    SceneOptions scene;
+    bool uniforms = false;
+};
+
+void printShader(const Program& program, const ShaderOptions& options) {
+    Session session(program);
+    fillScene(options.scene, 1, session.scene);
+    View view;
+    if (options.uniforms) {
+        // Some lights write their uniforms while they set up their fixed-function light: that takes a context.
+        GLContext context;
+        Renderer renderer(context, note);
+        for (const std::string& line : renderer.listUniforms(session.scene, view))
+            std::printf("%s\n", line.c_str());
+        return;
+    }
+    view.beginFrame(session.scene, 0);
+    std::fputs(assembleFrame(view).fragment.c_str(), stdout);
+    view.endFrame();
+}
+
+} // namespace
+
+void addShaderCommand(CLI::App& app, Program& program) {
+    CLI::App* const command =
+        app.add_subcommand("shader", "Print the fragment shader that the lights of a scene make up");
+    const auto options = std::make_shared<ShaderOptions>();
+    addSceneOptions(*command, options->scene);
+    command->add_flag("--uniforms", options->uniforms,
+                      "Print the lights' uniform values instead, NAME = components");
+    command->callback(
+        [&program, options] { program.command = [&program, options] { printShader(program, *options); }; });
+}
+
+} // namespace korl::cli

@@ -1,0 +1,114 @@
+#include "shell/render/fixed_path.hpp"
+
+#include "shell/render/material.hpp"
+
+#include <array>
+#include <glm/gtc/type_ptr.hpp>
+
+namespace korl {
+
+namespace {
+
+using FloatQuad = std::array<GLfloat, 4>;
+
+GLenum openGLLight(int number) {
+    return GL_LIGHT0 + static_cast<GLenum>(number - 1);
+}
+
+int lightCount() {
+    GLint count = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &count);
+    return count;
+}
+
+/// Brings the lights to the values that the OpenGL specification (version 2.1, table 6.9) gives them at first.
+void resetLights() {
+    constexpr FloatQuad black{0, 0, 0, 1}, white{1, 1, 1, 1}, toward_viewer{0, 0, 1, 0}, away{0, 0, -1, 0};
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity(); // positions and directions are stored as this matrix turns them
+    for (int number = 1; number <= lightCount(); ++number) {
+        const GLenum light = openGLLight(number);
+        const FloatQuad& color = number == 1 ? white : black;
+        glDisable(light);
+        glLightfv(light, GL_AMBIENT, black.data());
+        glLightfv(light, GL_DIFFUSE, color.data());
+        glLightfv(light, GL_SPECULAR, color.data());
+        glLightfv(light, GL_POSITION, toward_viewer.data());
+        glLightfv(light, GL_SPOT_DIRECTION, away.data());
+        glLightf(light, GL_SPOT_EXPONENT, 0);
+        glLightf(light, GL_SPOT_CUTOFF, 180);
+        glLightf(light, GL_CONSTANT_ATTENUATION, 1);
+        glLightf(light, GL_LINEAR_ATTENUATION, 0);
+        glLightf(light, GL_QUADRATIC_ATTENUATION, 0);
+    }
+    glLightModeli(GL_LIGHT_MODEL_LOCAL_VIEWER, 1);
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 0);
+    glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL, GL_SINGLE_COLOR);
+}
+
+/// OpenGL scales all of a light by its spot factor, which is 0 everywhere for a cut-off of 0: a light with that
+/// cut-off would not even give its ambient light. Such a light gets its due through the light model instead, and is
+/// off while the frame is drawn.
+void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
+    GLfloat cutoff = 180;
+    glGetLightfv(light, GL_SPOT_CUTOFF, &cutoff);
+    if (cutoff != 0)
+        return;
+    FloatQuad ambient{};
+    glGetLightfv(light, GL_AMBIENT, ambient.data());
+    for (std::size_t i = 0; i < 3; ++i)
+        model_ambient[i] += ambient[i];
+    glDisable(light);
+}
+
+void setMaterial() {
+    constexpr FloatQuad black{0, 0, 0, 1};
+    constexpr FloatQuad specular{material_specular, material_specular, material_specular, 1};
+    glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black.data());
+    glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, specular.data());
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, material_shininess);
+    glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+    glEnable(GL_COLOR_MATERIAL);
+}
+
+} // namespace
+
+void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports) {
+    resetLights();
+    FloatQuad model_ambient{0, 0, 0, 1};
+    const int most = lightCount();
+    int number = 1;
+    for (const View::Member& member : view.members()) {
+        if (number > most) {
+            reports.once("light \"" + member.object->Name() +
+                         "\" is left out on the fixed-function path: OpenGL has " + std::to_string(most) +
+                         " lights here, and those before it hold them all");
+            continue;
+        }
+        glMatrixMode(GL_MODELVIEW);
+        glLoadMatrixf(glm::value_ptr(viewpoint.view));
+        view.context().setLightNumber(number);
+        member.object->environment_render(view.context());
+        if (glIsEnabled(openGLLight(number))) {
+            moveConelessLightToModel(openGLLight(number), model_ambient);
+            ++number;
+        }
+    }
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
+}
+
+void FixedPath::draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixf(glm::value_ptr(viewpoint.projection));
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixf(glm::value_ptr(viewpoint.view));
+    setMaterial();
+    glEnable(GL_NORMALIZE);
+    glEnable(GL_LIGHTING); // also where no light asked for it: an unlit scene is dark, not plainly coloured
+    for (const auto& [mesh, buffers] : meshes)
+        buffers->drawFixed();
+    glDisable(GL_LIGHTING);
+    glDisable(GL_COLOR_MATERIAL);
+}
+
+} // namespace korl

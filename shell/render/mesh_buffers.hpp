@@ -1,0 +1,47 @@
+#pragma once
+
+#include "shell/render/gl_objects.hpp"
+#include "shell/scene/mesh.hpp"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace korl {
+
+/// A mesh in the memory of the graphics processor, ready to be drawn on either path.
+class MeshBuffers {
+public:
+    /// Uploads the mesh, which must be valid.
+    explicit MeshBuffers(const Mesh& mesh);
+
+    /// Draws with the vertex attributes of the lighting program.
+    void drawWithAttributes() const;
+
+    /// Draws with the vertex arrays of the fixed-function pipeline.
+    void drawFixed() const;
+
+private:
+    void draw() const;
+
+    Buffer my_positions, my_normals, my_colors, my_triangles;
+    /// One of each kind, since on some drivers the two kinds of arrays share their places.
+    VertexArray my_attributes, my_fixed_arrays;
+    GLsizei my_index_count;
+    bool my_has_colors;
+};
+
+/// The meshes of the scene that was drawn last; each is uploaded once, as long as it stays in the scene.
+class MeshBufferCache {
+public:
+    using Meshes = std::vector<std::shared_ptr<const Mesh>>;
+    using Entries = std::vector<std::pair<std::shared_ptr<const Mesh>, std::unique_ptr<MeshBuffers>>>;
+
+    /// The buffers of these meshes, in their order.
+    const Entries& buffersOf(const Meshes& meshes);
+
+private:
+    Entries my_entries;
+};
+
+} // namespace korl

@@ -1,0 +1,103 @@
+#include "shell/render/renderer.hpp"
+
+#include "shell/error.hpp"
+#include "shell/render/uniform_values.hpp"
+
+#include <glm/gtc/type_ptr.hpp>
+#include <utility>
+
+namespace korl {
+
+namespace {
+
+/// What a scene without any extent is seen as: a ball around the origin.
+constexpr Ball empty_scene_ball{{0, 0, 0}, 1};
+
+Viewpoint viewpointOf(const Scene& scene, double aspect) {
+    const Ball ball = scene.boundingBall().value_or(empty_scene_ball);
+    const Camera camera = scene.camera ? *scene.camera : fitCamera(ball, aspect);
+    validate(camera);
+    return {glm::mat4(camera.view()), glm::mat4(camera.projection(aspect, ball)), glm::vec3(camera.position)};
+}
+
+/// Lets go of the frame's lights however the frame ends.
+class Frame {
+public:
+    Frame(View& view, const Scene& scene) : my_view(view) { view.beginFrame(scene, 0); }
+    ~Frame() { my_view.endFrame(); }
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+private:
+    View& my_view;
+};
+
+/// Whatever a scene's own objects draw, drawn with the fixed-function pipeline from the frame's viewpoint.
+void drawObjects(View& view, const Viewpoint& viewpoint) {
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixf(glm::value_ptr(viewpoint.projection));
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixf(glm::value_ptr(viewpoint.view));
+    for (const View::Member& member : view.members())
+        member.object->safe_render(view.context());
+}
+
+} // namespace
+
+Renderer::Renderer(GLContext& context, Reports::Sink report) :
+    my_context(context), my_reports(std::move(report)) {}
+
+Image Renderer::render(const Scene& scene, View& view, const RenderSettings& settings) {
+    my_context.makeCurrent();
+    if (!my_target || my_target->width() != settings.width || my_target->height() != settings.height) {
+        my_target.reset(); // the old one's memory goes before the new one's comes
+        my_target.emplace(settings.width, settings.height);
+    }
+    const std::size_t size = std::size_t{4} * static_cast<std::size_t>(settings.width) *
+                             static_cast<std::size_t>(settings.height);
+    Image image{settings.width, settings.height, std::vector<std::uint8_t>(size)};
+    if (settings.path != RenderPath::both) {
+        drawPath(settings.path, scene, view, image);
+        return image;
+    }
+    Image right = image;
+    drawPath(RenderPath::shader, scene, view, image);
+    drawPath(RenderPath::fixed, scene, view, right);
+    return sideBySide(image, right);
+}
+
+void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& image) {
+    const Viewpoint viewpoint = viewpointOf(scene, static_cast<double>(image.width) / image.height);
+    my_target->bind();
+    glClearColor(scene.background.r, scene.background.g, scene.background.b, scene.background.a);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+
+    const Frame frame(view, scene);
+    const auto& meshes = my_meshes.buffersOf(scene.meshes());
+    if (path == RenderPath::shader) {
+        my_shader_path.fillUniforms(view, viewpoint);
+        my_shader_path.draw(view, viewpoint, meshes);
+    } else {
+        my_fixed_path.setUpLights(view, viewpoint, my_reports);
+        my_fixed_path.draw(viewpoint, meshes);
+    }
+    drawObjects(view, viewpoint);
+    my_target->read(image.pixels);
+    if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
+        throw Error("OpenGL reports error " + std::to_string(problem) +
+                    " after the frame was drawn; a light or object of a module may have made a call that is not allowed");
+}
+
+std::vector<std::string> Renderer::listUniforms(const Scene& scene, View& view) {
+    my_context.makeCurrent();
+    const Frame frame(view, scene);
+    my_shader_path.fillUniforms(view, viewpointOf(scene, 1));
+    std::vector<std::string> lines;
+    for (const auto& source : view.sources())
+        for (const auto& [name, value] : source->uniforms())
+            lines.push_back(name + " = " + uniformText(value));
+    return lines;
+}
+
+} // namespace korl

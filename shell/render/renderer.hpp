@@ -1,0 +1,60 @@
+#pragma once
+
+#include "shell/render/fixed_path.hpp"
+#include "shell/render/gl_context.hpp"
+#include "shell/render/image.hpp"
+#include "shell/render/mesh_buffers.hpp"
+#include "shell/render/offscreen_target.hpp"
+#include "shell/render/reports.hpp"
+#include "shell/render/shader_path.hpp"
+#include "shell/render/view.hpp"
+#include "shell/scene/scene.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korl {
+
+/// By which of their two answers the lights are taken.
+enum class RenderPath {
+    shader, ///< their GLSL snippets
+    fixed,  ///< OpenGL's fixed-function lights
+    both    ///< one picture of each, the shader path's on the left
+};
+
+struct RenderSettings {
+    int width = 640; ///< pixels, of the picture of one path
+    int height = 480;
+    RenderPath path = RenderPath::shader;
+};
+
+/// Draws scenes into images. The context that it was made with must be current whenever it is used or destroyed.
+class Renderer {
+public:
+    /// @param report takes what the user should know about the pictures, each thing once.
+    explicit Renderer(GLContext& context, Reports::Sink report = {});
+
+    /// Draws one frame of a view, whole, on one path after the other.
+    /// @returns the picture; for both paths twice as wide.
+    /// Throws Error for a size that the driver can't draw, and for a light that it can't compile.
+    Image render(const Scene& scene, View& view, const RenderSettings& settings);
+
+    /// The uniform values that the lights of a frame have, a line for each: its name with its "$$", " = ", its
+    /// components. Nothing is drawn.
+    std::vector<std::string> listUniforms(const Scene& scene, View& view);
+
+    const ShaderPath& shaderPath() const noexcept { return my_shader_path; }
+
+private:
+    void drawPath(RenderPath path, const Scene& scene, View& view, Image& image);
+
+    GLContext& my_context;
+    Reports my_reports;
+    ShaderPath my_shader_path;
+    FixedPath my_fixed_path;
+    MeshBufferCache my_meshes;
+    std::optional<OffscreenTarget> my_target;
+};
+
+} // namespace korl

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <doltra/render_context.hpp>
+#include <doltra/renderable.hpp>
+#include <doltra/shader_light_source.hpp>
+#include <sorvik/value_pool.hpp>
+#include <tessan/strong_ptr.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace korl {
+
+class Scene;
+
+/// One look at a scene: a render context with values of its own, and the lights of its current frame.
+class View {
+public:
+    /// An object that takes part in the frame, and which of the frame's light sources are its own.
+    struct Member {
+        Qelt::RenderAble* object;
+        const Qelt::ShaderLightSource* shader_light; ///< the same object, where it is one
+        std::size_t first_source;
+        std::size_t source_count;
+    };
+
+    View();
+
+    Qelt::VRenderContext& context() noexcept { return my_context; }
+    const Qelt::VRenderContext& context() const noexcept { return my_context; }
+    Qelt::ValuePool& pool() const noexcept { return my_context.pool(); }
+
+    /// Begins a frame: brings the scene's objects up to date and has the lights hand in their light sources, in the
+    /// order of their priority, then of their creation.
+    void beginFrame(const Scene& scene, double time);
+
+    /// Has the shader lights fill their uniforms. Comes after `environment_render`, where the other lights may fill theirs.
+    void fillUniforms();
+
+    /// Lets go of the frame's objects and light sources.
+    void endFrame() noexcept;
+
+    /// The objects of the frame, until it ends.
+    std::span<const Member> members() const noexcept { return my_members; }
+
+    /// The light sources of the frame, until it ends.
+    std::span<const Tessan::StrongPtr<Qelt::RenderNamespace::LightSource>> sources() const noexcept {
+        return my_context.enabledLightSources();
+    }
+
+    /// The light that handed in a light source of the frame.
+    const Qelt::RenderAble& ownerOf(std::size_t source) const;
+
+private:
+    void gatherMembers(const Scene& scene);
+
+    Tessan::StrongPtr<Qelt::ValuePool> my_pool;
+    Qelt::VRequest my_request;
+    Qelt::VRenderContext my_context;
+    std::vector<Member> my_members;
+    const Scene* my_scene = nullptr;
+    std::optional<unsigned long> my_scene_revision; ///< that of the scene when the members were gathered
+};
+
+} // namespace korl

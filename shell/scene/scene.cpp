@@ -1,0 +1,163 @@
+#include "shell/scene/scene.hpp"
+
+#include "shell/error.hpp"
+#include "shell/scene/near_names.hpp"
+#include "shell/scene/value_kind.hpp"
+
+#include <doltra/vlight_source.hpp>
+#include <sorvik/creator.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+namespace korl {
+
+using Qelt::VCreatorBase;
+using Qelt::VObject;
+using Qelt::VParameter;
+using Tessan::StrongPtr;
+
+namespace {
+
+/// Whether a text form holds a number that is no number, or infinite.
+bool saysNotFinite(const std::string& value_text) {
+    return value_text.find("nan") != std::string::npos || value_text.find("inf") != std::string::npos;
+}
+
+/// Revisions are numbers of the process, so that not even a scene in the place of another one repeats one.
+unsigned long nextRevision() {
+    static std::atomic<unsigned long> latest{0};
+    return ++latest;
+}
+
+/// The smallest ball around two balls.
+Ball merged(const Ball& a, const Ball& b) {
+    const double distance = glm::distance(a.center, b.center);
+    if (distance + b.radius <= a.radius)
+        return a;
+    if (distance + a.radius <= b.radius)
+        return b;
+    const double radius = (distance + a.radius + b.radius) / 2;
+    return {a.center + (b.center - a.center) * ((radius - a.radius) / distance), radius};
+}
+
+} // namespace
+
+Scene::Scene() : my_revision(nextRevision()) {}
+
+Scene::~Scene() {
+    // Deleted, not only let go: whoever still holds an object must not keep it beyond its scene.
+    for (auto object = my_objects.rbegin(); object != my_objects.rend(); ++object)
+        Tessan::Counted::destroy(object->get());
+}
+
+VObject& Scene::create(const std::string& type, const std::string& name) {
+    VCreatorBase* const creator = VCreatorBase::find(type);
+    if (!creator) {
+        std::vector<std::string> known;
+        for (const VCreatorBase* const listed : VCreatorBase::catalogue())
+            if (std::find(known.begin(), known.end(), listed->Name()) == known.end())
+                known.push_back(listed->Name());
+        throw Error("unknown type \"" + type + "\": " +
+                    nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
+    }
+    if (!name.empty() && find(name))
+        throw Error("cannot create \"" + name + "\" as " + type + ": the scene already has an object of this name");
+    const auto taken = [&](const std::string& candidate) { return find(candidate) != nullptr; };
+    return *creator->create(name.empty() ? creator->createChildname(taken) : name, this).get();
+}
+
+void Scene::objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context, VCreatorBase&) {
+    if (context != this)
+        return;
+    my_objects.push_back(object);
+    my_objects_by_name.insert_or_assign(object->Name(), object);
+    my_revision = nextRevision();
+}
+
+VObject* Scene::find(const std::string& name) const {
+    const auto found = my_objects_by_name.find(name);
+    return found == my_objects_by_name.end() ? nullptr : found->second.get();
+}
+
+VObject& Scene::object(const std::string& name) const {
+    if (VObject* const found = find(name))
+        return *found;
+    std::vector<std::string> known;
+    for (const auto& held : objects())
+        known.push_back(held->Name());
+    throw Error("unknown object \"" + name + "\": " + nearNames(name, known, "the scene has no objects"));
+}
+
+void Scene::remove(const std::string& name) {
+    Tessan::Counted::destroy(&object(name));
+    dropTheGone();
+}
+
+void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,
+                         const std::string& text) {
+    VObject& owner = object(object_name);
+    VParameter* const parameter = owner.findParameter(parameter_name);
+    const std::string full_name = object_name + "." + parameter_name;
+    if (!parameter) {
+        std::vector<std::string> known;
+        for (const auto& entry : owner.parameters())
+            known.push_back(entry.parameter->Name());
+        throw Error("unknown parameter \"" + full_name +
+                    "\": " + nearNames(parameter_name, known, "the object has no parameters"));
+    }
+    const StrongPtr<Qelt::VValueBase> value = parameter->DefaultValue().clone();
+    if (!value->setValueFromText(text))
+        throw Error("\"" + full_name + "\" takes " + valueForm(parameter->type()) + ", found \"" + text +
+                    "\"; it keeps \"" + parameter->globalValue().Text() + "\"");
+    if (saysNotFinite(value->Text()))
+        throw Error("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"; it keeps \"" +
+                    parameter->globalValue().Text() + "\"");
+    parameter->setGlobalValue(*value.get());
+}
+
+const std::vector<StrongPtr<VObject>>& Scene::objects() const {
+    dropTheGone();
+    return my_objects;
+}
+
+bool Scene::hasLight() const {
+    const auto& living = objects();
+    return std::any_of(living.begin(), living.end(), [](const StrongPtr<VObject>& object) {
+        return dynamic_cast<const Qelt::VLightSource*>(object.get());
+    });
+}
+
+unsigned long Scene::revision() const {
+    dropTheGone();
+    return my_revision;
+}
+
+void Scene::dropTheGone() const {
+    if (std::erase_if(my_objects, [](const auto& object) { return !object; }) == 0)
+        return;
+    std::erase_if(my_objects_by_name, [](const auto& entry) { return !entry.second; });
+    my_revision = nextRevision();
+}
+
+void Scene::addMesh(Mesh mesh) {
+    validate(mesh);
+    if (const auto ball = korl::boundingBall(std::span(&mesh, 1)))
+        my_meshes_ball = my_meshes_ball ? merged(*my_meshes_ball, *ball) : ball;
+    my_meshes.push_back(std::make_shared<const Mesh>(std::move(mesh)));
+}
+
+std::optional<Ball> Scene::boundingBall() const {
+    std::optional<Ball> all = my_meshes_ball;
+    for (const auto& object : objects()) {
+        const auto* const renderable = dynamic_cast<const Qelt::RenderAble*>(object.get());
+        if (Orvid::Ball drawn; renderable && renderable->getBoundingBall(drawn)) {
+            const Ball ball{{drawn.center.x, drawn.center.y, drawn.center.z}, drawn.radius};
+            all = all ? merged(*all, ball) : ball;
+        }
+    }
+    return all;
+}
+
+} // namespace korl

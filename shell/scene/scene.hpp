@@ -1,0 +1,81 @@
+#pragma once
+
+#include "shell/scene/camera.hpp"
+#include "shell/scene/mesh.hpp"
+
+#include <doltra/renderable.hpp>
+#include <orvid/rgba_float.hpp>
+#include <sorvik/action_notifier.hpp>
+#include <sorvik/object.hpp>
+#include <tessan/strong_ptr.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace korl {
+
+/// What is to be seen and what lights it: objects by name, meshes, a camera and a background.
+///
+/// The scene owns its objects. An object that is deleted by others, as happens when its module is unloaded, leaves the
+/// scene by itself. All operations belong to the thread that renders.
+class Scene : private Qelt::VContext, private Qelt::VActionNotifier {
+public:
+    Scene();
+    ~Scene() override;
+
+    /// Creates an object through the first creator of the type's name in the catalogue.
+    /// @param name the object's name; empty for the type's, numbered where that is taken ("Torch", "Torch2").
+    /// Throws Error for an unknown type, and for a name that is taken.
+    Qelt::VObject& create(const std::string& type, const std::string& name = {});
+
+    /// The object of this name, or null.
+    Qelt::VObject* find(const std::string& name) const;
+
+    /// The object of this name. Throws Error if there is none.
+    Qelt::VObject& object(const std::string& name) const;
+
+    /// Deletes an object. Throws Error if there is none of this name.
+    void remove(const std::string& name);
+
+    /// Sets the global value of an object's parameter from its text form.
+    /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and for
+    /// numbers that are not finite; nothing is changed then.
+    void setParameter(const std::string& object, const std::string& parameter, const std::string& text);
+
+    /// The living objects, in the order of their creation.
+    const std::vector<Tessan::StrongPtr<Qelt::VObject>>& objects() const;
+
+    /// Whether any object is a light.
+    bool hasLight() const;
+
+    /// A number that changes whenever an object comes or goes, and that no other scene has.
+    unsigned long revision() const;
+
+    void addMesh(Mesh mesh);
+    const std::vector<std::shared_ptr<const Mesh>>& meshes() const noexcept { return my_meshes; }
+
+    /// The ball around all meshes and all objects that draw something; nothing if there is none of either.
+    std::optional<Ball> boundingBall() const;
+
+    /// Where to look from; nothing to fit the whole scene into the picture.
+    std::optional<Camera> camera;
+
+    Orvid::rgba_float_t background{0.13f, 0.14f, 0.16f, 1};
+
+private:
+    void objectCreated(const Tessan::StrongPtr<Qelt::VObject>& object, Qelt::VContext* context,
+                       Qelt::VCreatorBase& creator) override;
+    void dropTheGone() const;
+
+    mutable std::vector<Tessan::StrongPtr<Qelt::VObject>> my_objects;
+    mutable std::unordered_map<std::string, Tessan::StrongPtr<Qelt::VObject>> my_objects_by_name;
+    mutable unsigned long my_revision;
+    std::vector<std::shared_ptr<const Mesh>> my_meshes;
+    std::optional<Ball> my_meshes_ball;
+};
+
+} // namespace korl
