@@ -56,8 +56,8 @@ bool VValueBase::setSource(const Tessan::StrongPtr<VValueBase>& source) {
 void VValueBase::replace(VValueBase& former) {
     my_notifiers.copyShadows(former.my_notifiers);
     for (const auto& shadow : my_notifiers.shadows())
-        if (shadow->source() == &former)
-            shadow->my_source = Tessan::WeakPtr<VValueBase>(this);
+        if (VValueBase* const value = shadow.get(); value && value->source() == &former)
+            value->my_source = Tessan::WeakPtr<VValueBase>(this);
     touch();
 }
 

@@ -1,0 +1,128 @@
+#include "tests/support/counted_light.hpp"
+
+#include <cstddef>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <thread>
+#include <set>
+
+namespace {
+
+using korl::test::CountedLight;
+using Qelt::RenderAble;
+using Qelt::ShaderLightSource;
+using Qelt::ValuePool;
+using Qelt::VRenderContext;
+using Qelt::VRequest;
+using Qelt::RenderNamespace::LightSource;
+using Tessan::StrongPtr;
+
+struct PlainSource final : LightSource {
+    std::string snippet() const override { return {}; }
+};
+
+TEST(LightSource, SerialNumbersCountFromOneAndNeverRepeat) {
+    const PlainSource first;
+    EXPECT_EQ(first.serialNumber(), 1u); // the first light source of this process
+    const PlainSource second;
+    EXPECT_EQ(second.serialNumber(), 2u);
+}
+
+TEST(LightSource, TakesTheCurrentTimeAsItsAge) {
+    Tessan::Ageable clock;
+    clock.grow();
+    const PlainSource source;
+    EXPECT_EQ(source.age(), Tessan::Ageable::GlobalTime.load());
+}
+
+TEST(LightSource, SerialNumbersAreUniqueAcrossThreads) {
+    std::vector<std::uint64_t> numbers[4];
+    std::vector<std::thread> threads;
+    for (auto& taken : numbers)
+        threads.emplace_back([&taken] {
+            for (int i = 0; i < 1000; ++i)
+                taken.push_back(PlainSource().serialNumber());
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<std::uint64_t> all;
+    for (const auto& taken : numbers)
+        all.insert(taken.begin(), taken.end());
+    EXPECT_EQ(all.size(), 4000u);
+}
+
+TEST(ShaderLightSource, KeepsOneLightSourceForEachContext) {
+    const CountedLight light("light");
+    VRenderContext first(Tessan::makeStrong<ValuePool>()), second(Tessan::makeStrong<ValuePool>());
+    light.illuminate(first);
+    light.illuminate(first);
+    light.illuminate(second);
+    ASSERT_EQ(first.enabledLightSources().size(), 2u);
+    EXPECT_EQ(first.enabledLightSources()[0], first.enabledLightSources()[1]);
+    EXPECT_FALSE(first.enabledLightSources()[0] == second.enabledLightSources()[0]);
+    EXPECT_NE(first.enabledLightSources()[0]->serialNumber(), second.enabledLightSources()[0]->serialNumber());
+    EXPECT_EQ(light.snippets_fetched, 2); // once for each
+    EXPECT_EQ(first.enabledLightSources()[0]->snippet(), light.text);
+}
+
+TEST(ShaderLightSource, BaseUpdatesAndSetsUpNothingAndSucceeds) {
+    CountedLight light("light");
+    const auto pool = Tessan::makeStrong<ValuePool>();
+    VRequest request(pool);
+    VRenderContext context(pool);
+    EXPECT_TRUE(light.update(request, 0));
+    EXPECT_TRUE(light.environment_render(context));
+    EXPECT_EQ(light.fills, 0);
+}
+
+TEST(ShaderLightSource, FillsTheUniformsAtRendering) {
+    const CountedLight light("light");
+    VRenderContext context(Tessan::makeStrong<ValuePool>());
+    Qelt::RenderNamespace::UniformMap uniforms;
+    light.updateLightAtRendering(uniforms, context);
+    EXPECT_EQ(std::get<float>(uniforms.at("Strength$$")), 1);
+}
+
+/// The place of a virtual operation in the virtual table, as the Itanium C++ ABI (2.3) writes it into a pointer to
+/// a virtual member: one plus its offset in bytes.
+template <class Member>
+std::ptrdiff_t placeOf(Member member) {
+    std::ptrdiff_t place = 0;
+    std::memcpy(&place, &member, sizeof place);
+    return place;
+}
+
+TEST(ShaderLightSource, VirtualOperationsStandInTheirOrder) {
+    const std::ptrdiff_t update = placeOf(&ShaderLightSource::update);
+    const std::ptrdiff_t illuminate = placeOf(&RenderAble::illuminate);
+    const std::ptrdiff_t environment_render = placeOf(
+        static_cast<bool (RenderAble::*)(VRenderContext&) const>(&RenderAble::environment_render));
+    const std::ptrdiff_t new_state = placeOf(&ShaderLightSource::newState);
+    const std::ptrdiff_t snippet = placeOf(&ShaderLightSource::lightSnippet);
+    const std::ptrdiff_t fill = placeOf(&ShaderLightSource::fillUniforms);
+    const std::ptrdiff_t at_rendering = placeOf(&ShaderLightSource::updateLightAtRendering);
+    EXPECT_LT(update, illuminate);
+    EXPECT_LT(illuminate, environment_render);
+    EXPECT_LT(environment_render, new_state);
+    EXPECT_EQ(snippet, new_state + static_cast<std::ptrdiff_t>(sizeof(void*)));
+    EXPECT_EQ(fill, snippet + static_cast<std::ptrdiff_t>(sizeof(void*)));
+    EXPECT_EQ(at_rendering, fill + static_cast<std::ptrdiff_t>(sizeof(void*)));
+}
+
+TEST(RenderContext, BeginsEachRenderingAnew) {
+    VRenderContext context(Tessan::makeStrong<ValuePool>());
+    EXPECT_EQ(context.lightNumber(), 1);
+    context.enableLightSource(StrongPtr<LightSource>(new PlainSource));
+    context.setLightNumber(5);
+    EXPECT_EQ(context.lightNumber(), 5);
+    context.beginRendering();
+    EXPECT_EQ(context.lightNumber(), 1);
+    EXPECT_TRUE(context.enabledLightSources().empty());
+}
+
+TEST(RenderContext, NeedsAPool) {
+    EXPECT_THROW(VRenderContext(StrongPtr<ValuePool>()), std::invalid_argument);
+}
+
+} // namespace

@@ -1,0 +1,154 @@
+#include "tests/support/plain_object.hpp"
+
+#include <sorvik/value_pool.hpp>
+
+#include <gmock/gmock.h>
+#include <optional>
+
+namespace {
+
+using korl::test::PlainObject;
+using Qelt::AcceptInfo;
+using Qelt::AcceptList;
+using Qelt::TypedSlotCreator;
+using Qelt::VCreator;
+using Qelt::VCreatorBase;
+using Qelt::VObject;
+using Qelt::VRequest;
+using Tessan::StrongPtr;
+using testing::ElementsAre;
+
+const AcceptList all_inputs{
+    {"strength", "double"},
+    {"tint", "Orvid::rgba_float_t"},
+    {"place", "Orvid::Coordinates<Orvid::Cartesian3D, double>::point"},
+    {"way", "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector"}};
+
+TEST(Object, BaseHasNoIconsNoHelpAndNoKey) {
+    const PlainObject object("o");
+    EXPECT_EQ(object.qt_icon(), "");
+    EXPECT_EQ(object.xpm_icon(), nullptr);
+    EXPECT_EQ(object.gimp_icon(), "");
+    EXPECT_EQ(object.help(), "");
+    EXPECT_EQ(object.type_key(), "");
+    EXPECT_FALSE(object.copy("p"));
+}
+
+TEST(Object, NamesItsChildren) {
+    const PlainObject object("parent");
+    EXPECT_EQ(object.makeChildname("child"), "parent/child");
+    EXPECT_EQ(object.createChildname("child"), "parent/child");
+    const PlainObject child("parent/child"), second("parent/child2");
+    EXPECT_EQ(object.createChildname("child"), "parent/child3");
+}
+
+TEST(Object, NamesNewParameters) {
+    const PlainObject object("o");
+    EXPECT_EQ(object.CreateParameterName("strength"), "strength2");
+    EXPECT_EQ(object.CreateParameterName("weight"), "weight");
+}
+
+TEST(Object, AnswersRequestsOnceEnabled) {
+    PlainObject object("o");
+    VRequest request(Tessan::makeStrong<Qelt::ValuePool>());
+    EXPECT_FALSE(object.request(request, 0));
+    object.enableRequestProcessing();
+    EXPECT_TRUE(object.request(request, 0));
+    EXPECT_EQ(object.updates, 1);
+    EXPECT_TRUE(object.unsychronized_update(request, 0));
+    EXPECT_EQ(object.updates, 2);
+}
+
+TEST(Object, IsUpdatedOnlyWhereItMust) {
+    struct Settled : PlainObject {
+        using PlainObject::PlainObject;
+        bool must_update(const VRequest&) const override { return false; }
+    };
+    Settled object("o");
+    VRequest request(Tessan::makeStrong<Qelt::ValuePool>());
+    object.enableRequestProcessing();
+    EXPECT_TRUE(object.request(request, 0));
+    EXPECT_EQ(object.updates, 0);
+}
+
+TEST(Object, SaysWhichInputsSuitAnother) {
+    const PlainObject object("o"), offered("p");
+    EXPECT_EQ(object.getAcceptInfoList(offered), all_inputs);
+    EXPECT_EQ(object.accept(offered), all_inputs); // without a creator, its own list is all
+}
+
+TEST(Object, OffersItsParametersAsOutputs) {
+    const PlainObject object("o");
+    std::vector<std::string> names;
+    object.iterateOutputs([&](Qelt::VParameter& output) { names.push_back(output.Name()); });
+    EXPECT_THAT(names, ElementsAre("strength", "tint", "place", "way"));
+    EXPECT_TRUE(object.implements(typeid(double)));
+    EXPECT_FALSE(object.implements(typeid(int)));
+    EXPECT_EQ(object.getImplementation(typeid(Orvid::PhysicalSpace::point)), object.place.parameter());
+}
+
+TEST(Object, GetsInputsByTypeName) {
+    const Qelt::TypedSlotCreatorOf<double> creator;
+    PlainObject object("o");
+    EXPECT_EQ(object.InputCreation("double", "more"), nullptr);
+    TypedSlotCreator::registerTypedSlotCreator(typeid(double), creator, "double");
+    const Qelt::VSlot* const input = object.InputCreation("double", "strength", 4);
+    TypedSlotCreator::unregisterTypedSlotCreator(typeid(double), creator, "double");
+    ASSERT_NE(input, nullptr);
+    EXPECT_EQ(input->name(), "strength2"); // the name was taken
+    EXPECT_EQ(object.parameters().back().expert_level, 4);
+    EXPECT_EQ(object.findParameter("strength2")->DefaultValue().Text(), "0");
+}
+
+TEST(Object, IsSetUpOnceItsCreatorIsKnown) {
+    struct Counting : PlainObject {
+        using PlainObject::PlainObject;
+        void setup() override { ++setups; }
+        int setups = 0;
+    };
+    VCreator<PlainObject, void> creator(std::string("Plain"), 0);
+    Counting object("o");
+    object.setCreator(Tessan::WeakPtr<VCreatorBase>(&creator));
+    object.setCreator(Tessan::WeakPtr<VCreatorBase>(&creator));
+    EXPECT_EQ(object.setups, 1);
+}
+
+TEST(ObjectText, WritesAndReadsAllParameters) {
+    PlainObject object("o"), other("p");
+    object.findParameter("strength")->setGlobalValueFromText("1e-300");
+    object.findParameter("tint")->setGlobalValueFromText("0.7 0.7 0.7 1");
+    const std::string text = object.saveText();
+    EXPECT_EQ(text, "strength = 1e-300\ntint = 0.7 0.7 0.7 1\nplace = 1 2 3\nway = 0 0 -1\n");
+    EXPECT_EQ(other.loadText(text), std::nullopt);
+    EXPECT_EQ(other.saveText(), text);
+    EXPECT_EQ(other.loadText(""), std::nullopt);
+}
+
+TEST(ObjectText, WhatIsWrongIsToldAndNothingChanges) {
+    struct Case {
+        const char* text;
+        const char* problem;
+    };
+    const Case cases[] = {
+        {"strength 1\n", "line 1: expected \"NAME = VALUE\", found \"strength 1\""},
+        {"strength = 1\nwidth = 2\n", "line 2: \"o\" has no parameter \"width\""},
+        {"strength = 1\ntint = red\n",
+         "line 2: parameter \"tint\" takes a Orvid::rgba_float_t, found \"red\""},
+        {"strength = 1\n\n", "line 2: expected \"NAME = VALUE\", found \"\""},
+    };
+    for (const Case& wrong : cases) {
+        PlainObject object("o");
+        const std::string before = object.saveText();
+        EXPECT_EQ(object.loadText(wrong.text), wrong.problem);
+        EXPECT_EQ(object.saveText(), before) << wrong.text;
+    }
+}
+
+TEST(ObjectText, ParameterNameMayHoldTheSign) {
+    PlainObject object("o");
+    const Qelt::TypedSlot<double> odd(&object, "a = b", 1.0, 0);
+    EXPECT_EQ(object.loadText("a = b = 3\n"), std::nullopt);
+    EXPECT_EQ(object.findParameter("a = b")->globalValue().Text(), "3");
+}
+
+} // namespace

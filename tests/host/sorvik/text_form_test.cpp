@@ -1,0 +1,118 @@
+#include <orvid/physical_space.hpp>
+#include <orvid/rgba_float.hpp>
+#include <palune/geometry_traits.hpp>
+#include <sorvik/value_trait.hpp>
+
+#include <bit>
+#include <cstdint>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+using Orvid::PhysicalSpace;
+using Orvid::rgba_float_t;
+using Qelt::VValueTrait;
+
+TEST(DoubleText, IsTheShortestThatReadsBack) {
+    EXPECT_EQ(VValueTrait<double>::Text(0.1), "0.1");
+    EXPECT_EQ(VValueTrait<double>::Text(-0.0), "-0");
+    EXPECT_EQ(VValueTrait<double>::Text(1e300), "1e+300");
+    EXPECT_EQ(VValueTrait<double>::Text(5e-324), "5e-324");
+    EXPECT_EQ(VValueTrait<double>::Text(52), "52");
+}
+
+TEST(DoubleText, RoundTripsRandomBits) {
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 100000; ++i) {
+        const auto bits = random();
+        const double value = std::bit_cast<double>(bits);
+        if (value != value)
+            continue;
+        const std::string text = VValueTrait<double>::Text(value);
+        double read = 0;
+        ASSERT_TRUE(VValueTrait<double>::setValueFromText(read, text)) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(read), bits) << text;
+        ASSERT_EQ(std::strtod(text.c_str(), nullptr), value) << text; // a second reader agrees
+    }
+}
+
+TEST(DoubleText, InfinitiesAndNotANumberRoundTrip) {
+    for (const char* const text : {"inf", "-inf", "nan"}) {
+        double read = 0;
+        ASSERT_TRUE(VValueTrait<double>::setValueFromText(read, text));
+        EXPECT_EQ(VValueTrait<double>::Text(read), text);
+    }
+}
+
+TEST(DoubleText, MalformedTextIsRefusedAndChangesNothing) {
+    for (const char* const text : {"", " ", "x", "1x", "1 2", "1,5", "--1", "+1", "0x10", "1e", "1e400", "1e-400", "1 x"}) {
+        double value = 42;
+        EXPECT_FALSE(VValueTrait<double>::setValueFromText(value, text)) << text;
+        EXPECT_EQ(value, 42) << text;
+    }
+}
+
+TEST(ColorText, ComponentsAreSeparatedByOneBlank) {
+    EXPECT_EQ(VValueTrait<rgba_float_t>::Text({0.7f, 0.7f, 0.7f, 1}), "0.7 0.7 0.7 1");
+    rgba_float_t color;
+    ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "0.2 0.4 0.8 0.3"));
+    EXPECT_EQ(color, (rgba_float_t{0.2f, 0.4f, 0.8f, 0.3f}));
+    ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "  1\t0 \n0  0.5 "));
+    EXPECT_EQ(color, (rgba_float_t{1, 0, 0, 0.5f}));
+}
+
+TEST(ColorText, RoundTripsRandomBits) {
+    std::mt19937 random(2);
+    const auto next = [&] {
+        float value;
+        do
+            value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+        while (value != value);
+        return value;
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const rgba_float_t color{next(), next(), next(), next()};
+        const std::string text = VValueTrait<rgba_float_t>::Text(color);
+        rgba_float_t read;
+        ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(read, text)) << text;
+        ASSERT_EQ((std::bit_cast<std::array<std::uint32_t, 4>>(read)),
+                  (std::bit_cast<std::array<std::uint32_t, 4>>(color)))
+            << text;
+    }
+}
+
+TEST(ColorText, MalformedTextIsRefusedAndChangesNothing) {
+    for (const char* const text : {"", "1", "1 1 1", "1 1 1 1 1", "1 1 1 red", "1e39 0 0 1", "#ffffff", "1,1,1,1"}) {
+        rgba_float_t color{1, 2, 3, 4};
+        EXPECT_FALSE(VValueTrait<rgba_float_t>::setValueFromText(color, text)) << text;
+        EXPECT_EQ(color, (rgba_float_t{1, 2, 3, 4})) << text;
+    }
+}
+
+template <class Triple>
+class TripleText : public testing::Test {};
+using Triples = testing::Types<PhysicalSpace::point, PhysicalSpace::vector>;
+TYPED_TEST_SUITE(TripleText, Triples);
+
+TYPED_TEST(TripleText, RoundTrips) {
+    const TypeParam value{-0.0, 1e-300, 5e-324};
+    EXPECT_EQ(VValueTrait<TypeParam>::Text(value), "-0 1e-300 5e-324");
+    TypeParam read{7, 7, 7};
+    ASSERT_TRUE(VValueTrait<TypeParam>::setValueFromText(read, "-0 1e-300 5e-324"));
+    EXPECT_EQ(read, value);
+    EXPECT_TRUE(std::signbit(read.x));
+}
+
+TYPED_TEST(TripleText, MalformedTextIsRefusedAndChangesNothing) {
+    for (const char* const text : {"", "1 2", "1 2 3 4", "1 2 z", "1e999 0 0", "(1 2 3)"}) {
+        TypeParam value{1, 2, 3};
+        EXPECT_FALSE(VValueTrait<TypeParam>::setValueFromText(value, text)) << text;
+        EXPECT_EQ(value, (TypeParam{1, 2, 3})) << text;
+    }
+}
+
+} // namespace

@@ -1,0 +1,61 @@
+// What every light type of the module has in common. A new type only needs its name in the list.
+
+#include "tests/support/gl_recorder.hpp"
+#include "tests/support/module_light.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using korl::test::ModuleLight;
+
+class EveryLight : public testing::TestWithParam<const char*> {
+protected:
+    ModuleLight light{GetParam()};
+};
+
+std::size_t occurrences(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
+TEST_P(EveryLight, SnippetDefinesOneLightingFunction) {
+    const std::string snippet = light.source().snippet();
+    EXPECT_EQ(occurrences(snippet, "getLight_$$"), 1u);
+    EXPECT_EQ(occurrences(snippet, "void\tgetLight_$$("), 1u);
+    EXPECT_EQ(light.source().snippet(), snippet);
+}
+
+TEST_P(EveryLight, UniformsAreSpeltAsInTheSnippet) {
+    light.light.environment_render(light.context); // where some lights write them
+    const auto& source = light.source();
+    EXPECT_FALSE(source.uniforms().empty());
+    for (const auto& [name, value] : source.uniforms()) {
+        EXPECT_TRUE(name.ends_with("$$")) << name;
+        EXPECT_EQ(occurrences(source.snippet(), " " + name + " "), 1u) << name; // its declaration
+    }
+}
+
+TEST_P(EveryLight, UsesTheOpenGLLightOfTheContextsNumber) {
+    korl::test::takeRecordedCalls();
+    light.context.setLightNumber(3);
+    EXPECT_TRUE(light.light.environment_render(light.context));
+    for (const std::string& call : korl::test::takeRecordedCalls())
+        if (call.starts_with("glLight")) {
+            EXPECT_NE(call.find(" LIGHT2 "), std::string::npos) << call;
+        }
+}
+
+TEST_P(EveryLight, AnswersTheSameForAnInterval) {
+    EXPECT_TRUE(light.light.environment_render(light.context));
+    const auto calls = korl::test::takeRecordedCalls();
+    EXPECT_TRUE(light.light.environment_render(light.context, 0, 1));
+    EXPECT_EQ(korl::test::takeRecordedCalls(), calls);
+}
+
+INSTANTIATE_TEST_SUITE_P(TovekLight, EveryLight, testing::Values("AmbientLight"),
+                         [](const auto& type) { return std::string(type.param); });
+
+} // namespace

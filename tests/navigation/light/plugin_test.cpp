@@ -1,0 +1,159 @@
+#include "tests/support/captured_trace.hpp"
+#include "tests/support/heard_reports.hpp"
+#include "tests/support/loaded_module.hpp"
+
+#include <orvid/rgba_float.hpp>
+#include <sorvik/creator.hpp>
+#include <sorvik/initialization.hpp>
+#include <sorvik/slot_creator.hpp>
+#include <sorvik/value_creator.hpp>
+
+#include <cstdio>
+#include <gmock/gmock.h>
+#include <memory>
+
+namespace {
+
+using korl::test::LoadedModule;
+using korl::test::traceOf;
+using Qelt::TypedSlotCreator;
+using Qelt::VCreatorBase;
+using Qelt::VObject;
+using Qelt::VValueCreator;
+using Tessan::StrongPtr;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using Property = Qelt::VCreatorPropertyBase;
+
+constexpr const char* entry_point = "KORL_API_2026_JAN_22__tovek_light";
+
+std::vector<std::string> announced() {
+    std::vector<std::string> names;
+    for (const auto& plugin : VInitialization::plugins())
+        names.push_back(plugin.name + " " + plugin.version_key);
+    return names;
+}
+
+TEST(Module, ExportsItsEntryPointAlone) {
+    const std::string command = std::string(NM_PROGRAM) + " -D --defined-only --format=posix " + TOVEK_LIGHT_MODULE;
+    const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
+    ASSERT_TRUE(output);
+    std::vector<std::string> names;
+    char name[256];
+    while (std::fscanf(output.get(), "%255s %*[^\n]", name) == 1)
+        names.emplace_back(name);
+    EXPECT_THAT(names, ElementsAre(entry_point));
+}
+
+TEST(Module, EntryPointReturnsTheShellsAnswer) {
+    struct Shell : VInitialization {
+        bool IsCompatible(const char* version_key) const override {
+            asked = version_key;
+            return answer;
+        }
+        bool answer = true;
+        mutable std::string asked;
+    };
+    const LoadedModule module;
+    auto* const entry = reinterpret_cast<VInitialization::EntryPoint>(module.symbol(entry_point));
+    ASSERT_NE(entry, nullptr);
+    Shell shell;
+    EXPECT_TRUE(entry(&shell));
+    EXPECT_EQ(shell.asked, "KORL_API_VERSION");
+    shell.answer = false;
+    EXPECT_FALSE(entry(&shell)); // a shell of another version: the module hands its refusal on
+    EXPECT_FALSE(VCreatorBase::catalogue().empty()); // and refuses nothing itself
+}
+
+TEST(Module, AnnouncesItself) {
+    EXPECT_THAT(announced(), IsEmpty());
+    {
+        const LoadedModule module;
+        EXPECT_THAT(announced(), ElementsAre("tovek_light KORL_API_VERSION"));
+    }
+    EXPECT_THAT(announced(), IsEmpty());
+}
+
+TEST(Module, TracesItsCreatorsAtLoad) {
+    EXPECT_EQ(traceOf(100, [] { const LoadedModule module; }), "VCreator::VCreator(Scenery/AmbientLight,0)\n");
+    EXPECT_EQ(traceOf(99, [] { const LoadedModule module; }), "");
+}
+
+TEST(Module, CreatorsCarryTheirProperties) {
+    const LoadedModule module;
+    const VCreatorBase* const creator = VCreatorBase::find("AmbientLight");
+    ASSERT_NE(creator, nullptr);
+    EXPECT_EQ(creator->creatorNumber(), 0);
+    EXPECT_TRUE(creator->preferences().empty());
+    const auto& properties = creator->properties().all();
+    std::vector<Property::Kind> kinds;
+    for (const Property& property : properties)
+        kinds.push_back(property.kind());
+    using Kind = Property::Kind;
+    ASSERT_THAT(kinds, ElementsAre(Kind::description, Kind::group, Kind::date, Kind::name, Kind::source,
+                                   Kind::category));
+    EXPECT_EQ(properties[0].text(), "A light source that lights everything.");
+    EXPECT_EQ(properties[1].text(), "General");
+    EXPECT_THAT(properties[2].text(), MatchesRegex("[A-Z][a-z][a-z] [ 0-9][0-9] [0-9][0-9][0-9][0-9]"));
+    EXPECT_EQ(properties[3].text(), "AmbientLight");
+    EXPECT_EQ(properties[4].text(), "navigation/light/AmbientLight.cpp");
+    EXPECT_EQ(properties[5].text(), "Scenery");
+}
+
+TEST(Module, RegistersCreatorsOfItsValueTypesAndWithdrawsThem) {
+    const auto slots = [] { return TypedSlotCreator::count(typeid(Orvid::rgba_float_t)); };
+    {
+        const LoadedModule module;
+        EXPECT_EQ(slots(), 1u);
+        EXPECT_NE(TypedSlotCreator::find("Orvid::rgba_float_t"), nullptr);
+        EXPECT_EQ(VValueCreator::count("Orvid::rgba_float_t"), 1u);
+    }
+    EXPECT_EQ(slots(), 0u);
+    EXPECT_EQ(VValueCreator::count("Orvid::rgba_float_t"), 0u);
+}
+
+TEST(Module, CreatesObjectsWithTheTrace) {
+    const LoadedModule module;
+    StrongPtr<VObject> object;
+    EXPECT_EQ(traceOf(100, [&] { object = VCreatorBase::find("AmbientLight")->create("lamp"); }),
+              "VCreator::create(lamp)\nVCreator::create(lamp) got derived object\n");
+    EXPECT_EQ(object->Name(), "lamp");
+    EXPECT_TRUE(object->processesRequests());
+    EXPECT_EQ(object->type_key(), "Scenery/AmbientLight");
+}
+
+TEST(Module, EmptyNameBecomesTheCreatorsName) {
+    const LoadedModule module;
+    EXPECT_EQ(VCreatorBase::find("AmbientLight")->create("")->Name(), "AmbientLight");
+}
+
+TEST(Module, UnloadingDeletesItsObjectsAndLeavesNoTrace) {
+    korl::test::HeardReports heard;
+    StrongPtr<VObject> survivor;
+    {
+        const LoadedModule module;
+        survivor = VCreatorBase::find("AmbientLight")->create("lamp");
+        EXPECT_TRUE(LoadedModule::isInProcess());
+        EXPECT_EQ(VObject::members().size(), 1u);
+    }
+    EXPECT_FALSE(LoadedModule::isInProcess());
+    EXPECT_TRUE(VObject::members().empty());
+    EXPECT_TRUE(VCreatorBase::catalogue().empty());
+    EXPECT_FALSE(survivor);
+    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_EQ(survivor.operator->(), nullptr); // using it is reported, not undefined
+    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
+}
+
+TEST(Module, SlotsTornDownDuringUnloadGiveNoWarning) {
+    const std::string trace = traceOf(0, [] {
+        const LoadedModule module;
+        VCreatorBase::find("AmbientLight")->create("released at once");
+        static StrongPtr<VObject> kept;
+        kept = VCreatorBase::find("AmbientLight")->create("deleted at unload");
+    });
+    EXPECT_EQ(trace, "");
+}
+
+} // namespace

@@ -1,0 +1,65 @@
+#include "tests/support/loaded_module.hpp"
+
+#include <doltra/render_context.hpp>
+#include <doltra/renderable.hpp>
+#include <sorvik/creator.hpp>
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+using korl::test::LoadedModule;
+using Qelt::VCreatorBase;
+using Tessan::StrongPtr;
+
+/// The memory of this process that is in use, in bytes: what the allocator has handed out, and what is resident.
+struct MemoryInUse {
+    std::size_t allocated = mallinfo2().uordblks;
+    std::size_t resident = [] {
+        std::size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages >> pages;
+        return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    }();
+};
+
+/// One life of the module: loaded, used in a render context, unloaded with a living object.
+void useModuleOnce() {
+    const LoadedModule module;
+    Qelt::VRenderContext context(Tessan::makeStrong<Qelt::ValuePool>());
+    const auto light = VCreatorBase::find("AmbientLight")->create("lamp");
+    dynamic_cast<Qelt::RenderAble&>(*light.get()).illuminate(context);
+    context.beginRendering();
+}
+
+TEST(Reload, ProcessDoesNotGrow) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers grow by themselves";
+#endif
+    for (int i = 0; i < 100; ++i)
+        useModuleOnce();
+    const MemoryInUse settled;
+    for (int i = 100; i < 1000; ++i)
+        useModuleOnce();
+    const MemoryInUse end;
+    EXPECT_LE(end.allocated, settled.allocated);
+    EXPECT_LE(end.resident, settled.resident + 4 * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)));
+    EXPECT_FALSE(LoadedModule::isInProcess());
+}
+
+TEST(Reload, SerialNumbersOfLightSourcesGoOn) {
+    std::uint64_t latest = 0;
+    for (int i = 0; i < 3; ++i) {
+        const LoadedModule module;
+        Qelt::VRenderContext context(Tessan::makeStrong<Qelt::ValuePool>());
+        const auto light = VCreatorBase::find("AmbientLight")->create("lamp");
+        dynamic_cast<Qelt::RenderAble&>(*light.get()).illuminate(context);
+        EXPECT_GT(context.enabledLightSources()[0]->serialNumber(), latest);
+        latest = context.enabledLightSources()[0]->serialNumber();
+        context.beginRendering();
+    }
+}
+
+} // namespace

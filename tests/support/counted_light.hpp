@@ -1,0 +1,38 @@
+#pragma once
+
+#include <doltra/render_context.hpp>
+#include <doltra/shader_light_source.hpp>
+#include <palune/geometry_traits.hpp>
+
+#include <string>
+#include <utility>
+
+namespace korl::test {
+
+/// A shader light of the tests' own: a snippet given at its making, and one uniform.
+class CountedLight : public Qelt::ShaderLightSource {
+public:
+    explicit CountedLight(const std::string& name, std::string snippet_text = "void getLight_$$() {}", int priority = 0) :
+        ShaderLightSource(name, priority, {}), text(std::move(snippet_text)) {
+        enableRequestProcessing();
+    }
+
+    void illuminate(const Qelt::VRenderContext& context) const override {
+        context.enableLightSource(
+            static_cast<const LightState&>(*myState(context.pool()).get()).lightSource());
+    }
+    std::string lightSnippet() const override {
+        ++snippets_fetched;
+        return text;
+    }
+    void fillUniforms(Qelt::RenderNamespace::UniformMap& uniforms, Qelt::VRenderContext&) const override {
+        ++fills;
+        Qelt::RenderNamespace::writeUniform(uniforms, "Strength$$", strength);
+    }
+
+    std::string text;
+    float strength = 1;
+    mutable int snippets_fetched = 0, fills = 0;
+};
+
+} // namespace korl::test

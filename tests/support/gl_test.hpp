@@ -1,0 +1,44 @@
+#pragma once
+
+#include "shell/render/gl_context.hpp"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace korl::test {
+
+/// Base of every suite that needs an OpenGL context. The process has one debug context, current in each test.
+/// A test fails on the first error that the driver reports (where it has KHR_debug, within the call that made
+/// it), and on a glGetError left at its end. Without a context the test fails; it is never skipped.
+class GLTest : public ::testing::Test {
+public:
+    /// Made on first use and kept until the process ends: a software rasteriser that is unloaded earlier
+    /// leaves a few bytes behind, which a leak check would take for ours.
+    static GLContext& context();
+
+protected:
+    void SetUp() override;
+    void TearDown() override;
+};
+
+/// While one of these lives, the driver's errors are collected instead of failing the test; at least one must
+/// come. Clears glGetError at its end.
+class ExpectedGLErrors {
+public:
+    ExpectedGLErrors();
+    ~ExpectedGLErrors();
+    ExpectedGLErrors(const ExpectedGLErrors&) = delete;
+    ExpectedGLErrors& operator=(const ExpectedGLErrors&) = delete;
+
+    /// What the driver said, a text per error. Drivers without KHR_debug say nothing.
+    const std::vector<std::string>& messages() const { return my_messages; }
+
+private:
+    friend void hearGLError(const std::string& message);
+
+    std::vector<std::string> my_messages;
+    ExpectedGLErrors* my_outer;
+};
+
+} // namespace korl::test

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <tessan/speak_ptr.hpp>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korl::test {
+
+/// Hears the pointer diagnostics instead of having them printed, as long as it lives.
+class HeardReports : public Tessan::SpeakPtr {
+public:
+    HeardReports() : my_former(replaceSpeaker(this)) {}
+    ~HeardReports() override { replaceSpeaker(my_former); }
+
+    void printRS(const std::string& message, const char* place) override {
+        places.emplace_back(place);
+        messages.push_back(message);
+    }
+
+    std::vector<std::string> places;
+    std::vector<std::string> messages;
+
+private:
+    SpeakPtr* my_former;
+};
+
+} // namespace korl::test
