@@ -85,7 +85,7 @@ public:
 
 protected:
     /// Makes the object its own owner: no pointer that goes deletes it. For objects that are not on the heap.
-    void ownItself() noexcept { my_block->addStrong(); }
+    void ownItself() noexcept { my_block->my_strong.fetch_add(1, std::memory_order_relaxed); }
 
 private:
     ControlBlock* my_block;

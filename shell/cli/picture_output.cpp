@@ -1,7 +1,7 @@
 #include "shell/cli/picture_output.hpp"
 
 #include "shell/error.hpp"
-#include "shell/file_output.hpp"
+#include "shell/scene/file_output.hpp"
 #include "shell/render/png.hpp"
 
 #include <cerrno>
