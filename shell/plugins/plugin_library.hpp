@@ -1,0 +1,69 @@
+#pragma once
+
+#include <shell/plugins/plugin_inspection.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace korl {
+
+/// A plug-in library that is loaded while its owner lives. Loading and unloading run the module's code: it
+/// announces itself, and registers and withdraws its creators. Not to be loaded or unloaded from two threads
+/// at once.
+class PluginLibrary {
+public:
+    /// Inspects a library, loads it and asks its entry point whether it was built for this shell's interface.
+    /// Throws Error where the inspection refuses it (none of its code has run then), the system's loader
+    /// refuses it, or its entry point says no; it is unloaded again in the last case. An exception that
+    /// leaves a static initialiser of the library ends the process, as it does in every program on this
+    /// system.
+    static PluginLibrary load(const std::filesystem::path& file);
+    static PluginLibrary load(PluginInspection inspection);
+
+    const std::filesystem::path& file() const noexcept { return my_inspection.file; }
+    const std::string& moduleName() const noexcept { return my_inspection.module_name; }
+
+private:
+    struct Close {
+        void operator()(void* handle) const noexcept;
+    };
+
+    explicit PluginLibrary(PluginInspection inspection);
+    void requireConsent() const;
+
+    PluginInspection my_inspection;
+    std::unique_ptr<void, Close> my_handle;
+};
+
+/// The plug-ins of a shell, each module once. They go in the reverse of the order in which they came.
+class PluginSet {
+public:
+    PluginSet() = default;
+    ~PluginSet();
+    PluginSet(PluginSet&&) noexcept = default;
+    PluginSet& operator=(PluginSet&&) = delete;
+
+    /// Loads one plug-in. Throws Error as PluginLibrary::load does, and where the same file or a module of
+    /// the same name is loaded already. The set is unchanged then.
+    /// @returns the library; it stays where it is until another one is loaded.
+    const PluginLibrary& load(const std::filesystem::path& file);
+
+    /// Loads every *.so of the directories, directory by directory, in each one in alphabetical order. A file
+    /// that is loaded already, from a directory listed twice or by a link, is passed over. Throws Error at
+    /// the first directory that can't be read and at the first plug-in that is refused; those before it stay
+    /// loaded.
+    void loadFrom(const std::vector<std::filesystem::path>& directories);
+
+    /// In the order of loading.
+    const std::vector<PluginLibrary>& libraries() const noexcept { return my_libraries; }
+
+private:
+    const PluginLibrary* findFile(const std::filesystem::path& file) const;
+    void requireNewModule(const PluginInspection& inspection) const;
+
+    std::vector<PluginLibrary> my_libraries;
+};
+
+} // namespace korl

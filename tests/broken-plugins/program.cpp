@@ -1,0 +1,3 @@
+// A program where a library is expected.
+
+int main() {}

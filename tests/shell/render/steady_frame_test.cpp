@@ -1,0 +1,93 @@
+// A steady frame makes no heap allocation: every operator new of this process is counted while one is drawn.
+
+#include "tests/support/flat_scene.hpp"
+#include "tests/support/gl_test.hpp"
+#include "tests/support/loaded_module.hpp"
+
+#include "shell/render/fixed_path.hpp"
+#include "shell/render/shader_path.hpp"
+
+#include <atomic>
+#include <cstdlib>
+#include <glm/glm.hpp>
+#include <gtest/gtest.h>
+#include <new>
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+} // namespace
+
+__attribute__((visibility("default"))) void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* const memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+
+__attribute__((visibility("default"))) void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+__attribute__((visibility("default"))) void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+class SteadyFrameGLTest : public korl::test::GLTest {
+protected:
+    template <class Draw>
+    long allocationsOfSteadyFrame(Draw draw) {
+        for (int i = 0; i < 3; ++i)
+            draw();
+        const long before = allocations;
+        draw();
+        return allocations - before;
+    }
+
+    SteadyFrameGLTest() {
+        korl::test::makeFlat(scene);
+        scene.create("AmbientLight");
+        scene.create("DownwardLight");
+    }
+
+    const korl::test::LoadedModule module;
+    const korl::test::TestLightCreators creators;
+    korl::Scene scene;
+    korl::View view;
+    korl::MeshBufferCache meshes;
+    const korl::Viewpoint viewpoint{glm::mat4(1), glm::mat4(1), glm::vec3(0)};
+};
+
+TEST_F(SteadyFrameGLTest, CountingWorks) {
+    const long before = allocations;
+    const std::string long_enough_for_the_heap(100, 'x');
+    EXPECT_GT(allocations, before);
+}
+
+TEST_F(SteadyFrameGLTest, ShaderPathAllocatesNothing) {
+    korl::ShaderPath path;
+    EXPECT_EQ(allocationsOfSteadyFrame([&] {
+                  view.beginFrame(scene, 0);
+                  path.fillUniforms(view, viewpoint);
+                  path.draw(view, viewpoint, meshes.buffersOf(scene.meshes()));
+                  view.endFrame();
+              }),
+              0);
+}
+
+TEST_F(SteadyFrameGLTest, FixedPathAllocatesNothing) {
+    korl::FixedPath path;
+    korl::Reports reports{{}};
+    EXPECT_EQ(allocationsOfSteadyFrame([&] {
+                  view.beginFrame(scene, 0);
+                  path.setUpLights(view, viewpoint, reports);
+                  path.draw(viewpoint, meshes.buffersOf(scene.meshes()));
+                  view.endFrame();
+              }),
+              0);
+}
+
+} // namespace

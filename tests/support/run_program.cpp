@@ -1,0 +1,65 @@
+#include "tests/support/run_program.hpp"
+
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace korl::test {
+
+namespace {
+
+std::string contentOf(const std::filesystem::path& file) {
+    std::ostringstream content;
+    content << std::ifstream(file, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+} // namespace
+
+ProgramResult runProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                         const std::vector<std::pair<std::string, std::string>>& environment) {
+    const TemporaryFolder folder;
+    const std::string output = folder / "output", errors = folder / "errors";
+    std::vector<char*> words{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+
+    const pid_t child = fork();
+    if (child < 0)
+        throw std::runtime_error("cannot start a process");
+    if (child == 0) {
+        for (const auto& [name, value] : environment)
+            setenv(name.c_str(), value.c_str(), 1);
+        dup2(open(output.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
+        dup2(open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+        execv(program.c_str(), words.data());
+        _exit(127);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(output), contentOf(errors)};
+}
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = std::filesystem::temp_directory_path() / "korl-test-XXXXXX";
+    if (!mkdtemp(pattern.data()))
+        throw std::runtime_error("cannot make a temporary folder");
+    my_path = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(my_path, ignored);
+}
+
+std::filesystem::path TemporaryFolder::write(const std::string& name, const std::string& content) const {
+    std::ofstream(my_path / name, std::ios::binary) << content;
+    return my_path / name;
+}
+
+} // namespace korl::test
