@@ -124,8 +124,23 @@ void PluginSet::loadFrom(const std::vector<std::filesystem::path>& directories) 
         std::sort(files.begin(), files.end());
         for (const auto& file : files)
             if (!findFile(file))
-                load(file);
+                loadUnlessShadowed(inspectPlugin(file));
     }
+}
+
+void PluginSet::loadUnlessShadowed(const PluginInspection& inspection) {
+    if (const PluginLibrary* const first = findModule(inspection.module_name))
+        Qelt::Vprintf(1, "korl: \"%s\" is passed over, %s is loaded from \"%s\" already\n",
+                      inspection.file.c_str(), inspection.module_name.c_str(), first->file().c_str());
+    else
+        load(inspection.file);
+}
+
+const PluginLibrary* PluginSet::findModule(const std::string& name) const {
+    const auto found =
+        std::find_if(my_libraries.begin(), my_libraries.end(),
+                     [&](const PluginLibrary& library) { return library.moduleName() == name; });
+    return found == my_libraries.end() ? nullptr : &*found;
 }
 
 const PluginLibrary* PluginSet::findFile(const std::filesystem::path& file) const {
@@ -141,17 +156,14 @@ void PluginSet::requireNewModule(const PluginInspection& inspection) const {
     if (findFile(inspection.file))
         throw pluginError(inspection.file, "a plug-in that is not loaded yet", "one that is loaded already",
                           "Name each plug-in once.");
-    const auto has_name = [&](const std::string& name) { return name == inspection.module_name; };
-    const auto holder =
-        std::find_if(my_libraries.begin(), my_libraries.end(),
-                     [&](const PluginLibrary& library) { return has_name(library.moduleName()); });
+    const PluginLibrary* const holder = findModule(inspection.module_name);
     const auto announced = VInitialization::plugins();
-    const bool is_announced = std::any_of(announced.begin(), announced.end(),
-                                          [&](const auto& plugin) { return has_name(plugin.name); });
-    if (holder == my_libraries.end() && !is_announced)
+    const bool is_announced =
+        std::any_of(announced.begin(), announced.end(),
+                    [&](const auto& plugin) { return plugin.name == inspection.module_name; });
+    if (!holder && !is_announced)
         return;
-    const auto where =
-        holder == my_libraries.end() ? std::string() : ", loaded from \"" + holder->file().string() + "\"";
+    const auto where = holder ? ", loaded from \"" + holder->file().string() + "\"" : std::string();
     throw pluginError(inspection.file, "a module that is not loaded yet",
                       "another copy of " + inspection.module_name + where, "Leave out one of the two.");
 }

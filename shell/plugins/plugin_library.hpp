@@ -51,7 +51,8 @@ public:
     const PluginLibrary& load(const std::filesystem::path& file);
 
     /// Loads every *.so of the directories, directory by directory, in each one in alphabetical order. A file
-    /// that is loaded already, from a directory listed twice or by a link, is passed over. Throws Error at
+    /// that is loaded already, from a directory listed twice or by a link, is passed over; so is, traced at
+    /// verbosity 1, a module that is loaded already: the first one found is the one that counts. Throws Error at
     /// the first directory that can't be read and at the first plug-in that is refused; those before it stay
     /// loaded.
     void loadFrom(const std::vector<std::filesystem::path>& directories);
@@ -60,7 +61,9 @@ public:
     const std::vector<PluginLibrary>& libraries() const noexcept { return my_libraries; }
 
 private:
+    void loadUnlessShadowed(const PluginInspection& inspection);
     const PluginLibrary* findFile(const std::filesystem::path& file) const;
+    const PluginLibrary* findModule(const std::string& name) const;
     void requireNewModule(const PluginInspection& inspection) const;
 
     std::vector<PluginLibrary> my_libraries;

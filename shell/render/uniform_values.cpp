@@ -117,8 +117,11 @@ std::string uniformText(const UniformValue& value) {
             return Qelt::componentsToText(std::span<const T>(components));
         } else {
             std::string text;
-            for (const T component : components)
-                text += (text.empty() ? "" : " ") + std::to_string(component);
+            for (const T component : components) {
+                if (!text.empty())
+                    text += ' ';
+                text += std::to_string(component);
+            }
             return text;
         }
     });

@@ -1,3 +1,4 @@
+#include <sorvik/vprintf.hpp>
 #include <shell/plugins/plugin_library.hpp>
 
 #include "plugin_files.hpp"
@@ -104,8 +105,25 @@ TEST(PluginSetTest, RefusesAnotherCopyOfALoadedModule) {
         refusal(copy, "a module that is not loaded yet, found another copy of alder, loaded from \"" +
                           (good / "alder.so").string() + "\".\nLeave out one of the two.");
     EXPECT_EQ(errorOf([&] { set.load(copy); }), expected);
-    EXPECT_EQ(errorOf([&] { set.loadFrom({directory.path()}); }), expected);
     EXPECT_THAT(announcedNames(), ElementsAre("alder"));
+}
+
+TEST(PluginSetTest, PassesOverOtherCopiesOnTheSearchPath) {
+    const TemporaryDirectory directory;
+    const auto copy = directory.path() / "copy.so";
+    std::filesystem::copy_file(good / "alder.so", copy);
+    PluginSet set;
+    set.load(copy); // such as a build of one's own, named with --plugin
+    testing::internal::CaptureStdout();
+    Qelt::setVerbosity(1);
+    set.loadFrom({good});
+    Qelt::setVerbosity(0);
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "korl: \"" + (good / "alder.so").string() + "\" is passed over, alder is loaded from \"" +
+                  copy.string() + "\" already\n");
+    EXPECT_THAT(moduleNames(set), ElementsAre("alder", "birch", "cedar"));
+    EXPECT_EQ(set.libraries().front().file(), copy);
 }
 
 TEST(PluginSetTest, RefusesAModuleThatIsAnnouncedOutsideTheSet) {

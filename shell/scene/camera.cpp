@@ -1,0 +1,100 @@
+#include "shell/scene/camera.hpp"
+
+#include "shell/error.hpp"
+
+#include <sorvik/component_text.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <glm/ext/matrix_clip_space.hpp>
+#include <glm/ext/matrix_transform.hpp>
+#include <glm/geometric.hpp>
+#include <glm/trigonometric.hpp>
+#include <string>
+
+namespace korl {
+
+namespace {
+
+constexpr glm::dvec3 default_side{0.35, 0.85, 0.45}; ///< where the eye stands as seen from the target
+constexpr double fit_margin = 1.05;
+constexpr double nearest_by_farthest = 1e-3; ///< leaves a 24-bit depth buffer about 14 bits at the far plane
+
+/// Half of the field of view in the narrower of the picture's two directions, radians.
+double narrowerHalfAngle(double fov_degrees, double aspect) {
+    const double vertical = glm::radians(fov_degrees) / 2;
+    return aspect < 1 ? std::atan(std::tan(vertical) * aspect) : vertical;
+}
+
+bool isFinite(const glm::dvec3& value) {
+    return std::isfinite(value.x) && std::isfinite(value.y) && std::isfinite(value.z);
+}
+
+/// A vector's direction; scaled first, since the squares of very large or small components leave the range of
+/// double.
+glm::dvec3 directionOf(const glm::dvec3& vector) {
+    return glm::normalize(vector / std::max({std::abs(vector.x), std::abs(vector.y), std::abs(vector.z)}));
+}
+
+std::string text(const glm::dvec3& value) {
+    return '"' + Qelt::componentsToText(std::array{value.x, value.y, value.z}) + '"';
+}
+
+void requireFinite(const std::string& what, const glm::dvec3& value) {
+    if (!isFinite(value))
+        throw Error("the camera's " + what + " is " + text(value) + ", expected three finite numbers");
+}
+
+} // namespace
+
+glm::dmat4 Camera::view() const {
+    const glm::dmat4 turn = glm::lookAt(glm::dvec3(0), directionOf(target - position), directionOf(up));
+    return glm::translate(turn, -position);
+}
+
+glm::dmat4 Camera::projection(double aspect, const Ball& scene) const {
+    const glm::dvec3 sight = target - position;
+    const double depth = glm::dot(scene.center - position, directionOf(sight));
+    // A little more than the radius, so that rounding cuts nothing off, and never nothing.
+    const double reach = std::max({scene.radius * 1.01, std::abs(depth) * 1e-3, glm::length(sight) * 1e-6});
+    const double far = depth + reach > 0 ? depth + reach : reach;
+    const double near = std::max(depth - reach, far * nearest_by_farthest);
+    return glm::perspectiveRH_NO(glm::radians(fov_degrees), aspect, near, far);
+}
+
+void validate(const Camera& camera) {
+    requireFinite("position", camera.position);
+    requireFinite("target", camera.target);
+    requireFinite("up direction", camera.up);
+    // Both conditions are needed: not-a-number meets neither.
+    if (!(camera.fov_degrees > 0 && camera.fov_degrees < 180))
+        throw Error("the camera's field of view is " +
+                    Qelt::componentsToText(std::array{camera.fov_degrees}) +
+                    " degrees, expected more than 0 and less than 180");
+    const glm::dvec3 sight = camera.target - camera.position;
+    if (sight == glm::dvec3(0))
+        throw Error("the camera's position and target are both " + text(camera.target) +
+                    ", so that it has no line of sight; move one of them");
+    if (!isFinite(sight))
+        throw Error("the camera's position " + text(camera.position) + " and target " + text(camera.target) +
+                    " are too far apart; move them closer together");
+    if (camera.up == glm::dvec3(0))
+        throw Error("the camera's up direction is \"0 0 0\", which leads nowhere; give another one");
+    if (glm::length(glm::cross(directionOf(sight), directionOf(camera.up))) < 1e-6)
+        throw Error("the camera's up direction " + text(camera.up) +
+                    " lies along its line of sight; give one across it");
+}
+
+Camera fitCamera(const Ball& ball, double aspect) {
+    Camera camera;
+    const double radius = ball.radius > 0 ? ball.radius : 1;
+    // A ball just touches the cone of half angle a around the line of sight from the distance radius /
+    // sin(a).
+    const double distance = fit_margin * radius / std::sin(narrowerHalfAngle(camera.fov_degrees, aspect));
+    camera.target = ball.center;
+    camera.position = ball.center + distance * glm::normalize(default_side);
+    return camera;
+}
+
+} // namespace korl

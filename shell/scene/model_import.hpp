@@ -1,0 +1,32 @@
+#pragma once
+
+#include "shell/scene/mesh.hpp"
+
+#include <filesystem>
+#include <string_view>
+
+namespace korl {
+
+/// Which axis of a model's own coordinates points upwards.
+enum class UpAxis { x, y, z };
+
+/// Reads "x", "y" or "z". Throws Error for any other text.
+UpAxis parseUpAxis(std::string_view text);
+
+/// Reads a model from an OBJ, PLY, STL, glTF (.gltf, .glb) or 3DS file and fits it to the scene.
+///
+/// Its meshes are put where its nodes have them and merged into one, which carries the file's name. Polygons
+/// are cut into triangles; points and lines are left out. Normals are made smooth where there are none. A
+/// vertex has its own colour, else the diffuse colour of its material, as the numbers stand in the file, but
+/// within 0 to 1; where the file gives neither it is white. Textures are not read.
+///
+/// @param up this axis of the model is turned to scene z, without mirroring. With y up the model's front, +z,
+/// comes to
+///        face scene +y: (x, y, z) becomes (-x, z, y). With x up (x, y, z) becomes (y, z, x). A 3DS file,
+///        whose format has z up, counts as a model with y up and its front at -y of the file.
+/// @returns a valid mesh whose bounding ball has the centre 0 and the radius 0.5.
+/// Throws Error that names the file, for one that cannot be opened, is of another kind or empty, is damaged
+/// or truncated, has no triangles, a vertex that is not finite, or all vertices in one place.
+Mesh importModel(const std::filesystem::path& file, UpAxis up);
+
+} // namespace korl
