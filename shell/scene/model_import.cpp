@@ -41,14 +41,28 @@ std::string extensionList() {
     return list;
 }
 
+std::uint32_t littleEndianAt(const std::string& bytes, std::size_t place) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        number |= std::uint32_t{static_cast<unsigned char>(bytes[place + i])} << (8 * i);
+    return number;
+}
+
 /// A binary STL file has a head of 80 bytes, the number of triangles, and 50 bytes for each.
 bool isBinaryStl(const std::string& bytes) {
-    std::uint32_t triangle_count = 0;
-    if (bytes.size() < 84)
+    return bytes.size() >= 84 && bytes.size() == 84 + std::uint64_t{50} * littleEndianAt(bytes, 80);
+}
+
+/// A binary glTF file has a head of 12 bytes, which ends with the file's length, and chunks of a length, a
+/// kind of four bytes and content.
+bool hasWholeChunks(const std::string& bytes) {
+    if (bytes.size() < 12 || littleEndianAt(bytes, 8) > bytes.size())
         return false;
-    for (std::size_t i = 0; i < 4; ++i)
-        triangle_count |= std::uint32_t{static_cast<unsigned char>(bytes[80 + i])} << (8 * i);
-    return bytes.size() == 84 + std::uint64_t{50} * triangle_count;
+    const std::uint64_t end = littleEndianAt(bytes, 8);
+    std::uint64_t place = 12;
+    while (place + 8 <= end)
+        place += 8 + std::uint64_t{littleEndianAt(bytes, static_cast<std::size_t>(place))};
+    return place == end;
 }
 
 std::string extensionOf(const fs::path& file) {
@@ -96,6 +110,8 @@ void requireSound(const std::string& extension, const std::string& bytes) {
     if (extension == ".stl" && bytes.starts_with("solid") && !isBinaryStl(bytes) &&
         bytes.find("endsolid") == std::string::npos)
         refuse("it is damaged or truncated: it has no \"endsolid\"");
+    if (extension == ".glb" && !hasWholeChunks(bytes))
+        refuse("it is damaged or truncated: its length or that of a chunk is not what its head tells");
 }
 
 /// A mesh where a node has it.

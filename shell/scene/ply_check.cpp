@@ -135,6 +135,8 @@ Header takeHeader(std::string_view& bytes) {
     bool has_format = false;
     while (bytes.find('\n') != std::string_view::npos) {
         std::string_view line = *takeLine(bytes);
+        if (std::any_of(line.begin(), line.end(), [](char c) { return c >= 0 && c < ' ' && c != '\t'; }))
+            fail("its header has bytes that are no text");
         const std::string_view keyword = takeWord(line);
         if (keyword == "format") {
             header.format = formatOf(takeWord(line));

@@ -45,7 +45,9 @@ TEST(Reload, ProcessDoesNotGrow) {
     for (int i = 100; i < 1000; ++i)
         useModuleOnce();
     const MemoryInUse end;
-    EXPECT_LE(end.allocated, settled.allocated);
+    // What the allocator keeps at hand counts as allocated and varies a little with the addresses. The smallest
+    // thing lost each time would make 900 blocks of 32 bytes.
+    EXPECT_LT(end.allocated, settled.allocated + 900 * 32 / 2);
     EXPECT_LE(end.resident, settled.resident + 4 * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)));
     EXPECT_FALSE(LoadedModule::isInProcess());
 }

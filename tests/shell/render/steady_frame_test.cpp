@@ -5,6 +5,7 @@
 #include "tests/support/loaded_module.hpp"
 
 #include "shell/render/fixed_path.hpp"
+#include "shell/render/offscreen_target.hpp"
 #include "shell/render/shader_path.hpp"
 
 #include <atomic>
@@ -48,11 +49,14 @@ protected:
     }
 
     SteadyFrameGLTest() {
+        target.bind();
         korl::test::makeFlat(scene);
         scene.create("AmbientLight");
         scene.create("DownwardLight");
     }
 
+    korl::GLContext& gl_context = context();
+    const korl::OffscreenTarget target{16, 16};
     const korl::test::LoadedModule module;
     const korl::test::TestLightCreators creators;
     korl::Scene scene;
