@@ -14,6 +14,14 @@ endif()
 
 add_library(korl_warnings INTERFACE)
 target_compile_options(korl_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns of overlap where a std::string is put together by operator+, and is wrong (GCC bug 105651).
+  target_compile_options(korl_warnings INTERFACE -Wno-restrict)
+  if(KORL_SANITIZE)
+    # Nor does it see what the sanitizers' own code initialises.
+    target_compile_options(korl_warnings INTERFACE -Wno-maybe-uninitialized)
+  endif()
+endif()
 
 # korl_host_library(NAME SOURCES... LINK targets...): one shared library of the host layer, alias korl::NAME.
 function(korl_host_library name)
@@ -23,6 +31,8 @@ function(korl_host_library name)
   target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/host>
                                             $<INSTALL_INTERFACE:include/korl>)
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE $<BUILD_INTERFACE:korl_warnings>)
+  # Each library brings those below it along, used or not: modules in other folders find them all loaded.
+  target_link_options(${name} PRIVATE LINKER:--no-as-needed)
   set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN" VERSION ${PROJECT_VERSION}
                         SOVERSION ${PROJECT_VERSION_MAJOR})
   install(TARGETS ${name} LIBRARY DESTINATION lib)

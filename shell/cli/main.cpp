@@ -14,8 +14,12 @@ int main(int argument_count, char** arguments) {
 
     CLI::App app("Lights scenes and renders them with OpenGL.", "korl");
     app.set_version_flag("--version", "korl " KORL_VERSION);
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     app.fallthrough(); // the options below may also stand behind the command
+
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return "korl: " + std::string(error.what()) + "\nRun with --help for more information.\n";
+    });
 
     Program program;
     app.add_option("--plugin", program.plugins, "Load a module, before those on KORL_PLUGIN_PATH")
@@ -29,6 +33,8 @@ int main(int argument_count, char** arguments) {
 
     try {
         app.parse(argument_count, arguments);
+        if (!program.command)
+            throw UsageError("no command was given; there are types, describe, render and shader");
         program.command();
         if (std::fflush(stdout) != 0)
             throw korl::Error("cannot write to standard output; is the disk full?");
@@ -37,7 +43,7 @@ int main(int argument_count, char** arguments) {
         const int code = app.exit(error);
         return code == 0 ? done : wrong_usage;
     } catch (const UsageError& error) {
-        note(std::string(error.what()) + "\nRun with --help for the options of a command.");
+        note(std::string(error.what()) + "\nRun with --help for more information.");
         return wrong_usage;
     } catch (const std::exception& error) {
         note(error.what());

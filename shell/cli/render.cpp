@@ -15,11 +15,14 @@ namespace {
 
 struct RenderOptions {
     SceneOptions scene;
-    RenderPath path = RenderPath::shader;
+    std::string path = "shader";
     std::string size = "640x480";
     std::string output = "korl.png";
     bool uniforms = false;
 };
+
+const std::map<std::string, RenderPath> paths{
+    {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
 
 void render(const Program& program, const RenderOptions& options) {
     const auto [width, height] = parseSize(options.size);
@@ -32,7 +35,7 @@ void render(const Program& program, const RenderOptions& options) {
                   context.info().version.c_str(), context.info().how.c_str());
     Renderer renderer(context, note);
     View view;
-    const Image image = renderer.render(session.scene, view, {width, height, options.path});
+    const Image image = renderer.render(session.scene, view, {width, height, paths.at(options.path)});
     if (options.uniforms)
         for (const std::string& line : renderer.listUniforms(session.scene, view))
             std::printf("%s\n", line.c_str());
@@ -48,11 +51,9 @@ void addRenderCommand(CLI::App& app, Program& program) {
     CLI::App* const command = app.add_subcommand("render", "Render a scene, or a model under lights, to a PNG file");
     const auto options = std::make_shared<RenderOptions>();
     addSceneOptions(*command, options->scene);
-    const std::map<std::string, RenderPath> paths{
-        {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
     command->add_option("--path", options->path, "shader, fixed, or both side by side")
-        ->transform(CLI::Transformer(paths, CLI::ignore_case))
-        ->option_text("shader|fixed|both [shader]");
+        ->check(CLI::IsMember({"shader", "fixed", "both"}))
+        ->capture_default_str();
     command->add_option("--size", options->size, "WIDTHxHEIGHT in pixels, of the picture of one path")
         ->capture_default_str();
     command->add_option("-o,--output", options->output, "The PNG file; - for standard output")

@@ -25,58 +25,86 @@ auto usage(const std::string& option, Step step) {
     }
 }
 
-glm::dvec3 parsePoint(const std::string& option, const std::string& text) {
+/// Nothing for an option that was left out.
+std::optional<glm::dvec3> parsePoint(const std::string& option, const std::string& text) {
     std::array<double, 3> point{};
+    if (text.empty())
+        return std::nullopt;
     if (!Qelt::componentsFromText(point, text))
         throw UsageError(option + " takes three numbers \"x y z\", found \"" + text + "\"");
-    return {point[0], point[1], point[2]};
+    return glm::dvec3(point[0], point[1], point[2]);
 }
 
-/// "TYPE" or "TYPE:NAME".
-void addLight(const std::string& text, Scene& scene) {
+struct Light {
+    std::string type, name;
+};
+
+/// Reads "TYPE" or "TYPE:NAME".
+Light parseLight(const std::string& text) {
     const std::size_t colon = text.find(':');
-    const std::string type = text.substr(0, colon);
-    const std::string name = colon == std::string::npos ? "" : text.substr(colon + 1);
-    if (type.empty() || (colon != std::string::npos && name.empty()))
+    Light light{text.substr(0, colon), colon == std::string::npos ? "" : text.substr(colon + 1)};
+    if (light.type.empty() || (colon != std::string::npos && light.name.empty()))
         throw UsageError("--light takes TYPE or TYPE:NAME, found \"" + text + "\"");
-    scene.create(type, name);
+    return light;
 }
 
-/// "NAME.PARAM=VALUE". The object's name may have dots in it, the parameter's has none.
-void applySetting(const std::string& text, Scene& scene) {
+struct Setting {
+    std::string object, parameter, value;
+};
+
+/// Reads "NAME.PARAM=VALUE". The object's name may have dots in it, the parameter's has none.
+Setting parseSetting(const std::string& text) {
     const std::size_t equals = text.find('=');
     const std::size_t dot = text.rfind('.', equals);
     if (equals == std::string::npos || dot == std::string::npos || dot == 0 || dot + 1 == equals)
         throw UsageError("--set takes NAME.PARAM=VALUE such as \"sun.latitude=52\", found \"" + text + "\"");
-    scene.setParameter(text.substr(0, dot), text.substr(dot + 1, equals - dot - 1), text.substr(equals + 1));
+    return {text.substr(0, dot), text.substr(dot + 1, equals - dot - 1), text.substr(equals + 1)};
 }
+
+/// The words of the command line, understood. Wrong usage shows before any work is done.
+struct ParsedOptions {
+    explicit ParsedOptions(const SceneOptions& options) :
+        model_up(usage("--model-up", [&] { return parseUpAxis(options.model_up); })) {
+        for (const std::string& text : options.lights)
+            lights.push_back(parseLight(text));
+        for (const std::string& text : options.settings)
+            settings.push_back(parseSetting(text));
+        if (!options.background.empty())
+            background = usage("--background", [&] { return parseColor(options.background); });
+        position = parsePoint("--camera", options.camera);
+        target = parsePoint("--target", options.target);
+        up = parsePoint("--up", options.up);
+    }
+
+    UpAxis model_up;
+    std::vector<Light> lights;
+    std::vector<Setting> settings;
+    std::optional<Orvid::rgba_float_t> background;
+    std::optional<glm::dvec3> position, target, up;
+};
 
 /// A light that goes with the viewer shows any scene; where no module has one, light from everywhere does.
 void addDefaultLight(Scene& scene) {
     for (const char* const type : {"Headlight", "AmbientLight"})
         if (Qelt::VCreatorBase::find(type)) {
             const std::string name = scene.create(type).Name();
-            note("the scene has no light, so it gets a " + std::string(type) + " named \"" + name +
-                 "\"; --light adds another one instead, --no-default-light leaves it dark");
+            note("the scene has no light, so the " + std::string(type) + " \"" + name +
+                 "\" was added; choose others with --light, or leave it dark with --no-default-light");
             return;
         }
     note("the scene has no light and stays dark: no module is loaded that has a Headlight or an AmbientLight");
 }
 
-void setCamera(const SceneOptions& options, double aspect, Scene& scene) {
-    if (options.camera.empty() && options.target.empty() && options.up.empty() && !options.fov)
+void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double aspect, Scene& scene) {
+    if (!parsed.position && !parsed.target && !parsed.up && !fov)
         return;
     const Ball ball = scene.boundingBall().value_or(Ball{{0, 0, 0}, 1});
     Camera camera = scene.camera ? *scene.camera : fitCamera(ball, aspect);
-    if (!options.camera.empty())
-        camera.position = parsePoint("--camera", options.camera);
-    if (!options.target.empty())
-        camera.target = parsePoint("--target", options.target);
-    if (!options.up.empty())
-        camera.up = parsePoint("--up", options.up);
-    if (options.fov)
-        camera.fov_degrees = *options.fov;
-    usage("the camera", [&] { validate(camera); });
+    camera.position = parsed.position.value_or(camera.position);
+    camera.target = parsed.target.value_or(camera.target);
+    camera.up = parsed.up.value_or(camera.up);
+    camera.fov_degrees = fov.value_or(camera.fov_degrees);
+    validate(camera);
     scene.camera = camera;
 }
 
@@ -99,23 +127,22 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
 }
 
 void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
+    const ParsedOptions parsed(options);
     if (!options.file.empty())
         readSceneFile(options.file, scene);
-    const UpAxis up = usage("--model-up", [&] { return parseUpAxis(options.model_up); });
     if (!options.model.empty())
-        scene.addMesh(importModel(options.model, up));
+        scene.addMesh(importModel(options.model, parsed.model_up));
     if (scene.meshes().empty())
         for (Mesh& mesh : builtinScene())
             scene.addMesh(std::move(mesh));
-    for (const std::string& light : options.lights)
-        addLight(light, scene);
+    for (const Light& light : parsed.lights)
+        scene.create(light.type, light.name);
     if (!scene.hasLight() && !options.no_default_light)
         addDefaultLight(scene);
-    for (const std::string& setting : options.settings)
-        applySetting(setting, scene);
-    if (!options.background.empty())
-        scene.background = usage("--background", [&] { return parseColor(options.background); });
-    setCamera(options, aspect, scene);
+    for (const Setting& setting : parsed.settings)
+        scene.setParameter(setting.object, setting.parameter, setting.value);
+    scene.background = parsed.background.value_or(scene.background);
+    setCamera(parsed, options.fov, aspect, scene);
 }
 
 std::pair<int, int> parseSize(const std::string& text) {

@@ -31,7 +31,7 @@ std::string sizeText(int width, int height) {
 
 void requireSize(int width, int height) {
     if (width < 1 || height < 1) {
-        throw Error("A picture of " + sizeText(width, height) +
+        throw Error("a picture of " + sizeText(width, height) +
                     " pixels was asked for.\nWidth and height must be 1 or more.");
     }
     std::array<GLint, 2> viewport{};
@@ -40,7 +40,7 @@ void requireSize(int width, int height) {
     const int widest = std::min(renderbuffer, viewport[0]);
     const int highest = std::min(renderbuffer, viewport[1]);
     if (width > widest || height > highest) {
-        throw Error("A picture of " + sizeText(width, height) +
+        throw Error("a picture of " + sizeText(width, height) +
                     " pixels was asked for, but this driver draws at most " + sizeText(widest, highest) +
                     ".\nAsk for a smaller one.");
     }
@@ -112,7 +112,7 @@ void OffscreenTarget::bindForReading() const {
 void OffscreenTarget::requireReadable(std::size_t value_count, Format format) const {
     const auto expected = static_cast<std::size_t>(my_width) * static_cast<std::size_t>(my_height) * 4;
     if (value_count != expected || format != my_format) {
-        throw Error("A picture of " + sizeText(my_width, my_height) + " pixels has " +
+        throw Error("a picture of " + sizeText(my_width, my_height) + " pixels has " +
                     std::to_string(expected) + " " + (my_format == Format::RGBA8 ? "byte" : "float") +
                     " values, but room was given for " + std::to_string(value_count) + " " +
                     (format == Format::RGBA8 ? "byte" : "float") + " values.");

@@ -17,6 +17,9 @@ using Text = std::pair<std::string, std::string>;
 constexpr int compression_level =
     3; ///< a rendered picture comes out a tenth larger than at 6, in half the time
 
+/// The last chunk of every file: no content, its kind, its checksum.
+constexpr std::array<std::uint8_t, 12> end_chunk{0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xae, 0x42, 0x60, 0x82};
+
 /// libpng's writing state. It reports errors with a long jump, which skips destructors: the jump starts and
 /// ends in functions that have no local objects, while everything that owns memory lives in here.
 class Writer {
@@ -102,10 +105,10 @@ bool isKeyword(const std::string& keyword) {
 png_text chunkOf(const Text& text) {
     const auto& [keyword, content] = text;
     if (!isKeyword(keyword))
-        throw Error("\"" + keyword +
-                    "\" can't be the keyword of a text in a PNG file; it takes 1 to 79 Latin-1 characters, "
-                    "and blanks "
-                    "only one by one between them");
+        throw Error("the keyword of a text in a PNG file takes 1 to 79 Latin-1 characters, and blanks only "
+                    "one by one "
+                    "between them; found \"" +
+                    keyword + "\"");
     if (content.find('\0') != std::string::npos)
         throw Error("the text \"" + keyword + "\" can't be kept in a PNG file: it has a zero byte");
     const bool is_ascii = std::all_of(content.begin(), content.end(), [](char c) { return (c & 0x80) == 0; });
@@ -127,6 +130,9 @@ public:
 
     Image read(std::span<const std::uint8_t> png) {
         require(png_image_begin_read_from_memory(&my_image, png.data(), png.size()));
+        // libpng doesn't look beyond the last row.
+        if (std::search(png.begin(), png.end(), end_chunk.begin(), end_chunk.end()) == png.end())
+            throw Error("the PNG file is damaged or truncated: it has no end chunk");
         my_image.format = PNG_FORMAT_RGBA;
         // Deflate shrinks at most 1032 : 1, and a pixel has at least one bit: what claims more is damaged,
         // and not worth the memory that it asks for.

@@ -113,12 +113,13 @@ glm::dvec3 landNormal(double x, double y) {
 }
 
 /// Grass, lighter and drier on the heights, with bare earth on the steeper slopes.
-glm::dvec3 landColor(double x, double y) {
+/// @param place on the land.
+glm::dvec3 landColor(const glm::dvec3& place, const glm::dvec3& normal) {
     constexpr glm::dvec3 valley{0.17, 0.33, 0.11}, height{0.46, 0.5, 0.22}, earth{0.42, 0.33, 0.2};
-    const double patches =
-        0.12 * std::sin(31 * x + 4 * std::sin(13 * y)) * std::sin(27 * y + 3 * std::cos(17 * x));
-    const double dryness = glm::clamp(0.5 + (landHeight(x, y) - column_foot.z) / 0.09 + patches, 0.0, 1.0);
-    const double bareness = glm::smoothstep(0.25, 0.6, 1 - std::pow(landNormal(x, y).z, 4));
+    const double patches = 0.12 * std::sin(31 * place.x + 4 * std::sin(13 * place.y)) *
+                           std::sin(27 * place.y + 3 * std::cos(17 * place.x));
+    const double dryness = glm::clamp(0.5 + (place.z - column_foot.z) / 0.09 + patches, 0.0, 1.0);
+    const double bareness = glm::smoothstep(0.25, 0.6, 1 - std::pow(normal.z, 4));
     return glm::mix(glm::mix(valley, height, dryness), earth, bareness);
 }
 
@@ -134,10 +135,10 @@ Mesh landscape() {
         return Vertex{{rim.x, rim.y, row == 0 ? land_bottom : landHeight(rim.x, rim.y)}, outward, soil};
     });
     addSurface(mesh, land_rings + 1, land_segments, [](int row, double angle) {
-        const glm::dvec3 place = onRing(land_radius * (land_rings - row) / land_rings, angle, 0);
-        return Vertex{{place.x, place.y, landHeight(place.x, place.y)},
-                      landNormal(place.x, place.y),
-                      landColor(place.x, place.y)};
+        glm::dvec3 place = onRing(land_radius * (land_rings - row) / land_rings, angle, 0);
+        place.z = landHeight(place.x, place.y);
+        const glm::dvec3 normal = landNormal(place.x, place.y);
+        return Vertex{place, normal, landColor(place, normal)};
     });
     return mesh;
 }

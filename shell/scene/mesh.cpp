@@ -26,7 +26,8 @@ bool hasUnitLength(const glm::vec3& value) {
 }
 
 bool isColor(const glm::vec3& value) {
-    return std::min({value.x, value.y, value.z}) >= 0 && std::max({value.x, value.y, value.z}) <= 1;
+    const auto isComponent = [](float component) { return component >= 0 && component <= 1; };
+    return isComponent(value.x) && isComponent(value.y) && isComponent(value.z);
 }
 
 std::string text(const glm::vec3& value) {

@@ -114,6 +114,12 @@ void requireSound(const std::string& extension, const std::string& bytes) {
         refuse("it is damaged or truncated: its length or that of a chunk is not what its head tells");
 }
 
+void requireFinite(const aiVector3D& position) {
+    if (!std::isfinite(position.x) || !std::isfinite(position.y) || !std::isfinite(position.z))
+        refuse("it has a vertex at (" + std::to_string(position.x) + ", " + std::to_string(position.y) +
+               ", " + std::to_string(position.z) + "), which is no place");
+}
+
 /// A mesh where a node has it.
 struct MeshPlace {
     MeshPlace(const aiMesh& placed, const aiMatrix4x4& to_model)
@@ -178,7 +184,9 @@ private:
 
     std::uint32_t addVertex(const MeshPlace& place, unsigned vertex) {
         const aiMesh& mesh = place.mesh;
+        requireFinite(mesh.mVertices[vertex]);
         const aiVector3D position = place.transform * mesh.mVertices[vertex];
+        requireFinite(position);
         const aiVector3D normal =
             mesh.HasNormals() ? place.normal_transform * mesh.mNormals[vertex] : aiVector3D();
         my_mesh.positions.emplace_back(position.x, position.y, position.z);
@@ -229,17 +237,13 @@ void fitIntoScene(Mesh& mesh, UpAxis up) {
         position = glm::vec3((glm::dvec3(position) - ball.center) * (fitted_radius / ball.radius));
 }
 
-void requireFinite(const Mesh& mesh) {
-    for (const glm::vec3& position : mesh.positions)
-        if (!std::isfinite(position.x) || !std::isfinite(position.y) || !std::isfinite(position.z))
-            refuse("it has a vertex at (" + std::to_string(position.x) + ", " + std::to_string(position.y) +
-                   ", " + std::to_string(position.z) + "), which is no place");
-}
-
-std::string reasonOf(const Assimp::Importer& importer) {
+[[noreturn]] void refuseUnread(const Assimp::Importer& importer) {
     const std::string reason = importer.GetErrorString();
-    return reason.starts_with("No suitable reader found") ? "its content is not what its extension tells"
-                                                          : reason;
+    if (reason == "No meshes remaining")
+        refuse("it has no triangles");
+    if (reason.starts_with("No suitable reader found"))
+        refuse("it is damaged or truncated: its content is not what its extension tells");
+    refuse("it is damaged or truncated: " + reason);
 }
 
 Mesh readModel(const fs::path& file) {
@@ -254,7 +258,7 @@ Mesh readModel(const fs::path& file) {
         importer.ReadFile(file.string(), aiProcess_RemoveComponent | aiProcess_Triangulate |
                                              aiProcess_SortByPType | aiProcess_JoinIdenticalVertices);
     if (!scene)
-        refuse("it is damaged or truncated: " + reasonOf(importer));
+        refuseUnread(importer);
     return Collector(*scene).collect(file.filename().string());
 }
 
@@ -277,7 +281,6 @@ Mesh importModel(const fs::path& file, UpAxis up) {
         Mesh mesh = readModel(file);
         if (mesh.triangles.empty())
             refuse("it has no triangles");
-        requireFinite(mesh);
         addMissingNormals(mesh);
         fitIntoScene(mesh, up);
         validate(mesh);

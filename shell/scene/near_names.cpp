@@ -36,7 +36,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     if (known.empty())
         return std::string(none);
     constexpr std::size_t longest_list = 20;
-    std::string list = "There are: ";
+    std::string list = "here are: ";
     const std::string* nearest = nullptr;
     std::size_t least = std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {
@@ -48,7 +48,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
         }
     }
     list += known.size() > longest_list ? ", and " + std::to_string(known.size() - longest_list) + " more." : ".";
-    return nearest ? "did you mean \"" + *nearest + "\"? " + list : list;
+    return nearest ? "did you mean \"" + *nearest + "\"? T" + list : "t" + list;
 }
 
 } // namespace korl

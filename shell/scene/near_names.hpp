@@ -7,7 +7,7 @@
 namespace korl {
 
 /// What to say about a name that is not among the known ones: a guess at what was meant, where one is near, and the
-/// names that there are. A sentence or two, such as: did you mean "Torch"? There are: Sun, Torch.
+/// names that there are, such as: did you mean "Torch"? There are: Sun, Torch.
 /// @param none what to say instead if there are no names at all.
 std::string nearNames(std::string_view asked, const std::vector<std::string>& known, std::string_view none);
 

@@ -35,8 +35,10 @@ public:
             fail("", "is no scene: it lacks \"korl\", the version of the format, which is 1");
         if (*version != format_version)
             fail("/korl", "is " + version->dump() + ", but this program reads version 1 of the format");
-        if (root.contains("background"))
-            at("/background", [&] { my_scene.background = parseColor(text(root, "", "background")); });
+        if (root.contains("background")) {
+            const std::string color = text(root, "", "background");
+            at("/background", [&] { my_scene.background = parseColor(color); });
+        }
         if (root.contains("camera"))
             readCamera(root["camera"], "/camera");
         forEach(root, "meshes", [&](const json& mesh, const std::string& where) { readMesh(mesh, where); });
@@ -114,8 +116,10 @@ private:
         requireObject(value, where, {"file", "up"});
         const std::filesystem::path model = my_file.parent_path() / text(value, where, "file");
         UpAxis up = UpAxis::y;
-        if (value.contains("up"))
-            at(where + "/up", [&] { up = parseUpAxis(text(value, where, "up")); });
+        if (value.contains("up")) {
+            const std::string axis = text(value, where, "up");
+            at(where + "/up", [&] { up = parseUpAxis(axis); });
+        }
         at(where + "/file", [&] { my_scene.addMesh(importModel(model, up)); });
     }
 
@@ -131,9 +135,11 @@ private:
         const std::string inside = where + "/parameters";
         if (!parameters->is_object())
             fail(inside, "expected an object in braces, found " + std::string(parameters->type_name()));
-        for (const auto& [parameter, ignored] : parameters->items())
-            at(inside + "/" + parameter,
-               [&] { my_scene.setParameter(created, parameter, text(*parameters, inside, parameter)); });
+        for (const auto& [key, ignored] : parameters->items()) {
+            const std::string& parameter = key;
+            const std::string value_text = text(*parameters, inside, parameter);
+            at(inside + "/" + parameter, [&] { my_scene.setParameter(created, parameter, value_text); });
+        }
     }
 
     std::filesystem::path my_file;

@@ -25,7 +25,7 @@ std::string valueForm(const std::type_info& type) {
         return "a color, four numbers \"red green blue alpha\"";
     if (type == typeid(PhysicalSpace::point) || type == typeid(PhysicalSpace::vector))
         return "a " + valueKind(type) + ", three numbers \"x y z\"";
-    return "a " + valueKind(type);
+    return "a value of type " + valueKind(type);
 }
 
 } // namespace korl

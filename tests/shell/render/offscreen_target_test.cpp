@@ -155,7 +155,7 @@ TEST_F(OffscreenTargetGLTest, SizesBeyondReasonAreErrors) {
     const int widest = std::min(renderbuffer, viewport[0]);
     const int highest = std::min(renderbuffer, viewport[1]);
     const auto tooLarge = [&](int width, int height) {
-        return "A picture of " + std::to_string(width) + " x " + std::to_string(height) +
+        return "a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                " pixels was asked for, but this driver draws at most " + std::to_string(widest) + " x " +
                std::to_string(highest) + ".\nAsk for a smaller one.";
     };
@@ -165,9 +165,9 @@ TEST_F(OffscreenTargetGLTest, SizesBeyondReasonAreErrors) {
     EXPECT_EQ(errorOf(huge, huge), tooLarge(huge, huge));
     EXPECT_EQ(errorOf(widest, 1), "no error");
     EXPECT_EQ(errorOf(1, highest), "no error");
-    EXPECT_EQ(errorOf(0, 0), "A picture of 0 x 0 pixels was asked for.\nWidth and height must be 1 or more.");
+    EXPECT_EQ(errorOf(0, 0), "a picture of 0 x 0 pixels was asked for.\nWidth and height must be 1 or more.");
     EXPECT_EQ(errorOf(5, -1),
-              "A picture of 5 x -1 pixels was asked for.\nWidth and height must be 1 or more.");
+              "a picture of 5 x -1 pixels was asked for.\nWidth and height must be 1 or more.");
 }
 
 TEST_F(OffscreenTargetGLTest, RoomOfTheWrongSizeOrTypeIsAnError) {
@@ -180,7 +180,7 @@ TEST_F(OffscreenTargetGLTest, RoomOfTheWrongSizeOrTypeIsAnError) {
         }
         return "no error";
     };
-    const std::string start = "A picture of 2 x 3 pixels has 24 byte values, but room was given for ";
+    const std::string start = "a picture of 2 x 3 pixels has 24 byte values, but room was given for ";
     std::vector<std::uint8_t> bytes(25);
     std::vector<float> floats(24);
     EXPECT_EQ(errorOfReading(std::span(bytes)), start + "25 byte values.");

@@ -1,0 +1,209 @@
+#include "tests/support/run_program.hpp"
+
+#include "shell/render/png.hpp"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <iterator>
+
+namespace {
+
+using korl::Image;
+using korl::test::ProgramResult;
+using korl::test::runProgram;
+using korl::test::TemporaryFolder;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using Pixel = std::array<int, 4>;
+
+const std::string corner = std::string(TEST_DATA) + "/corner.obj";
+
+Image readImage(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    const std::vector<char> bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+}
+
+Image imageIn(const std::string& bytes) {
+    return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+}
+
+Pixel pixel(const Image& image, int x, int y) {
+    const auto at = 4 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                         static_cast<std::size_t>(x));
+    return {image.pixels[at], image.pixels[at + 1], image.pixels[at + 2], image.pixels[at + 3]};
+}
+
+/// How many pixels of the left or right half have this colour.
+int count(const Image& image, const Pixel& color, bool right = false) {
+    int found = 0;
+    for (int y = 0; y < image.height; ++y)
+        for (int x = right ? image.width / 2 : 0; x < (right ? image.width : image.width / 2); ++x)
+            found += pixel(image, x, y) == color;
+    return found;
+}
+
+TEST(KorlProgram, TypesListsTheCatalogue) {
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"types"});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_THAT(result.output,
+                MatchesRegex("NAME          CATEGORY  NUMBER  DATE         ICON  DESCRIPTION\n"
+                             "AmbientLight  Scenery   0       [A-Z][a-z][a-z] [ 0-9][0-9] [0-9][0-9][0-9][0-9]  -     A "
+                             "light source that lights everything\\.\n"));
+    EXPECT_EQ(result.errors, "");
+}
+
+TEST(KorlProgram, DescribeListsTheParameters) {
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"describe", "AmbientLight"});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_EQ(result.output, "AmbientLight (Scenery/AmbientLight): A light source that lights everything.\n\n"
+                             "PARAMETER  TYPE   DEFAULT  RANGE  LEVEL\n"
+                             "Color      color  1 1 1 1  -      1\n");
+}
+
+TEST(KorlProgram, ShaderHoldsTheSnippetByteForByte) {
+    const std::string snippet = "\n\nuniform vec4 AmbientIntensity$$         = vec4(1,1,1,1);\n\n//\n// AmbientLight\n//\n"
+                                "void\tgetLight_$$(in vec3 vertex,\n\t\t    out vec3 light_incidence,\n"
+                                "\t\t    out vec3 intensity,\n\t\t    out vec3 specular_intensity\n\t\t    )\n\n{\n"
+                                "\tlight_incidence = vec3(0,0,0);\n\tintensity = AmbientIntensity$$.rgb;\n"
+                                "\tspecular_intensity = vec3(0,0,0);\n}\n\n";
+    ASSERT_EQ(snippet.size(), 325u);
+    std::string expected = snippet;
+    for (std::size_t at; (at = expected.find("$$")) != std::string::npos;)
+        expected.replace(at, 2, "L1");
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"shader", "--light", "AmbientLight"});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_THAT(result.output, HasSubstr(expected));
+}
+
+TEST(KorlProgram, TracesAtTheVerbosityAskedFor) {
+    const auto output = [](const std::string& level) {
+        return runProgram(KORL_PROGRAM, {"shader", "--verbose", level, "--light", "AmbientLight:a"}).output;
+    };
+    EXPECT_THAT(output("100"), testing::StartsWith("VCreator::VCreator(Scenery/AmbientLight,0)\n"
+                                                   "VCreator::create(a)\nVCreator::create(a) got derived object\n"));
+    EXPECT_THAT(output("99"), testing::Not(HasSubstr("VCreator")));
+}
+
+TEST(KorlProgram, NamedPluginGoesBeforeTheSearchPath) {
+    const TemporaryFolder folder;
+    const std::filesystem::path copy = folder / "copy.so";
+    std::filesystem::copy_file(TOVEK_LIGHT_MODULE, copy); // far from the host's libraries, which are loaded already
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"types", "--plugin", copy});
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("AmbientLight"));
+}
+
+TEST(KorlProgram, EmptySearchPathLeavesTheCatalogueEmpty) {
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"types"}, {{"KORL_PLUGIN_PATH", ""}});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_EQ(result.errors,
+              "korl: no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH\n");
+}
+
+class KorlProgramGLTest : public testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const std::string picture = folder / "picture.png";
+
+    ProgramResult render(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "render");
+        arguments.insert(arguments.end(), {"-o", picture});
+        const ProgramResult result = runProgram(KORL_PROGRAM, arguments);
+        EXPECT_EQ(result.exit_code, 0) << result.errors;
+        return result;
+    }
+};
+
+TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
+    const ProgramResult result = render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--model", corner,
+                                         "--path", "both", "--size", "64x48", "--uniforms"});
+    EXPECT_EQ(result.output, "AmbientIntensity$$ = 0.2 0.4 0.8 0.3\n");
+    EXPECT_EQ(result.errors, "korl: wrote " + picture + ", 128x48 pixels\n");
+    const Image image = readImage(picture);
+    ASSERT_EQ(image.width, 128);
+    ASSERT_EQ(image.height, 48);
+    // The model has colours of its own; without them the built-in sphere is white.
+    render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--path", "both", "--size", "64x48"});
+    const Image built_in = readImage(picture);
+    EXPECT_GT(count(built_in, {51, 102, 204, 255}), 20);
+    EXPECT_GT(count(built_in, {51, 102, 204, 255}, true), 20);
+}
+
+TEST_F(KorlProgramGLTest, AddsALightWhereThereIsNoneAndSaysSo) {
+    const ProgramResult lit = render({"--size", "64x48"});
+    EXPECT_EQ(lit.errors, "korl: the scene has no light, so the AmbientLight \"AmbientLight\" was added; choose others with "
+                          "--light, or leave it dark with --no-default-light\n"
+                          "korl: wrote " +
+                              picture + ", 64x48 pixels\n");
+    EXPECT_GT(count(readImage(picture), {255, 255, 255, 255}, true), 20);
+    // The added light can be set by its name like any other.
+    render({"--size", "64x48", "--set", "AmbientLight.Color=1 0 0 1"});
+    EXPECT_GT(count(readImage(picture), {255, 0, 0, 255}, true), 20);
+}
+
+TEST_F(KorlProgramGLTest, NoDefaultLightLeavesTheSceneDark) {
+    EXPECT_EQ(render({"--size", "64x48", "--no-default-light"}).errors,
+              "korl: wrote " + picture + ", 64x48 pixels\n");
+    EXPECT_GT(count(readImage(picture), {0, 0, 0, 255}), 100);
+}
+
+TEST_F(KorlProgramGLTest, WithoutALightModuleTheSceneIsDarkAndItSaysWhy) {
+    const ProgramResult result =
+        runProgram(KORL_PROGRAM, {"render", "--size", "8x8", "-o", picture}, {{"KORL_PLUGIN_PATH", ""}});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_THAT(result.errors, HasSubstr("the scene has no light and stays dark: no module is loaded"));
+}
+
+TEST_F(KorlProgramGLTest, PictureOnStandardOutputIsAllThatGoesThere) {
+    const ProgramResult result = runProgram(
+        KORL_PROGRAM, {"render", "--verbose", "100", "--uniforms", "--light", "AmbientLight:a", "--size", "16x8", "-o", "-"});
+    EXPECT_EQ(result.exit_code, 0);
+    const Image image = imageIn(result.output);
+    EXPECT_EQ(image.width, 16);
+    EXPECT_EQ(image.height, 8);
+    EXPECT_THAT(result.errors, HasSubstr("VCreator::VCreator(Scenery/AmbientLight,0)\n"));
+    EXPECT_THAT(result.errors, HasSubstr("AmbientIntensity$$ = 1 1 1 1\n"));
+    EXPECT_THAT(result.errors, testing::Not(HasSubstr("wrote")));
+}
+
+TEST_F(KorlProgramGLTest, VerboseSaysWhichRendererItIs) {
+    EXPECT_THAT(render({"--size", "8x8", "--verbose", "1", "--light", "AmbientLight"}).output,
+                HasSubstr("renderer: "));
+}
+
+TEST_F(KorlProgramGLTest, WritesKorlPngByDefault) {
+    // Run in the test's folder through a shell, since the file goes where the user stands.
+    const ProgramResult result = runProgram(
+        "/bin/sh", {"-c", "cd '" + folder.path().string() + "' && exec '" KORL_PROGRAM "' render --size 8x8"});
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(readImage(folder / "korl.png").width, 8);
+}
+
+TEST_F(KorlProgramGLTest, BackgroundAndCameraCanBeChosen) {
+    render({"--light", "AmbientLight", "--background", "#ff8000", "--camera", "0 0 9", "--target", "0 0 20", "--up",
+            "0 1 0", "--size", "8x8"});
+    EXPECT_EQ(pixel(readImage(picture), 4, 4), (Pixel{255, 128, 0, 255})); // looks away from everything
+}
+
+TEST_F(KorlProgramGLTest, RendersASceneFile) {
+    std::filesystem::copy_file(corner, folder / "corner.obj");
+    const std::string scene = folder.write("scene.json", R"({"korl": 1,
+        "objects": [{"type": "AmbientLight", "name": "a", "parameters": {"Color": "0 1 0 1"}}],
+        "background": "0 0 1"})");
+    render({scene, "--size", "32x32"});
+    const Image image = readImage(picture);
+    EXPECT_GT(count(image, {0, 0, 255, 255}), 100);
+    EXPECT_GT(count(image, {0, 255, 0, 255}, true), 5); // the white sphere
+}
+
+TEST_F(KorlProgramGLTest, UniformsPrintWithoutAPictureToo) {
+    const ProgramResult result =
+        runProgram(KORL_PROGRAM, {"shader", "--uniforms", "--light", "AmbientLight", "--light", "AmbientLight:b", "--set",
+                                  "b.Color=1e-30 0.1 0.7 1"});
+    EXPECT_EQ(result.output, "AmbientIntensity$$ = 1 1 1 1\nAmbientIntensity$$ = 1e-30 0.1 0.7 1\n");
+}
+
+} // namespace

@@ -1,0 +1,202 @@
+#include "tests/support/flat_scene.hpp"
+#include "tests/support/heard_reports.hpp"
+
+#include "shell/error.hpp"
+#include "shell/scene/scene.hpp"
+#include "shell/scene/value_kind.hpp"
+
+#include <gmock/gmock.h>
+#include <limits>
+
+namespace {
+
+using korl::Scene;
+using korl::test::PlainObject;
+using testing::ElementsAre;
+
+/// A type with a parameter of each kind, as a module would register it.
+struct PlainType : PlainObject {
+    PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences) :
+        PlainObject(name, preferences) {}
+};
+
+class SceneTest : public testing::Test {
+protected:
+    const korl::test::TestLightCreators lights;
+    const Qelt::VCreator<PlainType, void> plain{std::string("Plain"), 0};
+    Scene scene;
+
+    std::vector<std::string> names() {
+        std::vector<std::string> found;
+        for (const auto& object : scene.objects())
+            found.push_back(object->Name());
+        return found;
+    }
+};
+
+template <class Action>
+std::string errorOf(Action action) {
+    try {
+        action();
+    } catch (const korl::Error& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST_F(SceneTest, CreatesObjectsInOrderUnderUniqueNames) {
+    scene.create("Plain");
+    scene.create("Plain");
+    scene.create("Plain", "mine");
+    scene.create("DownwardLight");
+    EXPECT_THAT(names(), ElementsAre("Plain", "Plain2", "mine", "DownwardLight"));
+    EXPECT_EQ(scene.find("mine")->Name(), "mine");
+    EXPECT_EQ(scene.find("Mine"), nullptr);
+}
+
+TEST_F(SceneTest, WrongNamesAreToldWithTheNearOnes) {
+    scene.create("Plain", "mine");
+    EXPECT_EQ(errorOf([&] { scene.create("Plian"); }),
+              "unknown type \"Plian\": did you mean \"Plain\"? There are: SetUpLight, DownwardLight, Plain.");
+    EXPECT_EQ(errorOf([&] { scene.create("Plain", "mine"); }),
+              "cannot create \"mine\" as Plain: the scene already has an object of this name");
+    EXPECT_EQ(errorOf([&] { scene.object("nime"); }), "unknown object \"nime\": there are: mine.");
+    EXPECT_EQ(errorOf([&] { scene.setParameter("mine", "stregnth", "1"); }),
+              "unknown parameter \"mine.stregnth\": did you mean \"strength\"? There are: strength, tint, place, way.");
+    EXPECT_EQ(errorOf([&] { scene.remove("yours"); }), "unknown object \"yours\": there are: mine.");
+    EXPECT_THAT(names(), ElementsAre("mine"));
+}
+
+TEST_F(SceneTest, ObjectsOfOtherScenesAreNotItsOwn) {
+    Scene other;
+    other.create("Plain", "theirs");
+    EXPECT_THAT(names(), ElementsAre());
+    scene.create("Plain", "theirs"); // the name is free here
+}
+
+TEST_F(SceneTest, SetsParametersFromText) {
+    scene.create("Plain", "p");
+    scene.setParameter("p", "tint", "0.2 0.4 0.8 0.3");
+    scene.setParameter("p", "strength", "1e-300");
+    EXPECT_EQ(scene.object("p").findParameter("tint")->globalValue().Text(), "0.2 0.4 0.8 0.3");
+    EXPECT_EQ(scene.object("p").findParameter("strength")->globalValue().Text(), "1e-300");
+}
+
+TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
+    scene.create("Plain", "p");
+    struct Case {
+        const char *parameter, *text, *error;
+    };
+    const Case cases[] = {
+        {"strength", "strong", "\"p.strength\" takes a double, one number, found \"strong\"; it keeps \"0.5\""},
+        {"strength", "inf", "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"0.5\""},
+        {"tint", "1 2 3",
+         "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1 2 3\"; it keeps \"0.1 0.2 0.3 1\""},
+        {"place", "1 2", "\"p.place\" takes a point, three numbers \"x y z\", found \"1 2\"; it keeps \"1 2 3\""},
+        {"way", "nan 0 1", "\"p.way\" takes finite numbers, found \"nan 0 1\"; it keeps \"0 0 -1\""},
+        {"way", "", "\"p.way\" takes a vector, three numbers \"x y z\", found \"\"; it keeps \"0 0 -1\""},
+    };
+    for (const Case& wrong : cases) {
+        EXPECT_EQ(errorOf([&] { scene.setParameter("p", wrong.parameter, wrong.text); }), wrong.error);
+    }
+    EXPECT_EQ(scene.object("p").saveText(), "strength = 0.5\ntint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
+}
+
+TEST_F(SceneTest, KnowsWhetherItHasALight) {
+    scene.create("Plain");
+    EXPECT_FALSE(scene.hasLight());
+    scene.create("SetUpLight");
+    EXPECT_TRUE(scene.hasLight());
+}
+
+TEST_F(SceneTest, RemovedObjectsAreDeleted) {
+    const Tessan::StrongPtr<Qelt::VObject> held(&scene.create("Plain", "p"));
+    const auto revision = scene.revision();
+    scene.remove("p");
+    EXPECT_FALSE(held);
+    EXPECT_NE(scene.revision(), revision);
+    EXPECT_EQ(scene.find("p"), nullptr);
+    scene.create("Plain", "p"); // the name is free again
+    EXPECT_THAT(names(), ElementsAre("p"));
+}
+
+TEST_F(SceneTest, ObjectsThatOthersDeleteLeaveByThemselves) {
+    scene.create("Plain", "p");
+    scene.create("DownwardLight", "d");
+    const auto revision = scene.revision();
+    Qelt::VCreatorBase::deleteAllInstances(typeid(PlainType));
+    EXPECT_NE(scene.revision(), revision);
+    EXPECT_THAT(names(), ElementsAre("d"));
+    EXPECT_EQ(scene.find("p"), nullptr);
+}
+
+TEST_F(SceneTest, TakesItsObjectsAlong) {
+    Tessan::StrongPtr<Qelt::VObject> held;
+    {
+        Scene passing;
+        held = Tessan::StrongPtr<Qelt::VObject>(&passing.create("Plain"));
+    }
+    EXPECT_FALSE(held);
+}
+
+TEST_F(SceneTest, RevisionsOfTwoScenesDiffer) {
+    const Scene other;
+    EXPECT_NE(scene.revision(), other.revision());
+    EXPECT_EQ(scene.revision(), scene.revision());
+}
+
+korl::Mesh triangleAt(glm::vec3 offset) {
+    korl::Mesh mesh;
+    mesh.name = "triangle";
+    mesh.positions = {offset + glm::vec3(-1, 0, 0), offset + glm::vec3(1, 0, 0), offset + glm::vec3(0, 0, 0)};
+    mesh.normals.assign(3, {0, 0, 1});
+    mesh.triangles = {0, 1, 2};
+    return mesh;
+}
+
+TEST_F(SceneTest, BoundingBallIsThatOfAllMeshes) {
+    EXPECT_FALSE(scene.boundingBall());
+    scene.addMesh(triangleAt({0, 0, 0}));
+    EXPECT_NEAR(scene.boundingBall()->radius, 1, 1e-6);
+    scene.addMesh(triangleAt({4, 0, 0}));
+    const korl::Ball ball = *scene.boundingBall(); // from x = -1 to x = 5
+    EXPECT_NEAR(ball.radius, 3, 1e-6);
+    EXPECT_NEAR(ball.center.x, 2, 1e-6);
+    scene.addMesh(triangleAt({2, 0, 0})); // inside
+    EXPECT_NEAR(scene.boundingBall()->radius, 3, 1e-6);
+}
+
+TEST_F(SceneTest, BoundingBallTakesInWhatObjectsDraw) {
+    struct Balloon : Qelt::RenderAble {
+        Balloon(const std::string& name, const Qelt::VCreationPreferences& preferences) :
+            RenderAble(name, 0, preferences) {}
+        bool getBoundingBall(Orvid::Ball& ball) const override {
+            ball = {{0, 0, 10}, 2};
+            return true;
+        }
+    };
+    const Qelt::VCreator<Balloon, void> creator(std::string("Balloon"), 0);
+    Scene local;
+    local.create("Balloon");
+    EXPECT_NEAR(local.boundingBall()->center.z, 10, 1e-6);
+    local.addMesh(triangleAt({0, 0, 0}));
+    EXPECT_NEAR(local.boundingBall()->radius, 6.5, 1e-6); // from z = -1 to z = 12
+}
+
+TEST_F(SceneTest, BrokenMeshIsRefused) {
+    korl::Mesh mesh = triangleAt({0, 0, 0});
+    mesh.triangles[2] = 3;
+    EXPECT_NE(errorOf([&] { scene.addMesh(mesh); }), "no error");
+    EXPECT_TRUE(scene.meshes().empty());
+}
+
+TEST(ValueKind, NamesWhatUsersSee) {
+    EXPECT_EQ(korl::valueKind(typeid(double)), "double");
+    EXPECT_EQ(korl::valueKind(typeid(Orvid::rgba_float_t)), "color");
+    EXPECT_EQ(korl::valueKind(typeid(Orvid::PhysicalSpace::point)), "point");
+    EXPECT_EQ(korl::valueKind(typeid(Orvid::PhysicalSpace::vector)), "vector");
+    EXPECT_EQ(korl::valueKind(typeid(int)), "int");
+    EXPECT_EQ(korl::valueForm(typeid(int)), "a value of type int");
+}
+
+} // namespace
