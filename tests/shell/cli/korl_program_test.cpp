@@ -125,7 +125,7 @@ TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
     const Image image = readImage(picture);
     ASSERT_EQ(image.width, 128);
     ASSERT_EQ(image.height, 48);
-    // The model has colours of its own; without them the built-in sphere is white.
+    // The sphere of the built-in scene is white, so that it shows the light itself.
     render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--path", "both", "--size", "64x48"});
     const Image built_in = readImage(picture);
     EXPECT_GT(count(built_in, {51, 102, 204, 255}), 20);
