@@ -1,4 +1,5 @@
-// The arrows between the rooms run one way. This reads every #include of the sources and fails on one against them.
+// The arrows between the rooms run one way. This reads every #include of the sources and fails on one against
+// them.
 
 #include <algorithm>
 #include <filesystem>
@@ -22,9 +23,11 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"host/doltra", {"doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"navigation/light", {"doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/plugins", {"shell/error.hpp", "shell/plugins/", "sorvik/", "tessan/", "orvid/"}},
-    {"shell/scene", {"shell/error.hpp", "shell/scene/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/scene",
+     {"shell/error.hpp", "shell/scene/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/render",
-     {"shell/error.hpp", "shell/scene/", "shell/render/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+     {"shell/error.hpp", "shell/scene/", "shell/render/", "doltra/", "palune/", "sorvik/", "tessan/",
+      "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 
@@ -37,8 +40,8 @@ const std::map<std::string, std::regex> forbidden{
 };
 
 /// The beginnings of include paths that are the project's own.
-const std::vector<std::string> own{"orvid/", "tessan/", "sorvik/",     "palune/",
-                                   "doltra/", "shell/", "navigation/", "tests/"};
+const std::vector<std::string> own{"orvid/",  "tessan/", "sorvik/",     "palune/",
+                                   "doltra/", "shell/",  "navigation/", "tests/"};
 
 bool beginsWithOneOf(const std::string& path, const std::vector<std::string>& beginnings) {
     return std::any_of(beginnings.begin(), beginnings.end(),
@@ -76,7 +79,8 @@ TEST(IncludeArrows, RunOneWay) {
                 for (const auto& [where, what] : forbidden)
                     if (room.starts_with(where)) {
                         EXPECT_FALSE(std::regex_match(include, what))
-                            << entry.path() << " includes " << include << ", which does not belong in " << room;
+                            << entry.path() << " includes " << include << ", which does not belong in "
+                            << room;
                     }
             }
         }

@@ -6,7 +6,8 @@ namespace Qelt::RenderNamespace {
 
 namespace {
 
-/// Shared by all light types of all modules; it lives here so that no number repeats after a module was reloaded.
+/// Shared by all light types of all modules; it lives here so that no number repeats after a module was
+/// reloaded.
 std::atomic<std::uint64_t> next_serial_number{1};
 
 } // namespace

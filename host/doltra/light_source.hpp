@@ -19,7 +19,8 @@ public:
     LightSource& operator=(const LightSource&) = delete;
     ~LightSource() override;
 
-    /// The GLSL text that declares the light's uniforms and defines `getLight_$$`, "$$" included, as a fresh copy.
+    /// The GLSL text that declares the light's uniforms and defines `getLight_$$`, "$$" included, as a fresh
+    /// copy.
     virtual std::string snippet() const = 0;
 
     UniformMap& uniforms() noexcept { return my_uniforms; }

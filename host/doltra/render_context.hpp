@@ -9,8 +9,8 @@
 
 namespace Qelt {
 
-/// What lights are told of the rendering that they take part in: the context's values, the OpenGL light that is next,
-/// and where to hand in their light sources.
+/// What lights are told of the rendering that they take part in: the context's values, the OpenGL light that
+/// is next, and where to hand in their light sources.
 class DOLTRA_EXPORT VRenderContext {
 public:
     using LightSources = std::vector<Tessan::StrongPtr<RenderNamespace::LightSource>>;
@@ -23,7 +23,8 @@ public:
 
     ValuePool& pool() const noexcept { return *my_pool.get(); }
 
-    /// The number of the OpenGL light that is next to be set up, from 1: it stands for `GL_LIGHT0` + number − 1.
+    /// The number of the OpenGL light that is next to be set up, from 1: it stands for `GL_LIGHT0` + number
+    /// − 1.
     int lightNumber() const noexcept { return my_light_number; }
     void setLightNumber(int number) noexcept { my_light_number = number; }
 
@@ -39,7 +40,8 @@ public:
 private:
     Tessan::StrongPtr<ValuePool> my_pool;
     int my_light_number = 1;
-    mutable LightSources my_enabled; ///< lights see the context as constant, except for handing in their sources
+    mutable LightSources
+        my_enabled; ///< lights see the context as constant, except for handing in their sources
 };
 
 } // namespace Qelt

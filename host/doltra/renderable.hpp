@@ -23,27 +23,28 @@ public:
     using VObject::VObject;
     ~RenderAble() override;
 
-    /// Draws the object with the OpenGL context that is current. @returns whether something was drawn: the base
-    /// draws nothing.
+    /// Draws the object with the OpenGL context that is current. @returns whether something was drawn: the
+    /// base draws nothing.
     virtual bool render(VRenderContext& context);
 
-    /// `render`, timed; an exception that leaves it is reported with `Vprintf` at verbosity 0 and counts as nothing
-    /// drawn.
+    /// `render`, timed; an exception that leaves it is reported with `Vprintf` at verbosity 0 and counts as
+    /// nothing drawn.
     virtual bool safe_render(VRenderContext& context);
 
     /// Switches the object's lights on in a render context. The base has none.
     virtual void illuminate(const VRenderContext& context) const;
 
-    /// Sets up what surrounds the drawing, such as a fixed-function light, with the OpenGL context that is current.
+    /// Sets up what surrounds the drawing, such as a fixed-function light, with the OpenGL context that is
+    /// current.
     /// @returns whether it succeeded. The base has nothing to set up.
     virtual bool environment_render(VRenderContext& context) const;
 
-    /// The same for a rendering that covers the time from `begin` to `end`, in seconds. The base sets up the same at
-    /// any time.
+    /// The same for a rendering that covers the time from `begin` to `end`, in seconds. The base sets up the
+    /// same at any time.
     virtual bool environment_render(VRenderContext& context, double begin, double end) const;
 
-    /// The ball around what the object draws, in scene space. @returns false, and leaves `ball` alone, where it
-    /// draws nothing.
+    /// The ball around what the object draws, in scene space. @returns false, and leaves `ball` alone, where
+    /// it draws nothing.
     virtual bool getBoundingBall(Orvid::Ball& ball) const;
 
     /// The ball around what a user can touch of the object. The base answers with the bounding ball.

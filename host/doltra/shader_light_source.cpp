@@ -6,8 +6,8 @@ namespace Qelt {
 
 namespace {
 
-/// The light source of a shader light in one render context. The snippet of a type never changes, so it is fetched
-/// once.
+/// The light source of a shader light in one render context. The snippet of a type never changes, so it is
+/// fetched once.
 class SnippetLightSource final : public RenderNamespace::LightSource {
 public:
     explicit SnippetLightSource(std::string snippet) : my_snippet(std::move(snippet)) {}
@@ -19,8 +19,8 @@ private:
 
 } // namespace
 
-ShaderLightSource::LightState::LightState(const Tessan::StrongPtr<RenderNamespace::LightSource>& source) :
-    my_source(source) {}
+ShaderLightSource::LightState::LightState(const Tessan::StrongPtr<RenderNamespace::LightSource>& source)
+    : my_source(source) {}
 
 ShaderLightSource::LightState::~LightState() = default;
 

@@ -8,8 +8,8 @@
 
 namespace Qelt {
 
-/// A light that is described by a GLSL snippet and uniform values alone: the base keeps one light source for each
-/// render context, and a type says what its snippet is and how its uniforms are filled.
+/// A light that is described by a GLSL snippet and uniform values alone: the base keeps one light source for
+/// each render context, and a type says what its snippet is and how its uniforms are filled.
 ///
 /// The operations stand in the order of the virtual table that the light types are built for.
 class DOLTRA_EXPORT ShaderLightSource : public VLightSource {
@@ -20,7 +20,9 @@ public:
         explicit LightState(const Tessan::StrongPtr<RenderNamespace::LightSource>& source);
         ~LightState() override;
 
-        const Tessan::StrongPtr<RenderNamespace::LightSource>& lightSource() const noexcept { return my_source; }
+        const Tessan::StrongPtr<RenderNamespace::LightSource>& lightSource() const noexcept {
+            return my_source;
+        }
 
     private:
         Tessan::StrongPtr<RenderNamespace::LightSource> my_source;

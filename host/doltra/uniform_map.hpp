@@ -16,32 +16,32 @@
 
 namespace Qelt::RenderNamespace {
 
-/// The value of a shader uniform. The order of the alternatives is part of the interface; colours are stored as four
-/// floats, red, green, blue, alpha.
-using UniformValue = std::variant<int,                                              //  0
-                                  float,                                            //  1
-                                  double,                                           //  2
-                                  unsigned int,                                     //  3
-                                  Orvid::FixedArray<int, 2>,                        //  4
-                                  Orvid::FixedArray<float, 2>,                      //  5
-                                  Orvid::FixedArray<double, 2>,                     //  6
-                                  Orvid::FixedArray<int, 3>,                        //  7
-                                  Orvid::Coordinates<Orvid::Cartesian3D, float>::point, //  8
-                                  Orvid::FixedArray<float, 3>,                      //  9
-                                  Orvid::PhysicalSpace::point,                      // 10
-                                  Orvid::FixedArray<double, 3>,                     // 11
-                                  Orvid::FixedArray<int, 4>,                        // 12
-                                  Orvid::FixedArray<float, 4>,                      // 13
-                                  Orvid::FixedArray<double, 4>,                     // 14
-                                  Orvid::Quadratic<2, float>,                       // 15
-                                  Orvid::Quadratic<3, float>,                       // 16
-                                  Orvid::Quadratic<4, float>,                       // 17
-                                  std::vector<Orvid::FixedArray<float, 3>>,         // 18
+/// The value of a shader uniform. The order of the alternatives is part of the interface; colours are stored
+/// as four floats, red, green, blue, alpha.
+using UniformValue = std::variant<int,                                                              //  0
+                                  float,                                                            //  1
+                                  double,                                                           //  2
+                                  unsigned int,                                                     //  3
+                                  Orvid::FixedArray<int, 2>,                                        //  4
+                                  Orvid::FixedArray<float, 2>,                                      //  5
+                                  Orvid::FixedArray<double, 2>,                                     //  6
+                                  Orvid::FixedArray<int, 3>,                                        //  7
+                                  Orvid::Coordinates<Orvid::Cartesian3D, float>::point,             //  8
+                                  Orvid::FixedArray<float, 3>,                                      //  9
+                                  Orvid::PhysicalSpace::point,                                      // 10
+                                  Orvid::FixedArray<double, 3>,                                     // 11
+                                  Orvid::FixedArray<int, 4>,                                        // 12
+                                  Orvid::FixedArray<float, 4>,                                      // 13
+                                  Orvid::FixedArray<double, 4>,                                     // 14
+                                  Orvid::Quadratic<2, float>,                                       // 15
+                                  Orvid::Quadratic<3, float>,                                       // 16
+                                  Orvid::Quadratic<4, float>,                                       // 17
+                                  std::vector<Orvid::FixedArray<float, 3>>,                         // 18
                                   std::vector<Orvid::Coordinates<Orvid::Cartesian3D, float>::point> // 19
                                   >;
 
-/// Uniform values by name. Names are ordered byte by byte, the shorter one first on a common prefix; they keep their
-/// literal "$$", which the renderer replaces.
+/// Uniform values by name. Names are ordered byte by byte, the shorter one first on a common prefix; they
+/// keep their literal "$$", which the renderer replaces.
 using UniformMap = std::map<std::string, UniformValue, std::less<>>;
 
 /// Sets an entry of the map. One that is missing is inserted; one of another alternative is replaced.

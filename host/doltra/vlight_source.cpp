@@ -2,8 +2,8 @@
 
 namespace Qelt {
 
-VLightSource::VLightSource(const std::string& name, int priority, const VCreationPreferences& preferences) :
-    VEnvironmentRenderObject(name, priority, preferences) {}
+VLightSource::VLightSource(const std::string& name, int priority, const VCreationPreferences& preferences)
+    : VEnvironmentRenderObject(name, priority, preferences) {}
 
 VLightSource::~VLightSource() = default;
 

@@ -12,7 +12,8 @@ namespace Qelt {
 /// Base of every light type.
 class DOLTRA_EXPORT VLightSource : public VEnvironmentRenderObject, public VStateCreatorBase {
 public:
-    /// @param priority where the light stands among the objects that are updated for a rendering: lower ones go first.
+    /// @param priority where the light stands among the objects that are updated for a rendering: lower ones
+    /// go first.
     VLightSource(const std::string& name, int priority, const VCreationPreferences& preferences);
     ~VLightSource() override;
 };

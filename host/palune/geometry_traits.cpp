@@ -43,7 +43,8 @@ std::string VValueTrait<PhysicalSpace::point>::Text(const PhysicalSpace::point& 
     return tripleToText(value);
 }
 
-bool VValueTrait<PhysicalSpace::point>::setValueFromText(PhysicalSpace::point& value, const std::string& text) {
+bool VValueTrait<PhysicalSpace::point>::setValueFromText(PhysicalSpace::point& value,
+                                                         const std::string& text) {
     return tripleFromText(value, text);
 }
 
@@ -56,12 +57,12 @@ bool VValueTrait<PhysicalSpace::vector>::setValueFromText(PhysicalSpace::vector&
     return tripleFromText(value, text);
 }
 
-#define PALUNE_VALUE_TYPE(TYPE)                                                                                        \
-    template class VTypedValueBase<TYPE>;                                                                              \
-    template class VValue<TYPE>;                                                                                       \
-    template class VValueParameter<TYPE>;                                                                              \
-    template class TypedSlot<TYPE>;                                                                                    \
-    template class TypedSlotCreatorOf<TYPE>;                                                                           \
+#define PALUNE_VALUE_TYPE(TYPE)                                                                              \
+    template class VTypedValueBase<TYPE>;                                                                    \
+    template class VValue<TYPE>;                                                                             \
+    template class VValueParameter<TYPE>;                                                                    \
+    template class TypedSlot<TYPE>;                                                                          \
+    template class TypedSlotCreatorOf<TYPE>;                                                                 \
     template class VValueCreatorOf<TYPE>;
 
 PALUNE_VALUE_TYPE(Orvid::rgba_float_t)

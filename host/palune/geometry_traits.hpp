@@ -31,14 +31,14 @@ struct PALUNE_EXPORT VValueTrait<Orvid::PhysicalSpace::vector> {
     static bool setValueFromText(Orvid::PhysicalSpace::vector& value, const std::string& text);
 };
 
-// Values, parameters and slots of these types live in this library alone, so that they outlast the modules that
-// use them.
-#define PALUNE_VALUE_TYPE(TYPE)                                                                                        \
-    extern template class PALUNE_EXPORT VTypedValueBase<TYPE>;                                                         \
-    extern template class PALUNE_EXPORT VValue<TYPE>;                                                                  \
-    extern template class PALUNE_EXPORT VValueParameter<TYPE>;                                                         \
-    extern template class PALUNE_EXPORT TypedSlot<TYPE>;                                                               \
-    extern template class PALUNE_EXPORT TypedSlotCreatorOf<TYPE>;                                                      \
+// Values, parameters and slots of these types live in this library alone, so that they outlast the modules
+// that use them.
+#define PALUNE_VALUE_TYPE(TYPE)                                                                              \
+    extern template class PALUNE_EXPORT VTypedValueBase<TYPE>;                                               \
+    extern template class PALUNE_EXPORT VValue<TYPE>;                                                        \
+    extern template class PALUNE_EXPORT VValueParameter<TYPE>;                                               \
+    extern template class PALUNE_EXPORT TypedSlot<TYPE>;                                                     \
+    extern template class PALUNE_EXPORT TypedSlotCreatorOf<TYPE>;                                            \
     extern template class PALUNE_EXPORT VValueCreatorOf<TYPE>;
 
 PALUNE_VALUE_TYPE(Orvid::rgba_float_t)

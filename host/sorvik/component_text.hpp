@@ -13,9 +13,10 @@ namespace Qelt {
 SORVIK_EXPORT std::string componentsToText(std::span<const double> components);
 SORVIK_EXPORT std::string componentsToText(std::span<const float> components);
 
-/// Reads exactly as many numbers as there are `components`, separated by blanks, tabs or line breaks, which may
-/// also stand before and after them. Each number is rounded to the nearest value of its type.
-/// @returns false for any other text, a number beyond the range of the type included; the components then keep
+/// Reads exactly as many numbers as there are `components`, separated by blanks, tabs or line breaks, which
+/// may also stand before and after them. Each number is rounded to the nearest value of its type.
+/// @returns false for any other text, a number beyond the range of the type included; the components then
+/// keep
 ///          their values.
 SORVIK_EXPORT bool componentsFromText(std::span<double> components, std::string_view text);
 SORVIK_EXPORT bool componentsFromText(std::span<float> components, std::string_view text);

@@ -3,8 +3,8 @@
 namespace Qelt {
 
 VCreationPreferences::VCreationPreferences(const VCreationPreferences& first,
-                                           const VCreationPreferences& second) :
-    my_texts(second.my_texts) {
+                                           const VCreationPreferences& second)
+    : my_texts(second.my_texts) {
     my_texts.insert(first.my_texts.begin(), first.my_texts.end());
 }
 

@@ -9,8 +9,8 @@
 
 namespace Qelt {
 
-/// What an object is to start with: for parameters by name, the text of the value that they hold first instead of
-/// their default. An empty record asks for nothing.
+/// What an object is to start with: for parameters by name, the text of the value that they hold first
+/// instead of their default. An empty record asks for nothing.
 class SORVIK_EXPORT VCreationPreferences {
 public:
     VCreationPreferences() = default;

@@ -9,8 +9,8 @@ namespace Qelt {
 
 namespace {
 
-/// By creator number, then by the time of registration. Never destroyed: modules destroy their creators as late as after
-/// `main`.
+/// By creator number, then by the time of registration. Never destroyed: modules destroy their creators as
+/// late as after `main`.
 std::vector<VCreatorBase*>& registeredCreators() {
     static auto& registered = *new std::vector<VCreatorBase*>;
     return registered;
@@ -19,16 +19,16 @@ std::vector<VCreatorBase*>& registeredCreators() {
 } // namespace
 
 VCreatorBase::VCreatorBase(const VCreatorProperties& properties, int number,
-                           const VCreationPreferences& preferences, bool hidden, const char* version_key) :
-    VManagedObject(properties.text(VCreatorPropertyBase::Kind::name)),
-    my_properties(properties), my_number(number), my_preferences(preferences), my_hidden(hidden) {
+                           const VCreationPreferences& preferences, bool hidden, const char* version_key)
+    : VManagedObject(properties.text(VCreatorPropertyBase::Kind::name)), my_properties(properties),
+      my_number(number), my_preferences(preferences), my_hidden(hidden) {
     enterCatalogue(version_key);
 }
 
 VCreatorBase::VCreatorBase(const std::string& name, int number, const VCreationPreferences& preferences,
-                           bool hidden, const char* version_key) :
-    VCreatorBase(VCreatorPropertyBase(VCreatorPropertyBase::Kind::name, name), number, preferences, hidden,
-                 version_key) {}
+                           bool hidden, const char* version_key)
+    : VCreatorBase(VCreatorPropertyBase(VCreatorPropertyBase::Kind::name, name), number, preferences, hidden,
+                   version_key) {}
 
 VCreatorBase::~VCreatorBase() {
     std::erase(registeredCreators(), this);
@@ -37,8 +37,9 @@ VCreatorBase::~VCreatorBase() {
 void VCreatorBase::enterCatalogue(const char* version_key) {
     ownItself(); // a creator belongs to its module, not to the pointers to it
     if (!VInitialization().IsCompatible(version_key)) {
-        Vprintf(0, "VCreatorBase: %s is built for the interface %s, not for %s, and stays out of the catalogue\n",
-                Name().c_str(), version_key, VInitialization::interfaceKey);
+        Vprintf(
+            0, "VCreatorBase: %s is built for the interface %s, not for %s, and stays out of the catalogue\n",
+            Name().c_str(), version_key, VInitialization::interfaceKey);
         return;
     }
     auto& registered = registeredCreators();

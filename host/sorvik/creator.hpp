@@ -28,7 +28,8 @@ public:
     /// @param number where it stands in the catalogue, lowest first.
     /// @param preferences what every object that it makes starts with.
     /// @param hidden leaves it out of the catalogue; it can be found by name all the same.
-    /// @param version_key the interface that it was built against. A creator for another interface is reported with
+    /// @param version_key the interface that it was built against. A creator for another interface is
+    /// reported with
     ///        `Vprintf` at verbosity 0 and can neither be listed nor found.
     VCreatorBase(const VCreatorProperties& properties, int number, const VCreationPreferences& preferences,
                  bool hidden, const char* version_key);
@@ -60,14 +61,16 @@ public:
     /// A name for a new object: the creator's own, numbered where it is taken ("Torch", "Torch2").
     std::string createChildname(const std::function<bool(const std::string&)>& taken) const;
 
-    /// Deletes every living object whose type is exactly `type`, the latest first, in spite of strong pointers to it.
+    /// Deletes every living object whose type is exactly `type`, the latest first, in spite of strong
+    /// pointers to it.
     /// @returns how many there were.
     static std::size_t deleteAllInstances(const std::type_info& type);
 
     /// The creators that are not hidden: by creator number, then by the time of their registration.
     static std::vector<VCreatorBase*> catalogue();
 
-    /// The first creator of this name in the order of the catalogue, a hidden one included; null if there is none.
+    /// The first creator of this name in the order of the catalogue, a hidden one included; null if there is
+    /// none.
     static VCreatorBase* find(std::string_view name);
 
 private:
@@ -85,8 +88,8 @@ public:
     VSinkBase();
     virtual ~VSinkBase();
 
-    /// The inputs of `object` that take a value of the declared input type from `offered`, in the order of their
-    /// making; none if there is no such type, or nothing of that type in `offered`.
+    /// The inputs of `object` that take a value of the declared input type from `offered`, in the order of
+    /// their making; none if there is no such type, or nothing of that type in `offered`.
     AcceptList acceptedInputs(const VObject& object, const VObject& offered) const;
 
     /// The declared input type, or null.
@@ -110,14 +113,13 @@ public:
 /// The creator of objects of type `T`, which has a constructor from a name and creation preferences.
 /// `Input` is the type of value from which the shell offers to create one, or `void`.
 template <class T, class Input>
-class VCreator final :
-    public VCreatorBase,
-    public std::conditional_t<std::is_void_v<Input>, VSink<T, void>, VSink<Input, T>> {
+class VCreator final : public VCreatorBase,
+                       public std::conditional_t<std::is_void_v<Input>, VSink<T, void>, VSink<Input, T>> {
 public:
     /// @param identity a record of properties, or a plain name.
     template <class Identity>
-    VCreator(const Identity& identity, int number) :
-        VCreatorBase(identity, number, VCreationPreferences(), false, VInitialization::interfaceKey) {
+    VCreator(const Identity& identity, int number)
+        : VCreatorBase(identity, number, VCreationPreferences(), false, VInitialization::interfaceKey) {
         Vprintf(100, "VCreator::VCreator(%s,%d)\n", keyname("/").c_str(), number);
         std::fflush(stdout);
     }
@@ -130,8 +132,8 @@ public:
     Tessan::StrongPtr<VObject> create(const std::string& name, VContext* context,
                                       const VCreationPreferences& preferences) override {
         Vprintf(100, "VCreator::create(%s)\n", name.c_str());
-        const Tessan::StrongPtr<VObject> object(new T(name.empty() ? Name() : name,
-                                                      VCreationPreferences(this->preferences(), preferences)));
+        const Tessan::StrongPtr<VObject> object(
+            new T(name.empty() ? Name() : name, VCreationPreferences(this->preferences(), preferences)));
         Vprintf(100, "VCreator::create(%s) got derived object\n", name.c_str());
         object->setCreator(Tessan::WeakPtr<VCreatorBase>(this));
         object->enableRequestProcessing();

@@ -6,8 +6,8 @@ namespace Qelt {
 
 using Kind = VCreatorPropertyBase::Kind;
 
-VCreatorPropertyBase::VCreatorPropertyBase(Kind kind, std::string text) :
-    my_kind(kind), my_text(std::move(text)) {}
+VCreatorPropertyBase::VCreatorPropertyBase(Kind kind, std::string text)
+    : my_kind(kind), my_text(std::move(text)) {}
 
 void VCreatorPropertyBase::assign(VCreatorProperties& record) const {
     record.my_properties.push_back(*this);

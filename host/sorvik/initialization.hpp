@@ -7,8 +7,9 @@
 
 /// The shell as a module sees it while it is loaded and unloaded.
 ///
-/// The shell hands its `VInitialization` to the entry point of a module, which asks it whether the interface that
-/// the module was built against is the shell's own. The two static sides keep the book of announced modules.
+/// The shell hands its `VInitialization` to the entry point of a module, which asks it whether the interface
+/// that the module was built against is the shell's own. The two static sides keep the book of announced
+/// modules.
 class SORVIK_EXPORT VInitialization {
 public:
     /// The interface key of this framework. A module that names another one was built for another shell.
@@ -32,11 +33,13 @@ public:
     explicit VInitialization(std::string accepted_key = interfaceKey);
     virtual ~VInitialization();
 
-    /// @returns true for exactly the key that this shell accepts; false for any other, a null pointer included.
+    /// @returns true for exactly the key that this shell accepts; false for any other, a null pointer
+    /// included.
     virtual bool IsCompatible(const char* version_key) const;
 
     /// A module says that it comes (reason `loading`) or goes (reason `unloading`). Both strings are copied.
-    /// An unknown reason, and a module that goes without having come, are reported with `Vprintf` at verbosity 0.
+    /// An unknown reason, and a module that goes without having come, are reported with `Vprintf` at
+    /// verbosity 0.
     static void initPlugin(int reason, const char* name, const char* version_key);
 
     /// The modules that have come and not gone, in the order in which they came.

@@ -37,13 +37,13 @@ private:
     std::string my_name;
 };
 
-/// A managed object that is listed, as long as it lives, with all others of the same `Domain`, which derives from
-/// this class. The list is kept in the library that instantiates the template for the domain.
+/// A managed object that is listed, as long as it lives, with all others of the same `Domain`, which derives
+/// from this class. The list is kept in the library that instantiates the template for the domain.
 template <class Domain>
 class VManagedDomainObject : public VManagedObject {
 public:
-    explicit VManagedDomainObject(std::string name) :
-        VManagedObject(std::move(name)), my_place(members().insert(members().end(), this)) {}
+    explicit VManagedDomainObject(std::string name)
+        : VManagedObject(std::move(name)), my_place(members().insert(members().end(), this)) {}
     ~VManagedDomainObject() override { members().erase(my_place); }
 
     /// The living objects of the domain, in the order of their making.

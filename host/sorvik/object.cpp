@@ -13,8 +13,8 @@ namespace Qelt {
 
 template class VManagedDomainObject<VObject>;
 
-VObject::VObject(const std::string& name, int priority, const VCreationPreferences& preferences) :
-    VManagedDomainObject<VObject>(name), my_priority(priority), my_preferences(preferences) {}
+VObject::VObject(const std::string& name, int priority, const VCreationPreferences& preferences)
+    : VManagedDomainObject<VObject>(name), my_priority(priority), my_preferences(preferences) {}
 
 VObject::~VObject() = default;
 

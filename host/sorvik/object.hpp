@@ -21,13 +21,15 @@ class VRequest;
 
 extern template class SORVIK_EXPORT VManagedDomainObject<VObject>;
 
-/// An object of a scene: named, with typed parameters that can be edited, connected, saved and read per render context.
+/// An object of a scene: named, with typed parameters that can be edited, connected, saved and read per
+/// render context.
 class SORVIK_EXPORT VObject : public VManagedDomainObject<VObject>,
                               public VConnectable,
                               public VSlotContainer,
                               public VSaveable {
 public:
-    /// @param priority where the object stands among those that are updated for a rendering: lower ones go first.
+    /// @param priority where the object stands among those that are updated for a rendering: lower ones go
+    /// first.
     /// @param preferences what its parameters are to hold first instead of their defaults.
     VObject(const std::string& name, int priority, const VCreationPreferences& preferences);
     ~VObject() override;
@@ -52,8 +54,8 @@ public:
     /// A name that none of the object's parameters has: `base`, numbered where it is taken.
     std::string CreateParameterName(const std::string& base) const;
 
-    /// Which inputs accept another object: the list that the object gives itself (`getAcceptInfoList`), and behind it
-    /// the inputs of the type that its creator declares as its input.
+    /// Which inputs accept another object: the list that the object gives itself (`getAcceptInfoList`), and
+    /// behind it the inputs of the type that its creator declares as its input.
     AcceptList accept(const VObject& offered) const;
 
     /// Gives the object one more input, of a type that has a slot creator, under a free parameter name.
@@ -69,8 +71,8 @@ public:
     /// The key of the object's creator; empty without one.
     virtual std::string type_key() const;
 
-    /// The object's icons: a path in the Qt resource system, an XPM image, the name of an icon file. The base has
-    /// none: the first and last are empty, the XPM is null.
+    /// The object's icons: a path in the Qt resource system, an XPM image, the name of an icon file. The base
+    /// has none: the first and last are empty, the XPM is null.
     virtual std::string qt_icon() const;
     virtual const char* const* xpm_icon() const;
     virtual std::string gimp_icon() const;

@@ -9,10 +9,11 @@
 namespace Qelt {
 
 VParameter::VParameter(Tessan::StrongPtr<VValueBase> value, std::string name,
-                       const VCreationPreferences& preferences) :
-    my_name(std::move(name)), my_value(std::move(value)) {
+                       const VCreationPreferences& preferences)
+    : my_name(std::move(name)), my_value(std::move(value)) {
     if (!my_value)
-        throw std::invalid_argument("VParameter \"" + my_name + "\": a parameter needs a value, none was given");
+        throw std::invalid_argument("VParameter \"" + my_name +
+                                    "\": a parameter needs a value, none was given");
     my_default = my_value->clone();
     const std::string* const preferred = preferences.find(my_name);
     if (preferred && !my_value->setValueFromText(*preferred))

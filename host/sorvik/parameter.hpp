@@ -14,13 +14,15 @@ namespace Qelt {
 class VObject;
 class ValuePool;
 
-/// A named parameter of an object. It holds a global value, and render contexts may give it values of their own.
+/// A named parameter of an object. It holds a global value, and render contexts may give it values of their
+/// own.
 class SORVIK_EXPORT VParameter : public Tessan::Counted {
 public:
     using Property = std::pair<std::string, Tessan::StrongPtr<VValueBase>>;
 
     /// @param value the global value to start with; what it reads as now is the parameter's default.
-    /// @param preferences may ask for another first value by the parameter's name. A text that is malformed for the
+    /// @param preferences may ask for another first value by the parameter's name. A text that is malformed
+    /// for the
     ///        type is reported with `Vprintf` at verbosity 0, and the default stays.
     VParameter(Tessan::StrongPtr<VValueBase> value, std::string name,
                const VCreationPreferences& preferences = {});
@@ -51,24 +53,26 @@ public:
     const VValueBase* property(std::string_view name) const noexcept;
     const std::vector<Property>& properties() const noexcept { return my_properties; }
 
-    /// The value of the parameter in a context: the pool's own, else the source's if the parameter follows another
-    /// one, else the global value.
+    /// The value of the parameter in a context: the pool's own, else the source's if the parameter follows
+    /// another one, else the global value.
     /// @param component the part of the value that is asked for; the empty name means the whole of it.
-    /// @param own if set and the pool has no value of its own for the parameter, one is made first that starts as
+    /// @param own if set and the pool has no value of its own for the parameter, one is made first that
+    /// starts as
     ///        what the context reads now.
     /// @returns null if there is nothing to read: the source has gone, or the value has no such part.
     VValueBase* getLocalValue(ValuePool& pool, std::string_view component = {}, bool own = false) const;
 
-    /// Sets the global value; what the parameter follows, and contexts with a value of their own, go before it.
-    /// Traced at verbosity 50. @returns false, and changes nothing, if the value is of another type or cannot be
-    /// read.
+    /// Sets the global value; what the parameter follows, and contexts with a value of their own, go before
+    /// it. Traced at verbosity 50. @returns false, and changes nothing, if the value is of another type or
+    /// cannot be read.
     bool setGlobalValue(const VValueBase& value);
 
     /// The same from a text form. @returns false, and changes nothing, if the text is malformed.
     bool setGlobalValueFromText(const std::string& text);
 
     /// Makes the parameter follow another one, context by context; null ends that.
-    /// @returns false, and changes nothing, if the source is of another type, or follows this parameter itself.
+    /// @returns false, and changes nothing, if the source is of another type, or follows this parameter
+    /// itself.
     bool setSource(const Tessan::StrongPtr<VParameter>& source);
 
     bool hasSource() const noexcept { return my_has_source; }
@@ -89,9 +93,9 @@ private:
 template <class T>
 class VValueParameter : public VParameter {
 public:
-    VValueParameter(const T& initial_value, std::string name, const VCreationPreferences& preferences = {}) :
-        VParameter(Tessan::StrongPtr<VValueBase>(new VValue<T>(initial_value)), std::move(name),
-                   preferences) {}
+    VValueParameter(const T& initial_value, std::string name, const VCreationPreferences& preferences = {})
+        : VParameter(Tessan::StrongPtr<VValueBase>(new VValue<T>(initial_value)), std::move(name),
+                     preferences) {}
 };
 
 extern template class SORVIK_EXPORT VValueParameter<double>;

@@ -20,7 +20,8 @@ public:
     virtual std::string saveText() const = 0;
 
     /// Takes over a state that was written by `saveText`: all of it or, if something is wrong with it, none.
-    /// @returns nothing if it was taken over, else what is wrong: the line, what was found, what was expected.
+    /// @returns nothing if it was taken over, else what is wrong: the line, what was found, what was
+    /// expected.
     virtual std::optional<std::string> loadText(std::string_view text) = 0;
 };
 

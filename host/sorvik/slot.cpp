@@ -6,8 +6,8 @@
 
 namespace Qelt {
 
-VSlot::VSlot(VSlotContainer& container, std::string name, const std::type_info& type) :
-    my_container(container), my_name(std::move(name)), my_type(type) {
+VSlot::VSlot(VSlotContainer& container, std::string name, const std::type_info& type)
+    : my_container(container), my_name(std::move(name)), my_type(type) {
     container.my_slots.push_back(this);
 }
 

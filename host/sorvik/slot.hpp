@@ -24,11 +24,13 @@ public:
     /// The parameter that the slot holds, or null: it was removed, or was of another type from the start.
     VParameter* parameter() const noexcept { return my_parameter.get(); }
 
-    /// The slot's value in a context, or null if the slot holds no live parameter or there is nothing to read.
+    /// The slot's value in a context, or null if the slot holds no live parameter or there is nothing to
+    /// read.
     const VValueBase* getValueBase(ValuePool& pool) const;
 
     /// Makes the slot's parameter follow another object's; null ends that.
-    /// @returns false, and changes nothing, if the slot holds none, or the source is of another type or follows it.
+    /// @returns false, and changes nothing, if the slot holds none, or the source is of another type or
+    /// follows it.
     bool connect(const Tessan::StrongPtr<VParameter>& source);
 
 protected:

@@ -26,8 +26,8 @@ VSlot* VSlotContainer::findSlot(std::string_view name) const noexcept {
 }
 
 bool VSlotContainer::removeParameter(std::string_view name) {
-    return std::erase_if(my_parameters, [&](const Entry& entry) { return entry.parameter->Name() == name; }) !=
-           0;
+    return std::erase_if(my_parameters,
+                         [&](const Entry& entry) { return entry.parameter->Name() == name; }) != 0;
 }
 
 void VSlotContainer::setup() {}

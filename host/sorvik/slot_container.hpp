@@ -39,8 +39,8 @@ public:
     /// Called once when the object is complete and its creator is known. The base has nothing to set up.
     virtual void setup();
 
-    /// Connects each slot to the output of `provider` that has its name and type; a slot that ignores input is left
-    /// alone. @returns how many were connected.
+    /// Connects each slot to the output of `provider` that has its name and type; a slot that ignores input
+    /// is left alone. @returns how many were connected.
     virtual std::size_t connectSlots(VConnectable& provider);
 
     /// Whether a new parameter may take the place of one of the same name. The base says no.
@@ -63,8 +63,8 @@ private:
 /// What all slots share, whatever their type.
 class SORVIK_EXPORT VSlotGlobals {
 public:
-    /// Adds a parameter to an object under an expert level. If the object holds one of that name already, that one
-    /// stays, unless `replace` is set and the object allows it.
+    /// Adds a parameter to an object under an expert level. If the object holds one of that name already,
+    /// that one stays, unless `replace` is set and the object allows it.
     /// @returns the parameter that the object ends up holding under the name.
     static Tessan::StrongPtr<VParameter> addParameter(VSlotContainer& container, const std::string& name,
                                                       int expert_level,

@@ -23,8 +23,8 @@ public:
     /// Every pool drops the state that it holds for the object.
     virtual ~VStateCreatorBase();
 
-    /// This object's state in a pool, made by `newState` on the first call and the same one on every later call.
-    /// The reference holds until the pool or the object goes.
+    /// This object's state in a pool, made by `newState` on the first call and the same one on every later
+    /// call. The reference holds until the pool or the object goes.
     const Tessan::StrongPtr<State>& myState(ValuePool& pool) const;
 
     /// Makes a new state. The base makes an empty one, for objects that keep nothing for a context.

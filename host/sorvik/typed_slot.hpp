@@ -16,16 +16,17 @@ namespace Qelt {
 template <class T>
 class TypedSlot final : public VSlot {
 public:
-    /// Whether slot creators for `T` have been registered. Set by the module that registers them, once and for all:
-    /// slots are torn down even after the creators were withdrawn.
+    /// Whether slot creators for `T` have been registered. Set by the module that registers them, once and
+    /// for all: slots are torn down even after the creators were withdrawn.
     static std::atomic<bool> creators_registered;
 
     /// @param that the object that gets the parameter, unless it holds one of that name already.
-    /// @param initialValue the parameter's default; the object's creation preferences may ask for another first value.
+    /// @param initialValue the parameter's default; the object's creation preferences may ask for another
+    /// first value.
     /// @param expertLevel 0 is for every user; the higher, the more expert.
     /// A parameter of another type that holds the name already is reported; the slot then holds none.
-    TypedSlot(VObject* that, const std::string& name, const T& initialValue, int expertLevel = 0) :
-        VSlot(*that, name, typeid(T)) {
+    TypedSlot(VObject* that, const std::string& name, const T& initialValue, int expertLevel = 0)
+        : VSlot(*that, name, typeid(T)) {
         const auto made = Tessan::makeStrong<VValueParameter<T>>(initialValue, name, that->preferences());
         made->setCreator(that);
         const auto held = VSlotGlobals::addParameter(*that, name, expertLevel, made);

@@ -58,20 +58,21 @@ public:
     /// Sets the value from its text form. @returns false, and changes nothing, if the text is malformed.
     virtual bool setValueFromText(const std::string& text) = 0;
 
-    /// The named part of this value, as a value that can be set; the empty name means the whole of it. The base has
-    /// no parts: it gives null for every other name.
+    /// The named part of this value, as a value that can be set; the empty name means the whole of it. The
+    /// base has no parts: it gives null for every other name.
     virtual VValueBase* component(std::string_view name);
 
-    /// This value seen as the interface of the given type, or null where it does not offer that. The base offers
-    /// none; a typed value offers itself as `VTypedValueBase<T>`.
+    /// This value seen as the interface of the given type, or null where it does not offer that. The base
+    /// offers none; a typed value offers itself as `VTypedValueBase<T>`.
     virtual void* getInterface(const std::type_info& interface);
 
-    /// Takes over the value that `from` reads as. @returns false, and changes nothing, if it is of another type or
-    /// cannot be read.
+    /// Takes over the value that `from` reads as. @returns false, and changes nothing, if it is of another
+    /// type or cannot be read.
     virtual bool setContainerValue(const VValueBase& from) = 0;
 
-    /// Makes this value follow another one: it then reads as the source does; null ends that, and the value's own
-    /// content shows again. If the source goes, the value cannot be read until it gets another one or none.
+    /// Makes this value follow another one: it then reads as the source does; null ends that, and the value's
+    /// own content shows again. If the source goes, the value cannot be read until it gets another one or
+    /// none.
     /// @returns false, and changes nothing, if the source is of another type, or follows this value itself.
     bool setSource(const Tessan::StrongPtr<VValueBase>& source);
 

@@ -23,7 +23,8 @@ std::vector<Registration>& registrations() {
 VValueCreator::VValueCreator() = default;
 
 VValueCreator::~VValueCreator() {
-    std::erase_if(registrations(), [&](const Registration& registered) { return registered.creator == this; });
+    std::erase_if(registrations(),
+                  [&](const Registration& registered) { return registered.creator == this; });
 }
 
 void VValueCreator::registerCreator(const VValueCreator& creator, const std::string& type_name) {

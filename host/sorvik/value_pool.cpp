@@ -9,8 +9,9 @@ namespace Qelt {
 
 namespace {
 
-/// The pools that live, so that what goes can be dropped from each. Render contexts on several threads may make
-/// and drop pools; never destroyed, since a pool may be dropped as late as in the destructor of another global.
+/// The pools that live, so that what goes can be dropped from each. Render contexts on several threads may
+/// make and drop pools; never destroyed, since a pool may be dropped as late as in the destructor of another
+/// global.
 struct LivingPools {
     std::mutex mutex;
     std::unordered_set<ValuePool*> pools;
@@ -92,7 +93,8 @@ void ValuePool::forget(const VStateCreatorBase& owner) noexcept {
 
 VRequest::VRequest(Tessan::StrongPtr<ValuePool> pool) : my_pool(std::move(pool)) {
     if (!my_pool)
-        throw std::invalid_argument("VRequest: a request needs the value pool of its context, none was given");
+        throw std::invalid_argument(
+            "VRequest: a request needs the value pool of its context, none was given");
 }
 
 VRequest::~VRequest() = default;

@@ -26,12 +26,12 @@ private:
     std::unordered_map<const VParameter*, Tessan::StrongPtr<VValueBase>> my_values;
 };
 
-/// What one render context knows of the scene's objects that the others don't: values of its own for some parameters,
-/// and the states of the objects that keep one for each context.
+/// What one render context knows of the scene's objects that the others don't: values of its own for some
+/// parameters, and the states of the objects that keep one for each context.
 ///
-/// A pool may stand over another one, whose values show where it has none itself; below the last pool lies the
-/// parameter's global value. Values and states go with the pool, or with the parameter or object that they belong
-/// to, whichever goes first.
+/// A pool may stand over another one, whose values show where it has none itself; below the last pool lies
+/// the parameter's global value. Values and states go with the pool, or with the parameter or object that
+/// they belong to, whichever goes first.
 class SORVIK_EXPORT ValuePool : public Tessan::Counted {
 public:
     explicit ValuePool(Tessan::StrongPtr<ValuePool> below = {});
@@ -39,8 +39,8 @@ public:
     ValuePool& operator=(const ValuePool&) = delete;
     ~ValuePool() override;
 
-    /// Gives the parameter a value of its own in this pool. It is taken as it is, of whatever type, and takes the
-    /// place of the one held so far: those that followed that one follow it.
+    /// Gives the parameter a value of its own in this pool. It is taken as it is, of whatever type, and takes
+    /// the place of the one held so far: those that followed that one follow it.
     VValueBase& createVariable(const VParameter& parameter, Tessan::StrongPtr<VValueBase> value);
 
     /// The parameter's value in this pool or in one below, or null if none has one.
@@ -51,11 +51,13 @@ public:
         return my_variables.getValue(parameter) != nullptr;
     }
 
-    /// Takes the parameter's value out of this pool; what lies below shows again. @returns whether there was one.
+    /// Takes the parameter's value out of this pool; what lies below shows again. @returns whether there was
+    /// one.
     bool removeVariable(const VParameter& parameter) noexcept;
 
     /// The state that an object keeps in this pool, or null if it has none yet.
-    const Tessan::StrongPtr<VStateCreatorBase::State>* findState(const VStateCreatorBase& owner) const noexcept;
+    const Tessan::StrongPtr<VStateCreatorBase::State>*
+    findState(const VStateCreatorBase& owner) const noexcept;
 
     /// Keeps a state for an object.
     const Tessan::StrongPtr<VStateCreatorBase::State>&

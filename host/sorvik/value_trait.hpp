@@ -6,9 +6,9 @@
 
 namespace Qelt {
 
-/// The text form of values of type `T`, used when parameters are saved, loaded or printed. Specialised for each
-/// value type with `Text(value)` and `setValueFromText(value, text)`; the latter refuses a malformed text by
-/// returning false and leaves the value as it was.
+/// The text form of values of type `T`, used when parameters are saved, loaded or printed. Specialised for
+/// each value type with `Text(value)` and `setValueFromText(value, text)`; the latter refuses a malformed
+/// text by returning false and leaves the value as it was.
 template <class T>
 struct VValueTrait;
 

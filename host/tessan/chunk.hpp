@@ -39,7 +39,8 @@ private:
 /// An array of values of type `T`.
 ///
 /// Growing it beyond what a vector can hold throws std::length_error: "cannot create std::vector larger than
-/// max_size()" from the constructor, "vector::reserve" from `reserve` and `resize`; the chunk stays as it was.
+/// max_size()" from the constructor, "vector::reserve" from `reserve` and `resize`; the chunk stays as it
+/// was.
 template <class T>
 class Chunk : public ChunkBase {
 public:

@@ -12,8 +12,9 @@ class Counted;
 
 /// The serial of the pointer made last. Every pointer takes the next number as it is made or copied.
 ///
-/// The counter is advanced by a load and a store, not by one read-modify-write: pointers are copied everywhere,
-/// and two threads that copy at the same instant may share a number. It tells pointers apart in diagnostics.
+/// The counter is advanced by a load and a store, not by one read-modify-write: pointers are copied
+/// everywhere, and two threads that copy at the same instant may share a number. It tells pointers apart in
+/// diagnostics.
 extern TESSAN_EXPORT std::atomic<std::uint64_t> PointerID;
 
 /// Takes the next pointer serial.
@@ -25,8 +26,8 @@ inline std::uint64_t nextPointerID() noexcept {
 
 /// What all pointers to one object share: how many there are, and the object while it lives.
 ///
-/// The block outlives its object until the last pointer goes, so that a pointer can always tell whether its object
-/// is still there. The counts are changed atomically; nothing is locked.
+/// The block outlives its object until the last pointer goes, so that a pointer can always tell whether its
+/// object is still there. The counts are changed atomically; nothing is locked.
 class TESSAN_EXPORT ControlBlock {
 public:
     /// The strong pointers, negative from the moment in which the destruction of the object begins.
@@ -72,8 +73,8 @@ public:
     Counted(const Counted&) : Counted() {}
     Counted& operator=(const Counted&) noexcept { return *this; }
 
-    /// Called when the last strong pointer has gone, before the object is deleted. An object that wants to live
-    /// on takes a strong pointer to itself here. The base does nothing.
+    /// Called when the last strong pointer has gone, before the object is deleted. An object that wants to
+    /// live on takes a strong pointer to itself here. The base does nothing.
     virtual void unreferenced() {}
 
     virtual ~Counted();

@@ -13,9 +13,9 @@ namespace Tessan {
 
 /// A reference-counted pointer that keeps its object alive.
 ///
-/// `Base` is the class through which `T` is counted; it matters only where `T` has several counted bases. The object
-/// may be deleted in spite of its strong pointers (`Counted::destroy`): they then hold nothing, and dereferencing
-/// one is reported to the speaker and gives null.
+/// `Base` is the class through which `T` is counted; it matters only where `T` has several counted bases. The
+/// object may be deleted in spite of its strong pointers (`Counted::destroy`): they then hold nothing, and
+/// dereferencing one is reported to the speaker and gives null.
 template <class T, class Base>
 class StrongPtr {
 public:
@@ -45,8 +45,8 @@ public:
     }
 
     template <class U, class UBase>
-        requires std::is_convertible_v<U*, T*>
-    StrongPtr(const StrongPtr<U, UBase>& other) noexcept : StrongPtr(other.get()) {}
+    requires std::is_convertible_v<U*, T*> StrongPtr(const StrongPtr<U, UBase>& other)
+    noexcept : StrongPtr(other.get()) {}
 
     ~StrongPtr() {
         if (my_block)
@@ -83,7 +83,8 @@ private:
     friend class WeakPtr;
 
     static ControlBlock* blockOf(T* object) noexcept {
-        return object ? &static_cast<const Counted&>(static_cast<const Base&>(*object)).controlBlock() : nullptr;
+        return object ? &static_cast<const Counted&>(static_cast<const Base&>(*object)).controlBlock()
+                      : nullptr;
     }
 
     void hold(T* object, ControlBlock* block) noexcept {

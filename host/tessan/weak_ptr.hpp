@@ -21,8 +21,8 @@ public:
     }
 
     template <class U, class UBase>
-        requires std::is_convertible_v<U*, T*>
-    WeakPtr(const StrongPtr<U, UBase>& other) noexcept : WeakPtr(other.get()) {}
+    requires std::is_convertible_v<U*, T*> WeakPtr(const StrongPtr<U, UBase>& other)
+    noexcept : WeakPtr(other.get()) {}
 
     ~WeakPtr() {
         if (my_block)

@@ -1,5 +1,6 @@
-// AmbientLight lights every point of the scene with the same colour, from no direction and without highlights: the light
-// that is left when everything has been scattered so often that it comes from everywhere, as under an overcast sky.
+// AmbientLight lights every point of the scene with the same colour, from no direction and without
+// highlights: the light that is left when everything has been scattered so often that it comes from
+// everywhere, as under an overcast sky.
 
 #include "light_contract.hpp"
 #include "unit.hpp"
@@ -58,9 +59,9 @@ void	getLight_$$(in vec3 vertex,
 
 class AmbientLight final : public VLightSource {
 public:
-    AmbientLight(const std::string& name, const VCreationPreferences& preferences) :
-        VLightSource(name, light_priority, preferences),
-        my_color(this, color_name, color_default, color_expert_level) {}
+    AmbientLight(const std::string& name, const VCreationPreferences& preferences)
+        : VLightSource(name, light_priority, preferences),
+          my_color(this, color_name, color_default, color_expert_level) {}
 
     class MyLightSource final : public LightSource {
     public:
@@ -123,8 +124,7 @@ class AmbientLightUnit final : public Unit {
     using Property = VCreatorPropertyBase;
 
     VCreator<AmbientLight, void> my_creator{
-        VCreatorProperties(
-            Property(Property::Kind::description, "A light source that lights everything.")) +
+        VCreatorProperties(Property(Property::Kind::description, "A light source that lights everything.")) +
             Property(Property::Kind::group, "General") + Property(Property::Kind::date, __DATE__) +
             Property(Property::Kind::name, "AmbientLight") + Property(Property::Kind::source, __FILE__) +
             Property(Property::Kind::category, "Scenery"),

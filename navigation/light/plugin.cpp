@@ -1,4 +1,5 @@
-// The module as the shell meets it: one exported function, and an object whose life is that of the loaded library.
+// The module as the shell meets it: one exported function, and an object whose life is that of the loaded
+// library.
 
 #include "unit.hpp"
 
@@ -37,8 +38,8 @@ struct Announcement {
     Announcement& operator=(const Announcement&) = delete;
 };
 
-/// Everything that the module is while it is loaded. The members are made in this order when the library is loaded
-/// and destroyed in reverse when it is unloaded; nothing else in the module runs at either time.
+/// Everything that the module is while it is loaded. The members are made in this order when the library is
+/// loaded and destroyed in reverse when it is unloaded; nothing else in the module runs at either time.
 struct LoadedModule {
     EmptyHook empty_hook;
     Announcement announcement;
@@ -54,6 +55,7 @@ LoadedModule loaded_module;
 } // namespace tovek
 
 /// The version check. @returns whether `shell` accepts the interface that the module was built against.
-extern "C" __attribute__((visibility("default"))) bool KORL_API_2026_JAN_22__tovek_light(VInitialization* shell) {
+extern "C" __attribute__((visibility("default"))) bool
+KORL_API_2026_JAN_22__tovek_light(VInitialization* shell) {
     return shell->IsCompatible(VInitialization::interfaceKey);
 }

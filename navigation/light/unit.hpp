@@ -12,7 +12,8 @@
 
 namespace tovek {
 
-/// What one source file of the module registers with the shell; all of it is withdrawn when the unit is destroyed.
+/// What one source file of the module registers with the shell; all of it is withdrawn when the unit is
+/// destroyed.
 class Unit {
 public:
     Unit() = default;
@@ -21,8 +22,8 @@ public:
     virtual ~Unit() = default;
 };
 
-/// The creators of values and slots of type `T`, which the first unit that has parameters of the type registers with
-/// the shell. In every later unit the same member does nothing.
+/// The creators of values and slots of type `T`, which the first unit that has parameters of the type
+/// registers with the shell. In every later unit the same member does nothing.
 template <class T>
 class ValueType {
 public:
@@ -32,7 +33,8 @@ public:
     }
 
 private:
-    /// The shell makes single values by type name of these types only; points and vectors come with their objects.
+    /// The shell makes single values by type name of these types only; points and vectors come with their
+    /// objects.
     static constexpr bool has_value_creator =
         std::is_same_v<T, double> || std::is_same_v<T, Orvid::rgba_float_t>;
 
@@ -47,9 +49,7 @@ private:
             Qelt::TypedSlotCreator::registerTypedSlotCreator(typeid(T), slot_creator, name);
             Qelt::TypedSlot<T>::creators_registered = true;
         }
-        ~Registration() {
-            Qelt::TypedSlotCreator::unregisterTypedSlotCreator(typeid(T), slot_creator, name);
-        }
+        ~Registration() { Qelt::TypedSlotCreator::unregisterTypedSlotCreator(typeid(T), slot_creator, name); }
         Registration(const Registration&) = delete;
         Registration& operator=(const Registration&) = delete;
     };

@@ -21,7 +21,8 @@ void describeType(const Program& program, const std::string& type) {
     Session session(program);
     const Qelt::VObject& sample = session.scene.create(type);
     const std::string help = sample.help();
-    std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ", help.c_str());
+    std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ",
+                help.c_str());
     std::vector<std::vector<std::string>> rows{{"PARAMETER", "TYPE", "DEFAULT", "RANGE", "LEVEL"}};
     for (const auto& [parameter, expert_level] : sample.parameters())
         rows.push_back({parameter->Name(), valueKind(parameter->type()), parameter->DefaultValue().Text(),

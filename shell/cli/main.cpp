@@ -24,8 +24,9 @@ int main(int argument_count, char** arguments) {
     Program program;
     app.add_option("--plugin", program.plugins, "Load a module, before those on KORL_PLUGIN_PATH")
         ->allow_extra_args(false);
-    app.add_option("--verbose", program.verbosity, "Show diagnostics up to this level: 1 the renderer, 50 parameters, "
-                                                   "100 creators");
+    app.add_option("--verbose", program.verbosity,
+                   "Show diagnostics up to this level: 1 the renderer, 50 parameters, "
+                   "100 creators");
     addTypesCommand(app, program);
     addDescribeCommand(app, program);
     addRenderCommand(app, program);

@@ -1,8 +1,8 @@
 #include "shell/cli/picture_output.hpp"
 
 #include "shell/error.hpp"
-#include "shell/scene/file_output.hpp"
 #include "shell/render/png.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <cerrno>
 #include <cstdio>
@@ -37,7 +37,8 @@ PictureOutput::PictureOutput(std::string target) : my_target(std::move(target)) 
         const int problem = errno;
         if (my_descriptor >= 0)
             ::close(my_descriptor);
-        throw Error(std::string("cannot set standard output aside for the picture: ") + std::strerror(problem));
+        throw Error(std::string("cannot set standard output aside for the picture: ") +
+                    std::strerror(problem));
     }
 }
 

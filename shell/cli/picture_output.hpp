@@ -8,8 +8,8 @@ namespace korl::cli {
 
 /// Where a picture goes: a file or, for "-", standard output.
 ///
-/// For standard output the descriptor is set aside at construction and descriptor 1 is pointed at standard error, so that
-/// nothing but the picture goes there; make it before any module is loaded.
+/// For standard output the descriptor is set aside at construction and descriptor 1 is pointed at standard
+/// error, so that nothing but the picture goes there; make it before any module is loaded.
 class PictureOutput {
 public:
     explicit PictureOutput(std::string target);

@@ -38,7 +38,8 @@ public:
 /// Tells the user something on standard error, under the program's name.
 void note(const std::string& text);
 
-/// Prints rows of cells on standard output, each column as wide as its widest cell. The first row is the head.
+/// Prints rows of cells on standard output, each column as wide as its widest cell. The first row is the
+/// head.
 void printTable(const std::vector<std::vector<std::string>>& rows);
 
 /// Each adds a command of its name; the command's work is put into `program.command` when it is chosen.

@@ -41,14 +41,15 @@ void render(const Program& program, const RenderOptions& options) {
             std::printf("%s\n", line.c_str());
     output.write(image);
     if (!output.isStandardOutput())
-        note("wrote " + options.output + ", " + std::to_string(image.width) + "x" + std::to_string(image.height) +
-             " pixels");
+        note("wrote " + options.output + ", " + std::to_string(image.width) + "x" +
+             std::to_string(image.height) + " pixels");
 }
 
 } // namespace
 
 void addRenderCommand(CLI::App& app, Program& program) {
-    CLI::App* const command = app.add_subcommand("render", "Render a scene, or a model under lights, to a PNG file");
+    CLI::App* const command =
+        app.add_subcommand("render", "Render a scene, or a model under lights, to a PNG file");
     const auto options = std::make_shared<RenderOptions>();
     addSceneOptions(*command, options->scene);
     command->add_option("--path", options->path, "shader, fixed, or both side by side")

@@ -63,8 +63,8 @@ Setting parseSetting(const std::string& text) {
 
 /// The words of the command line, understood. Wrong usage shows before any work is done.
 struct ParsedOptions {
-    explicit ParsedOptions(const SceneOptions& options) :
-        model_up(usage("--model-up", [&] { return parseUpAxis(options.model_up); })) {
+    explicit ParsedOptions(const SceneOptions& options)
+        : model_up(usage("--model-up", [&] { return parseUpAxis(options.model_up); })) {
         for (const std::string& text : options.lights)
             lights.push_back(parseLight(text));
         for (const std::string& text : options.settings)
@@ -92,7 +92,8 @@ void addDefaultLight(Scene& scene) {
                  "\" was added; choose others with --light, or leave it dark with --no-default-light");
             return;
         }
-    note("the scene has no light and stays dark: no module is loaded that has a Headlight or an AmbientLight");
+    note(
+        "the scene has no light and stays dark: no module is loaded that has a Headlight or an AmbientLight");
 }
 
 void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double aspect, Scene& scene) {
@@ -117,9 +118,11 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
     command.add_option("--model-up", options.model_up, "Which axis of the model is up: x, y or z")
         ->capture_default_str();
     command.add_option("--light", options.lights, "Add a light: TYPE or TYPE:NAME")->allow_extra_args(false);
-    command.add_option("--set", options.settings, "Set a parameter: NAME.PARAM=VALUE")->allow_extra_args(false);
+    command.add_option("--set", options.settings, "Set a parameter: NAME.PARAM=VALUE")
+        ->allow_extra_args(false);
     command.add_flag("--no-default-light", options.no_default_light, "Add no light where there is none");
-    command.add_option("--background", options.background, "\"#rrggbb[aa]\" or \"red green blue [alpha]\", 0 to 1");
+    command.add_option("--background", options.background,
+                       "\"#rrggbb[aa]\" or \"red green blue [alpha]\", 0 to 1");
     command.add_option("--camera", options.camera, "Where the eye is: \"x y z\", z up; fitted if left out");
     command.add_option("--target", options.target, "Where the eye looks: \"x y z\"");
     command.add_option("--up", options.up, "Which way is up in the picture: \"x y z\"");
@@ -152,8 +155,8 @@ std::pair<int, int> parseSize(const std::string& text) {
     const bool has_x = first.ec == std::errc() && first.ptr != end && *first.ptr == 'x';
     const auto second = has_x ? std::from_chars(first.ptr + 1, end, height) : first;
     if (!has_x || second.ec != std::errc() || second.ptr != end || width < 1 || height < 1)
-        throw UsageError("--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"" + text +
-                         "\"");
+        throw UsageError("--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"" +
+                         text + "\"");
     return {width, height};
 }
 

@@ -24,13 +24,14 @@ struct SceneOptions {
 
 void addSceneOptions(CLI::App& command, SceneOptions& options);
 
-/// Builds the scene: the scene file, the model or, where there is none of either, the built-in scene; the lights, or
-/// a light by default, which it says; the settings; the camera.
+/// Builds the scene: the scene file, the model or, where there is none of either, the built-in scene; the
+/// lights, or a light by default, which it says; the settings; the camera.
 /// @param aspect width of the picture by its height, for a camera that is fitted.
 /// Throws UsageError for an option of the wrong form, Error for what cannot be done.
 void fillScene(const SceneOptions& options, double aspect, Scene& scene);
 
-/// Reads a size such as "640x480", in pixels. Throws UsageError for any other form, and for a side of no pixels.
+/// Reads a size such as "640x480", in pixels. Throws UsageError for any other form, and for a side of no
+/// pixels.
 std::pair<int, int> parseSize(const std::string& text);
 
 } // namespace korl::cli

@@ -19,7 +19,8 @@ void printShader(const Program& program, const ShaderOptions& options) {
     fillScene(options.scene, 1, session.scene);
     View view;
     if (options.uniforms) {
-        // Some lights write their uniforms while they set up their fixed-function light: that takes a context.
+        // Some lights write their uniforms while they set up their fixed-function light: that takes a
+        // context.
         GLContext context;
         Renderer renderer(context, note);
         for (const std::string& line : renderer.listUniforms(session.scene, view))

@@ -14,7 +14,8 @@ std::string orDash(const std::string& text) {
     return text.empty() ? "-" : text;
 }
 
-/// The icon that the objects of a creator show: a path in the Qt resource system, else the size of an XPM image.
+/// The icon that the objects of a creator show: a path in the Qt resource system, else the size of an XPM
+/// image.
 std::string iconOf(Qelt::VCreatorBase& creator) {
     const auto sample = creator.create("");
     if (const std::string path = sample->qt_icon(); !path.empty())

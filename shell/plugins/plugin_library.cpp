@@ -158,9 +158,9 @@ void PluginSet::requireNewModule(const PluginInspection& inspection) const {
                           "Name each plug-in once.");
     const PluginLibrary* const holder = findModule(inspection.module_name);
     const auto announced = VInitialization::plugins();
-    const bool is_announced =
-        std::any_of(announced.begin(), announced.end(),
-                    [&](const auto& plugin) { return plugin.name == inspection.module_name; });
+    const bool is_announced = std::any_of(announced.begin(), announced.end(), [&](const auto& plugin) {
+        return plugin.name == inspection.module_name;
+    });
     if (!holder && !is_announced)
         return;
     const auto where = holder ? ", loaded from \"" + holder->file().string() + "\"" : std::string();

@@ -52,9 +52,9 @@ public:
 
     /// Loads every *.so of the directories, directory by directory, in each one in alphabetical order. A file
     /// that is loaded already, from a directory listed twice or by a link, is passed over; so is, traced at
-    /// verbosity 1, a module that is loaded already: the first one found is the one that counts. Throws Error at
-    /// the first directory that can't be read and at the first plug-in that is refused; those before it stay
-    /// loaded.
+    /// verbosity 1, a module that is loaded already: the first one found is the one that counts. Throws Error
+    /// at the first directory that can't be read and at the first plug-in that is refused; those before it
+    /// stay loaded.
     void loadFrom(const std::vector<std::filesystem::path>& directories);
 
     /// In the order of loading.

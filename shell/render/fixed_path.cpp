@@ -21,7 +21,8 @@ int lightCount() {
     return count;
 }
 
-/// Brings the lights to the values that the OpenGL specification (version 2.1, table 6.9) gives them at first.
+/// Brings the lights to the values that the OpenGL specification (version 2.1, table 6.9) gives them at
+/// first.
 void resetLights() {
     constexpr FloatQuad black{0, 0, 0, 1}, white{1, 1, 1, 1}, toward_viewer{0, 0, 1, 0}, away{0, 0, -1, 0};
     glMatrixMode(GL_MODELVIEW);
@@ -46,9 +47,9 @@ void resetLights() {
     glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL, GL_SINGLE_COLOR);
 }
 
-/// OpenGL scales all of a light by its spot factor, which is 0 everywhere for a cut-off of 0: a light with that
-/// cut-off would not even give its ambient light. Such a light gets its due through the light model instead, and is
-/// off while the frame is drawn.
+/// OpenGL scales all of a light by its spot factor, which is 0 everywhere for a cut-off of 0: a light with
+/// that cut-off would not even give its ambient light. Such a light gets its due through the light model
+/// instead, and is off while the frame is drawn.
 void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
     GLfloat cutoff = 180;
     glGetLightfv(light, GL_SPOT_CUTOFF, &cutoff);

@@ -9,17 +9,17 @@ namespace korl {
 
 /// Draws with OpenGL's own lighting, which the lights set up.
 ///
-/// Every frame starts from OpenGL's default light state, since some lights leave values unset on purpose, with no
-/// ambient light of the light model, a local viewer, and normals made unit again.
+/// Every frame starts from OpenGL's default light state, since some lights leave values unset on purpose,
+/// with no ambient light of the light model, a local viewer, and normals made unit again.
 class FixedPath {
 public:
-    /// Has every object of the frame set up its fixed-function light, with the view matrix as the model-view matrix. The
-    /// light number goes on to the next light only when an object has enabled the current one. Objects past the
-    /// driver's number of lights are not called, and reported by name.
+    /// Has every object of the frame set up its fixed-function light, with the view matrix as the model-view
+    /// matrix. The light number goes on to the next light only when an object has enabled the current one.
+    /// Objects past the driver's number of lights are not called, and reported by name.
     void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports);
 
-    /// Draws the meshes under these lights, into the framebuffer and viewport that are current. Lighting is off
-    /// afterwards.
+    /// Draws the meshes under these lights, into the framebuffer and viewport that are current. Lighting is
+    /// off afterwards.
     void draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes);
 };
 

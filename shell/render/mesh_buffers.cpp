@@ -26,8 +26,8 @@ void setAttribute(GLuint location, const Buffer& buffer) {
 
 } // namespace
 
-MeshBuffers::MeshBuffers(const Mesh& mesh) :
-    my_index_count(static_cast<GLsizei>(mesh.triangles.size())), my_has_colors(!mesh.colors.empty()) {
+MeshBuffers::MeshBuffers(const Mesh& mesh)
+    : my_index_count(static_cast<GLsizei>(mesh.triangles.size())), my_has_colors(!mesh.colors.empty()) {
     upload(GL_ARRAY_BUFFER, my_positions, mesh.positions);
     upload(GL_ARRAY_BUFFER, my_normals, mesh.normals);
     upload(GL_ARRAY_BUFFER, my_colors, mesh.colors);
@@ -77,8 +77,9 @@ void MeshBuffers::draw() const {
 }
 
 const MeshBufferCache::Entries& MeshBufferCache::buffersOf(const Meshes& meshes) {
-    const bool unchanged = std::equal(my_entries.begin(), my_entries.end(), meshes.begin(), meshes.end(),
-                                      [](const auto& entry, const auto& mesh) { return entry.first == mesh; });
+    const bool unchanged =
+        std::equal(my_entries.begin(), my_entries.end(), meshes.begin(), meshes.end(),
+                   [](const auto& entry, const auto& mesh) { return entry.first == mesh; });
     if (unchanged)
         return my_entries;
     Entries entries;

@@ -44,8 +44,8 @@ void drawObjects(View& view, const Viewpoint& viewpoint) {
 
 } // namespace
 
-Renderer::Renderer(GLContext& context, Reports::Sink report) :
-    my_context(context), my_reports(std::move(report)) {}
+Renderer::Renderer(GLContext& context, Reports::Sink report)
+    : my_context(context), my_reports(std::move(report)) {}
 
 Image Renderer::render(const Scene& scene, View& view, const RenderSettings& settings) {
     my_context.makeCurrent();
@@ -53,8 +53,8 @@ Image Renderer::render(const Scene& scene, View& view, const RenderSettings& set
         my_target.reset(); // the old one's memory goes before the new one's comes
         my_target.emplace(settings.width, settings.height);
     }
-    const std::size_t size = std::size_t{4} * static_cast<std::size_t>(settings.width) *
-                             static_cast<std::size_t>(settings.height);
+    const std::size_t size =
+        std::size_t{4} * static_cast<std::size_t>(settings.width) * static_cast<std::size_t>(settings.height);
     Image image{settings.width, settings.height, std::vector<std::uint8_t>(size)};
     if (settings.path != RenderPath::both) {
         drawPath(settings.path, scene, view, image);
@@ -86,7 +86,8 @@ void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& 
     my_target->read(image.pixels);
     if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
         throw Error("OpenGL reports error " + std::to_string(problem) +
-                    " after the frame was drawn; a light or object of a module may have made a call that is not allowed");
+                    " after the frame was drawn; a light or object of a module may have made a call that is "
+                    "not allowed");
 }
 
 std::vector<std::string> Renderer::listUniforms(const Scene& scene, View& view) {

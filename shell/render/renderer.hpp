@@ -29,7 +29,8 @@ struct RenderSettings {
     RenderPath path = RenderPath::shader;
 };
 
-/// Draws scenes into images. The context that it was made with must be current whenever it is used or destroyed.
+/// Draws scenes into images. The context that it was made with must be current whenever it is used or
+/// destroyed.
 class Renderer {
 public:
     /// @param report takes what the user should know about the pictures, each thing once.
@@ -40,8 +41,8 @@ public:
     /// Throws Error for a size that the driver can't draw, and for a light that it can't compile.
     Image render(const Scene& scene, View& view, const RenderSettings& settings);
 
-    /// The uniform values that the lights of a frame have, a line for each: its name with its "$$", " = ", its
-    /// components. Nothing is drawn.
+    /// The uniform values that the lights of a frame have, a line for each: its name with its "$$", " = ",
+    /// its components. Nothing is drawn.
     std::vector<std::string> listUniforms(const Scene& scene, View& view);
 
     const ShaderPath& shaderPath() const noexcept { return my_shader_path; }

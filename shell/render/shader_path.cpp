@@ -18,9 +18,7 @@ constexpr std::size_t most_lineups = 1024;
 /// Keeps what a fixed-function light set-up may change, and brings it back.
 class SavedLightState {
 public:
-    SavedLightState() {
-        glPushAttrib(GL_LIGHTING_BIT | GL_ENABLE_BIT | GL_TRANSFORM_BIT);
-    }
+    SavedLightState() { glPushAttrib(GL_LIGHTING_BIT | GL_ENABLE_BIT | GL_TRANSFORM_BIT); }
     ~SavedLightState() { glPopAttrib(); }
     SavedLightState(const SavedLightState&) = delete;
     SavedLightState& operator=(const SavedLightState&) = delete;
@@ -106,7 +104,8 @@ void ShaderPath::uploadLights(const View& view, LightingProgram& lighting) {
             auto& uniforms = lighting.uniforms[i];
             auto uniform = uniforms.find(name);
             if (uniform == uniforms.end()) {
-                const GLint location = lighting.program.uniformLocation(applySuffix(name, lighting.suffixes[i]));
+                const GLint location =
+                    lighting.program.uniformLocation(applySuffix(name, lighting.suffixes[i]));
                 uniform = uniforms.emplace(name, Uniform{location, false, {}}).first;
             }
             Uniform& known = uniform->second;
@@ -114,8 +113,8 @@ void ShaderPath::uploadLights(const View& view, LightingProgram& lighting) {
                 continue; // the program does without it, or has it already
             uploadUniform(known.location, value);
             if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
-                throw Error("light \"" + view.ownerOf(i).Name() + "\": its uniform \"" + name + "\" = " +
-                            uniformText(value) + " is of another type than its snippet declares");
+                throw Error("light \"" + view.ownerOf(i).Name() + "\": its uniform \"" + name +
+                            "\" = " + uniformText(value) + " is of another type than its snippet declares");
             known.value = value;
             known.uploaded = true;
             ++my_upload_count;

@@ -21,12 +21,13 @@ AssembledShader assembleFrame(const View& view);
 
 /// Draws with the lights' GLSL snippets. Every light is evaluated per fragment, in scene space.
 ///
-/// A program is compiled when a combination of snippets comes up for the first time, and a uniform is uploaded when
-/// its value has changed since; a steady frame allocates nothing.
+/// A program is compiled when a combination of snippets comes up for the first time, and a uniform is
+/// uploaded when its value has changed since; a steady frame allocates nothing.
 class ShaderPath {
 public:
-    /// Has every light of the frame fill its uniforms: those that are no shader lights do it while they set up their
-    /// fixed-function light, and find light number 1 and OpenGL's light state as it was before for each of them.
+    /// Has every light of the frame fill its uniforms: those that are no shader lights do it while they set
+    /// up their fixed-function light, and find light number 1 and OpenGL's light state as it was before for
+    /// each of them.
     void fillUniforms(View& view, const Viewpoint& viewpoint);
 
     /// Draws the meshes under the lights of the frame, into the framebuffer and viewport that are current.
@@ -47,17 +48,20 @@ private:
     struct LightingProgram {
         Program program;
         GLint view, projection, eye, specular, shininess;
-        std::vector<std::string> suffixes;                             ///< one for each light source
-        std::vector<std::map<std::string, Uniform, std::less<>>> uniforms; ///< likewise, by name with its "$$"
+        std::vector<std::string> suffixes; ///< one for each light source
+        std::vector<std::map<std::string, Uniform, std::less<>>>
+            uniforms; ///< likewise, by name with its "$$"
     };
 
     LightingProgram& programFor(const View& view);
     void uploadLights(const View& view, LightingProgram& lighting);
 
-    std::map<std::string, std::unique_ptr<LightingProgram>> my_programs; ///< by the text of the fragment shader
-    std::map<std::vector<std::uint64_t>, LightingProgram*> my_lineups;  ///< by the serial numbers of the sources
-    std::unordered_map<std::uint64_t, std::string> my_snippets;         ///< by the serial number of the source
-    std::vector<std::uint64_t> my_serials; ///< of the frame; kept for its room
+    std::map<std::string, std::unique_ptr<LightingProgram>>
+        my_programs; ///< by the text of the fragment shader
+    std::map<std::vector<std::uint64_t>, LightingProgram*>
+        my_lineups;                                             ///< by the serial numbers of the sources
+    std::unordered_map<std::uint64_t, std::string> my_snippets; ///< by the serial number of the source
+    std::vector<std::uint64_t> my_serials;                      ///< of the frame; kept for its room
     std::size_t my_compile_count = 0;
     std::size_t my_upload_count = 0;
 };

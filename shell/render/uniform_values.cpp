@@ -21,7 +21,8 @@ using Orvid::Quadratic;
 using Qelt::RenderNamespace::UniformValue;
 using FloatPoint = Orvid::Coordinates<Orvid::Cartesian3D, float>::point;
 
-/// The numbers that a value is made of, in order, shown to `visit` as a span; for a sequence those of all elements.
+/// The numbers that a value is made of, in order, shown to `visit` as a span; for a sequence those of all
+/// elements.
 template <class Visit>
 auto withComponents(const UniformValue& value, Visit visit) {
     return std::visit(

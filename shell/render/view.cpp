@@ -8,8 +8,7 @@
 
 namespace korl {
 
-View::View() :
-    my_pool(Tessan::makeStrong<Qelt::ValuePool>()), my_request(my_pool), my_context(my_pool) {}
+View::View() : my_pool(Tessan::makeStrong<Qelt::ValuePool>()), my_request(my_pool), my_context(my_pool) {}
 
 void View::gatherMembers(const Scene& scene) {
     if (my_scene == &scene && my_scene_revision == scene.revision())
@@ -31,7 +30,8 @@ void View::beginFrame(const Scene& scene, double time) {
     my_context.beginRendering();
     for (const Member& member : my_members)
         if (member.object->processesRequests() && !member.object->request(my_request, time))
-            throw Error("\"" + member.object->Name() + "\" could not be brought up to date for the rendering");
+            throw Error("\"" + member.object->Name() +
+                        "\" could not be brought up to date for the rendering");
     for (Member& member : my_members) {
         member.first_source = my_context.enabledLightSources().size();
         member.object->illuminate(my_context);

@@ -32,11 +32,12 @@ public:
     const Qelt::VRenderContext& context() const noexcept { return my_context; }
     Qelt::ValuePool& pool() const noexcept { return my_context.pool(); }
 
-    /// Begins a frame: brings the scene's objects up to date and has the lights hand in their light sources, in the
-    /// order of their priority, then of their creation.
+    /// Begins a frame: brings the scene's objects up to date and has the lights hand in their light sources,
+    /// in the order of their priority, then of their creation.
     void beginFrame(const Scene& scene, double time);
 
-    /// Has the shader lights fill their uniforms. Comes after `environment_render`, where the other lights may fill theirs.
+    /// Has the shader lights fill their uniforms. Comes after `environment_render`, where the other lights
+    /// may fill theirs.
     void fillUniforms();
 
     /// Lets go of the frame's objects and light sources.

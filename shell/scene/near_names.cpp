@@ -47,7 +47,8 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
             nearest = &known[i];
         }
     }
-    list += known.size() > longest_list ? ", and " + std::to_string(known.size() - longest_list) + " more." : ".";
+    list +=
+        known.size() > longest_list ? ", and " + std::to_string(known.size() - longest_list) + " more." : ".";
     return nearest ? "did you mean \"" + *nearest + "\"? T" + list : "t" + list;
 }
 

@@ -63,7 +63,8 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
                     nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
     }
     if (!name.empty() && find(name))
-        throw Error("cannot create \"" + name + "\" as " + type + ": the scene already has an object of this name");
+        throw Error("cannot create \"" + name + "\" as " + type +
+                    ": the scene already has an object of this name");
     const auto taken = [&](const std::string& candidate) { return find(candidate) != nullptr; };
     return *creator->create(name.empty() ? creator->createChildname(taken) : name, this).get();
 }

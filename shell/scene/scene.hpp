@@ -20,8 +20,8 @@ namespace korl {
 
 /// What is to be seen and what lights it: objects by name, meshes, a camera and a background.
 ///
-/// The scene owns its objects. An object that is deleted by others, as happens when its module is unloaded, leaves the
-/// scene by itself. All operations belong to the thread that renders.
+/// The scene owns its objects. An object that is deleted by others, as happens when its module is unloaded,
+/// leaves the scene by itself. All operations belong to the thread that renders.
 class Scene : private Qelt::VContext, private Qelt::VActionNotifier {
 public:
     Scene();
@@ -42,8 +42,8 @@ public:
     void remove(const std::string& name);
 
     /// Sets the global value of an object's parameter from its text form.
-    /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and for
-    /// numbers that are not finite; nothing is changed then.
+    /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and
+    /// for numbers that are not finite; nothing is changed then.
     void setParameter(const std::string& object, const std::string& parameter, const std::string& text);
 
     /// The living objects, in the order of their creation.

@@ -42,7 +42,8 @@ public:
         if (root.contains("camera"))
             readCamera(root["camera"], "/camera");
         forEach(root, "meshes", [&](const json& mesh, const std::string& where) { readMesh(mesh, where); });
-        forEach(root, "objects", [&](const json& object, const std::string& where) { readObject(object, where); });
+        forEach(root, "objects",
+                [&](const json& object, const std::string& where) { readObject(object, where); });
     }
 
 private:
@@ -60,7 +61,8 @@ private:
         }
     }
 
-    void requireObject(const json& value, const std::string& where, const std::vector<std::string>& keys) const {
+    void requireObject(const json& value, const std::string& where,
+                       const std::vector<std::string>& keys) const {
         if (!value.is_object())
             fail(where, "expected an object in braces, found " + std::string(value.type_name()));
         for (const auto& [key, ignored] : value.items())
@@ -156,7 +158,8 @@ void readSceneFile(const std::filesystem::path& file, Scene& scene) {
                                                             : ": there is no such file; check the path"));
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
-        throw Error("cannot read the scene " + file.string() + ": it may not be opened; check its permissions");
+        throw Error("cannot read the scene " + file.string() +
+                    ": it may not be opened; check its permissions");
     json root;
     try {
         root = json::parse(stream);

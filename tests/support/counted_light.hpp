@@ -12,8 +12,9 @@ namespace korl::test {
 /// A shader light of the tests' own: a snippet given at its making, and one uniform.
 class CountedLight : public Qelt::ShaderLightSource {
 public:
-    explicit CountedLight(const std::string& name, std::string snippet_text = "void getLight_$$() {}", int priority = 0) :
-        ShaderLightSource(name, priority, {}), text(std::move(snippet_text)) {
+    explicit CountedLight(const std::string& name, std::string snippet_text = "void getLight_$$() {}",
+                          int priority = 0)
+        : ShaderLightSource(name, priority, {}), text(std::move(snippet_text)) {
         enableRequestProcessing();
     }
 

@@ -43,8 +43,8 @@ class SetUpLight : public Qelt::VLightSource {
 public:
     using SetUp = std::function<void(Qelt::VRenderContext&)>;
 
-    SetUpLight(const std::string& name, const Qelt::VCreationPreferences& preferences) :
-        VLightSource(name, 0, preferences) {}
+    SetUpLight(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : VLightSource(name, 0, preferences) {}
 
     bool environment_render(Qelt::VRenderContext& context) const override {
         if (set_up)
@@ -59,8 +59,8 @@ public:
 /// A shader light that shines straight down.
 class DownwardLight : public CountedLight {
 public:
-    DownwardLight(const std::string& name, const Qelt::VCreationPreferences&) :
-        CountedLight(name, downward_snippet) {}
+    DownwardLight(const std::string& name, const Qelt::VCreationPreferences&)
+        : CountedLight(name, downward_snippet) {}
 };
 
 /// Creators of these lights, as a module would register them.

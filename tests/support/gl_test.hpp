@@ -22,8 +22,9 @@ protected:
     void TearDown() override;
 };
 
-/// While one of these lives, the driver's errors are collected instead of failing the test. None has to come: drivers
-/// differ in whether they call a shader that they refuse an error of OpenGL's. Clears glGetError at its end.
+/// While one of these lives, the driver's errors are collected instead of failing the test. None has to come:
+/// drivers differ in whether they call a shader that they refuse an error of OpenGL's. Clears glGetError at
+/// its end.
 class ToleratedGLErrors {
 public:
     ToleratedGLErrors();

@@ -17,9 +17,9 @@ class ModuleLight {
 public:
     using LightSource = Qelt::RenderNamespace::LightSource;
 
-    explicit ModuleLight(const std::string& type) :
-        my_object(Qelt::VCreatorBase::find(type)->create("light")),
-        light(dynamic_cast<Qelt::RenderAble&>(*my_object.get())) {}
+    explicit ModuleLight(const std::string& type)
+        : my_object(Qelt::VCreatorBase::find(type)->create("light")),
+          light(dynamic_cast<Qelt::RenderAble&>(*my_object.get())) {}
 
     /// The light source of the first or the other context after a frame in it, its uniforms filled.
     LightSource& source() { return sourceAfterFrame(context, pool); }
@@ -34,7 +34,8 @@ public:
     Qelt::VParameter& parameter(const std::string& name) { return *light.findParameter(name); }
 
 private:
-    LightSource& sourceAfterFrame(Qelt::VRenderContext& in, const Tessan::StrongPtr<Qelt::ValuePool>& values) {
+    LightSource& sourceAfterFrame(Qelt::VRenderContext& in,
+                                  const Tessan::StrongPtr<Qelt::ValuePool>& values) {
         Qelt::VRequest request(values);
         in.beginRendering();
         EXPECT_TRUE(light.request(request, 0));

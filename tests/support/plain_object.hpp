@@ -22,8 +22,8 @@ inline void acknowledgeSlotCreators() {
 /// An object with a parameter of each of the four value types.
 class PlainObject : public Qelt::VObject {
 public:
-    explicit PlainObject(const std::string& name, const Qelt::VCreationPreferences& preferences = {}) :
-        VObject(name, 0, preferences) {
+    explicit PlainObject(const std::string& name, const Qelt::VCreationPreferences& preferences = {})
+        : VObject(name, 0, preferences) {
         acknowledgeSlotCreators();
     }
 

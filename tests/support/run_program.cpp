@@ -42,7 +42,8 @@ ProgramResult runProgram(const std::filesystem::path& program, const std::vector
     }
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(output), contentOf(errors)};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(output),
+            contentOf(errors)};
 }
 
 TemporaryFolder::TemporaryFolder() {

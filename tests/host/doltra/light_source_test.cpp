@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <set>
 #include <stdexcept>
 #include <thread>
-#include <set>
 
 namespace {
 
@@ -61,7 +61,8 @@ TEST(ShaderLightSource, KeepsOneLightSourceForEachContext) {
     ASSERT_EQ(first.enabledLightSources().size(), 2u);
     EXPECT_EQ(first.enabledLightSources()[0], first.enabledLightSources()[1]);
     EXPECT_FALSE(first.enabledLightSources()[0] == second.enabledLightSources()[0]);
-    EXPECT_NE(first.enabledLightSources()[0]->serialNumber(), second.enabledLightSources()[0]->serialNumber());
+    EXPECT_NE(first.enabledLightSources()[0]->serialNumber(),
+              second.enabledLightSources()[0]->serialNumber());
     EXPECT_EQ(light.snippets_fetched, 2); // once for each
     EXPECT_EQ(first.enabledLightSources()[0]->snippet(), light.text);
 }
@@ -84,8 +85,8 @@ TEST(ShaderLightSource, FillsTheUniformsAtRendering) {
     EXPECT_EQ(std::get<float>(uniforms.at("Strength$$")), 1);
 }
 
-/// The place of a virtual operation in the virtual table, as the Itanium C++ ABI (2.3) writes it into a pointer to
-/// a virtual member: one plus its offset in bytes.
+/// The place of a virtual operation in the virtual table, as the Itanium C++ ABI (2.3) writes it into a
+/// pointer to a virtual member: one plus its offset in bytes.
 template <class Member>
 std::ptrdiff_t placeOf(Member member) {
     std::ptrdiff_t place = 0;
@@ -96,8 +97,8 @@ std::ptrdiff_t placeOf(Member member) {
 TEST(ShaderLightSource, VirtualOperationsStandInTheirOrder) {
     const std::ptrdiff_t update = placeOf(&ShaderLightSource::update);
     const std::ptrdiff_t illuminate = placeOf(&RenderAble::illuminate);
-    const std::ptrdiff_t environment_render = placeOf(
-        static_cast<bool (RenderAble::*)(VRenderContext&) const>(&RenderAble::environment_render));
+    const std::ptrdiff_t environment_render =
+        placeOf(static_cast<bool (RenderAble::*)(VRenderContext&) const>(&RenderAble::environment_render));
     const std::ptrdiff_t new_state = placeOf(&ShaderLightSource::newState);
     const std::ptrdiff_t snippet = placeOf(&ShaderLightSource::lightSnippet);
     const std::ptrdiff_t fill = placeOf(&ShaderLightSource::fillUniforms);

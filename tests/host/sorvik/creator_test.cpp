@@ -83,10 +83,12 @@ TEST(Creator, StandsInTheCatalogueByNumberWhileItLives) {
 
 class BareCreator final : public VCreatorBase {
 public:
-    BareCreator(bool hidden, const char* version_key) :
-        VCreatorBase("Bare", 0, VCreationPreferences(), hidden, version_key) {}
+    BareCreator(bool hidden, const char* version_key)
+        : VCreatorBase("Bare", 0, VCreationPreferences(), hidden, version_key) {}
     const std::type_info& type() const noexcept override { return typeid(PlainObject); }
-    StrongPtr<VObject> create(const std::string&, VContext*, const VCreationPreferences&) override { return {}; }
+    StrongPtr<VObject> create(const std::string&, VContext*, const VCreationPreferences&) override {
+        return {};
+    }
 };
 
 TEST(Creator, HiddenOneIsFoundButNotListed) {
@@ -101,7 +103,8 @@ TEST(Creator, OneForAnotherInterfaceStaysOut) {
                           const BareCreator creator(false, "OTHER_VERSION");
                           EXPECT_EQ(VCreatorBase::find("Bare"), nullptr);
                       }),
-              "VCreatorBase: Bare is built for the interface OTHER_VERSION, not for KORL_API_VERSION, and stays out "
+              "VCreatorBase: Bare is built for the interface OTHER_VERSION, not for KORL_API_VERSION, and "
+              "stays out "
               "of the catalogue\n");
 }
 
@@ -151,7 +154,8 @@ TEST(Creator, ObjectsCanBeCopied) {
 
 TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
     struct Listener : VActionNotifier {
-        void objectCreated(const StrongPtr<VObject>& object, VContext* context, VCreatorBase& creator) override {
+        void objectCreated(const StrongPtr<VObject>& object, VContext* context,
+                           VCreatorBase& creator) override {
             heard.emplace_back(object->Name() + " by " + creator.Name(), context);
         }
         std::vector<std::pair<std::string, VContext*>> heard;

@@ -18,11 +18,10 @@ using Qelt::VRequest;
 using Tessan::StrongPtr;
 using testing::ElementsAre;
 
-const AcceptList all_inputs{
-    {"strength", "double"},
-    {"tint", "Orvid::rgba_float_t"},
-    {"place", "Orvid::Coordinates<Orvid::Cartesian3D, double>::point"},
-    {"way", "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector"}};
+const AcceptList all_inputs{{"strength", "double"},
+                            {"tint", "Orvid::rgba_float_t"},
+                            {"place", "Orvid::Coordinates<Orvid::Cartesian3D, double>::point"},
+                            {"way", "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector"}};
 
 TEST(Object, BaseHasNoIconsNoHelpAndNoKey) {
     const PlainObject object("o");

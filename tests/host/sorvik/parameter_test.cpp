@@ -159,7 +159,8 @@ TEST(Parameter, CannotBeReadOnceItsSourceHasGone) {
 }
 
 TEST(Parameter, RefusesSourcesOfAnotherTypeAndCircles) {
-    const StrongPtr<VParameter> a(new VValueParameter<double>(1, "a")), b(new VValueParameter<double>(2, "b"));
+    const StrongPtr<VParameter> a(new VValueParameter<double>(1, "a")),
+        b(new VValueParameter<double>(2, "b"));
     EXPECT_FALSE(a->setSource(StrongPtr<VParameter>(new VValueParameter<rgba_float_t>({}, "color"))));
     EXPECT_FALSE(a->setSource(a));
     EXPECT_TRUE(a->setSource(b));

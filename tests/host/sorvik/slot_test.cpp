@@ -47,8 +47,9 @@ TEST(TypedSlot, ParameterOfAnotherTypeIsReported) {
     korl::test::HeardReports heard;
     const TypedSlot<double> clash(&object, "tint", 1.0, 0);
     EXPECT_EQ(clash.parameter(), nullptr);
-    EXPECT_THAT(heard.places,
-                ElementsAre("TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel"));
+    EXPECT_THAT(
+        heard.places,
+        ElementsAre("TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel"));
     EXPECT_THAT(heard.messages, ElementsAre("parameter \"tint\" is no double but a Orvid::rgba_float_t"));
     EXPECT_EQ(object.findParameter("tint")->type(), typeid(rgba_float_t));
 }

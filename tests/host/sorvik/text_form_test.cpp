@@ -49,7 +49,8 @@ TEST(DoubleText, InfinitiesAndNotANumberRoundTrip) {
 }
 
 TEST(DoubleText, MalformedTextIsRefusedAndChangesNothing) {
-    for (const char* const text : {"", " ", "x", "1x", "1 2", "1,5", "--1", "+1", "0x10", "1e", "1e400", "1e-400", "1 x"}) {
+    for (const char* const text :
+         {"", " ", "x", "1x", "1 2", "1,5", "--1", "+1", "0x10", "1e", "1e400", "1e-400", "1 x"}) {
         double value = 42;
         EXPECT_FALSE(VValueTrait<double>::setValueFromText(value, text)) << text;
         EXPECT_EQ(value, 42) << text;
@@ -86,7 +87,8 @@ TEST(ColorText, RoundTripsRandomBits) {
 }
 
 TEST(ColorText, MalformedTextIsRefusedAndChangesNothing) {
-    for (const char* const text : {"", "1", "1 1 1", "1 1 1 1 1", "1 1 1 red", "1e39 0 0 1", "#ffffff", "1,1,1,1"}) {
+    for (const char* const text :
+         {"", "1", "1 1 1", "1 1 1 1 1", "1 1 1 red", "1e39 0 0 1", "#ffffff", "1,1,1,1"}) {
         rgba_float_t color{1, 2, 3, 4};
         EXPECT_FALSE(VValueTrait<rgba_float_t>::setValueFromText(color, text)) << text;
         EXPECT_EQ(color, (rgba_float_t{1, 2, 3, 4})) << text;

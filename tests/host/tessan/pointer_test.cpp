@@ -94,7 +94,8 @@ TEST(StrongPtr, DereferencingNothingIsReported) {
     EXPECT_EQ(empty.operator->(), nullptr);
     EXPECT_EQ(empty.get(), nullptr); // asking is no misuse
     EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
-    EXPECT_THAT(heard.messages, ElementsAre(testing::HasSubstr("::Thing was dereferenced, but its object is gone")));
+    EXPECT_THAT(heard.messages,
+                ElementsAre(testing::HasSubstr("::Thing was dereferenced, but its object is gone")));
 }
 
 TEST(StrongPtr, LearnsThatItsObjectWasDeleted) {
@@ -131,7 +132,8 @@ TEST(StrongPtr, TakingOneDuringDestructionIsReported) {
     auto* const thing = new Thing;
     thing->at_death = [&](Thing& dying) { const StrongPtr<Thing> late(&dying); };
     { const StrongPtr<Thing> pointer(thing); }
-    EXPECT_THAT(heard.places, ElementsAre("WarningUnctionChange", "WarningUnctionChange")); // taken, and released
+    EXPECT_THAT(heard.places,
+                ElementsAre("WarningUnctionChange", "WarningUnctionChange")); // taken, and released
 }
 
 TEST(StrongPtr, WeakPointerDoesNotLockDuringDestruction) {

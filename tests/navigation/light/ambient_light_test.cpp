@@ -151,7 +151,9 @@ TEST_F(AmbientLight, FallsBackWhereTheColorIsComputedNotHeld) {
 }
 
 TEST_F(AmbientLight, EachContextHasItsOwnLightSource) {
-    ambient.parameter("Color").getLocalValue(*ambient.other_pool.get(), "", true)->setValueFromText("0 0 1 1");
+    ambient.parameter("Color")
+        .getLocalValue(*ambient.other_pool.get(), "", true)
+        ->setValueFromText("0 0 1 1");
     auto& source = ambient.source();
     auto& other = ambient.otherSource();
     EXPECT_NE(&source, &other);

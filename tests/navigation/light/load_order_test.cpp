@@ -1,5 +1,5 @@
-// What the module asks of the shell at load and unload, call by call. The functions of the shell that are defined here
-// stand before those of its libraries, write down that they were called, and do nothing else.
+// What the module asks of the shell at load and unload, call by call. The functions of the shell that are
+// defined here stand before those of its libraries, write down that they were called, and do nothing else.
 
 #include "tests/support/loaded_module.hpp"
 

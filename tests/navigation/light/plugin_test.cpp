@@ -36,7 +36,8 @@ std::vector<std::string> announced() {
 }
 
 TEST(Module, ExportsItsEntryPointAlone) {
-    const std::string command = std::string(NM_PROGRAM) + " -D --defined-only --format=posix " + TOVEK_LIGHT_MODULE;
+    const std::string command =
+        std::string(NM_PROGRAM) + " -D --defined-only --format=posix " + TOVEK_LIGHT_MODULE;
     const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
     ASSERT_TRUE(output);
     std::vector<std::string> names;
@@ -76,7 +77,8 @@ TEST(Module, AnnouncesItself) {
 }
 
 TEST(Module, TracesItsCreatorsAtLoad) {
-    EXPECT_EQ(traceOf(100, [] { const LoadedModule module; }), "VCreator::VCreator(Scenery/AmbientLight,0)\n");
+    EXPECT_EQ(traceOf(100, [] { const LoadedModule module; }),
+              "VCreator::VCreator(Scenery/AmbientLight,0)\n");
     EXPECT_EQ(traceOf(99, [] { const LoadedModule module; }), "");
 }
 

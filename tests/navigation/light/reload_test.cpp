@@ -15,7 +15,8 @@ using korl::test::LoadedModule;
 using Qelt::VCreatorBase;
 using Tessan::StrongPtr;
 
-/// The memory of this process that is in use, in bytes: what the allocator has handed out, and what is resident.
+/// The memory of this process that is in use, in bytes: what the allocator has handed out, and what is
+/// resident.
 struct MemoryInUse {
     std::size_t allocated = mallinfo2().uordblks;
     std::size_t resident = [] {
@@ -45,8 +46,8 @@ TEST(Reload, ProcessDoesNotGrow) {
     for (int i = 100; i < 1000; ++i)
         useModuleOnce();
     const MemoryInUse end;
-    // What the allocator keeps at hand counts as allocated and varies a little with the addresses. The smallest
-    // thing lost each time would make 900 blocks of 32 bytes.
+    // What the allocator keeps at hand counts as allocated and varies a little with the addresses. The
+    // smallest thing lost each time would make 900 blocks of 32 bytes.
     EXPECT_LT(end.allocated, settled.allocated + 900 * 32 / 2);
     EXPECT_LE(end.resident, settled.resident + 4 * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)));
     EXPECT_FALSE(LoadedModule::isInProcess());

@@ -3,8 +3,8 @@
 #include "tests/support/run_program.hpp"
 
 #include <algorithm>
-#include <filesystem>
 #include <fcntl.h>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -20,7 +20,8 @@ const std::string usage_hint = "\nRun with --help for more information.";
 
 class BadInput : public testing::Test {
 protected:
-    /// Runs korl with words in which "DIR" stands for the test's folder and "BROKEN" for that of broken plug-ins.
+    /// Runs korl with words in which "DIR" stands for the test's folder and "BROKEN" for that of broken
+    /// plug-ins.
     ProgramResult korl(std::vector<std::string> arguments) {
         for (std::string& argument : arguments)
             replacePlaceholders(argument);
@@ -51,19 +52,24 @@ protected:
 TEST_F(BadInput, PlugIns) {
     folder.write("text.so", "hello\n");
     folder.write("empty.so", "");
-    expectError({"types", "--plugin", "DIR/nowhere.so"}, 1,
-                "cannot load the plug-in \"DIR/nowhere.so\": expected a plug-in library, found no such file.\n"
-                "Check the path.");
-    expectError({"types", "--plugin", "DIR/text.so"}, 1,
-                "cannot load the plug-in \"DIR/text.so\": expected a plug-in library, found a file of another kind, which "
-                "doesn't begin as ELF files do.\nName the shared library itself; its name mostly ends in .so.");
+    expectError(
+        {"types", "--plugin", "DIR/nowhere.so"}, 1,
+        "cannot load the plug-in \"DIR/nowhere.so\": expected a plug-in library, found no such file.\n"
+        "Check the path.");
+    expectError(
+        {"types", "--plugin", "DIR/text.so"}, 1,
+        "cannot load the plug-in \"DIR/text.so\": expected a plug-in library, found a file of another kind, "
+        "which "
+        "doesn't begin as ELF files do.\nName the shared library itself; its name mostly ends in .so.");
     expectError({"types", "--plugin", "DIR/empty.so"}, 1,
                 "cannot load the plug-in \"DIR/empty.so\": expected a plug-in library, found an empty file.\n"
                 "Build the plug-in again, or copy it again.");
-    expectError({"types", "--plugin", "BROKEN/other_interface_version.so"}, 1,
-                "cannot load the plug-in \"BROKEN/other_interface_version.so\": expected interface version 2026_JAN_22, "
-                "found version 2025_MAR_03 (KORL_API_2025_MAR_03__elder).\nBuild the plug-in against this program's "
-                "headers.");
+    expectError(
+        {"types", "--plugin", "BROKEN/other_interface_version.so"}, 1,
+        "cannot load the plug-in \"BROKEN/other_interface_version.so\": expected interface version "
+        "2026_JAN_22, "
+        "found version 2025_MAR_03 (KORL_API_2025_MAR_03__elder).\nBuild the plug-in against this program's "
+        "headers.");
 }
 
 TEST_F(BadInput, Models) {
@@ -73,13 +79,16 @@ TEST_F(BadInput, Models) {
     expectError({"render", "--light", "AmbientLight", "--model", "DIR/nowhere.obj"}, 1,
                 "cannot read the model DIR/nowhere.obj: there is no such file; check the path");
     expectError({"render", "--light", "AmbientLight", "--model", "DIR/notes.txt"}, 1,
-                "cannot read the model DIR/notes.txt: a .txt file is no model that can be read; those that can are .obj, "
+                "cannot read the model DIR/notes.txt: a .txt file is no model that can be read; those that "
+                "can are .obj, "
                 ".ply, .stl, .gltf, .glb, .3ds");
-    expectError({"render", "--light", "AmbientLight", "--model", "DIR/truncated.ply"}, 1,
-                "cannot read the model DIR/truncated.ply: it is damaged or truncated: its header is incomplete");
+    expectError(
+        {"render", "--light", "AmbientLight", "--model", "DIR/truncated.ply"}, 1,
+        "cannot read the model DIR/truncated.ply: it is damaged or truncated: its header is incomplete");
     const ProgramResult empty = korl({"render", "--model", "DIR/empty.obj"});
     EXPECT_EQ(empty.exit_code, 1);
-    EXPECT_THAT(empty.errors, StartsWith("korl: cannot read the model " + (folder / "empty.obj").string() + ": "));
+    EXPECT_THAT(empty.errors,
+                StartsWith("korl: cannot read the model " + (folder / "empty.obj").string() + ": "));
 }
 
 TEST_F(BadInput, TypesObjectsAndParameters) {
@@ -92,10 +101,12 @@ TEST_F(BadInput, TypesObjectsAndParameters) {
                 "unknown object \"lmap\": did you mean \"lamp\"? There are: lamp.");
     expectError({"render", "--light", "AmbientLight:a", "--set", "a.colour=1 1 1 1"}, 1,
                 "unknown parameter \"a.colour\": did you mean \"Color\"? There are: Color.");
-    for (const char* const value : {"red", "0.5", "1 1 1", "1 1 1 1 1"}) // the second is a value of another type
-        expectError({"render", "--light", "AmbientLight:a", "--set", std::string("a.Color=") + value}, 1,
-                    std::string("\"a.Color\" takes a color, four numbers \"red green blue alpha\", found \"") + value +
-                        "\"; it keeps \"1 1 1 1\"");
+    for (const char* const value :
+         {"red", "0.5", "1 1 1", "1 1 1 1 1"}) // the second is a value of another type
+        expectError(
+            {"render", "--light", "AmbientLight:a", "--set", std::string("a.Color=") + value}, 1,
+            std::string("\"a.Color\" takes a color, four numbers \"red green blue alpha\", found \"") +
+                value + "\"; it keeps \"1 1 1 1\"");
     expectError({"render", "--light", "AmbientLight:a", "--set", "a.Color=0 0 inf 1"}, 1,
                 "\"a.Color\" takes finite numbers, found \"0 0 inf 1\"; it keeps \"1 1 1 1\"");
 }
@@ -103,7 +114,8 @@ TEST_F(BadInput, TypesObjectsAndParameters) {
 TEST_F(BadInput, WrongUsage) {
     const std::string light = "--light takes TYPE or TYPE:NAME, found \"";
     const std::string set = "--set takes NAME.PARAM=VALUE such as \"sun.latitude=52\", found \"";
-    const std::string size = "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
+    const std::string size =
+        "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
     expectError({}, 2, "no command was given; there are types, describe, render and shader" + usage_hint);
     expectError({"frobnicate"}, 2, "The following argument was not expected: frobnicate" + usage_hint);
     expectError({"render", "--frob"}, 2, "The following argument was not expected: --frob" + usage_hint);
@@ -112,14 +124,18 @@ TEST_F(BadInput, WrongUsage) {
     expectError({"render", "--light", "AmbientLight:"}, 2, light + "AmbientLight:\"" + usage_hint);
     for (const std::string wrong : {"x", "a.b", "=1", ".b=1", "a.=1", "a=1"})
         expectError({"render", "--set", wrong}, 2, set + wrong + "\"" + usage_hint);
-    for (const std::string wrong : {"0x0", "640", "640x", "x480", "-640x480", "640x480x3", "640X480", "1e3x10",
-                                    "99999999999x1"})
+    for (const std::string wrong :
+         {"0x0", "640", "640x", "x480", "-640x480", "640x480x3", "640X480", "1e3x10", "99999999999x1"})
         expectError({"render", "--size=" + wrong}, 2, size + wrong + "\"" + usage_hint);
-    expectError({"render", "--path", "sideways"}, 2, "--path: sideways not in {shader,fixed,both}" + usage_hint);
-    expectError({"render", "--model-up", "w"}, 2, "--model-up: \"w\" is no axis of a model; there are x, y and z" + usage_hint);
-    expectError({"render", "--camera", "0 0"}, 2, "--camera takes three numbers \"x y z\", found \"0 0\"" + usage_hint);
+    expectError({"render", "--path", "sideways"}, 2,
+                "--path: sideways not in {shader,fixed,both}" + usage_hint);
+    expectError({"render", "--model-up", "w"}, 2,
+                "--model-up: \"w\" is no axis of a model; there are x, y and z" + usage_hint);
+    expectError({"render", "--camera", "0 0"}, 2,
+                "--camera takes three numbers \"x y z\", found \"0 0\"" + usage_hint);
     expectError({"render", "--background", "red"}, 2,
-                "--background: \"red\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to "
+                "--background: \"red\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
+                "numbers from 0 to "
                 "1 such as \"0.1 0.1 0.12\"" +
                     usage_hint);
 }
@@ -128,25 +144,30 @@ TEST_F(BadInput, Cameras) {
     expectError({"render", "--light", "AmbientLight", "--fov", "200"}, 1,
                 "the camera's field of view is 200 degrees, expected more than 0 and less than 180");
     expectError({"render", "--light", "AmbientLight", "--camera", "0 0 0", "--target", "0 0 0"}, 1,
-                "the camera's position and target are both \"0 0 0\", so that it has no line of sight; move one of them");
+                "the camera's position and target are both \"0 0 0\", so that it has no line of sight; move "
+                "one of them");
 }
 
 TEST_F(BadInput, Scenes) {
-    folder.write("scene.json", R"({"korl": 1, "objects": [{"type": "AmbientLight", "parameters": {"Color": "red"}}]})");
+    folder.write("scene.json",
+                 R"({"korl": 1, "objects": [{"type": "AmbientLight", "parameters": {"Color": "red"}}]})");
     expectError({"render", "DIR/nowhere.json"}, 1,
                 "cannot read the scene DIR/nowhere.json: there is no such file; check the path");
     expectError({"render", "DIR/scene.json"}, 1,
-                "DIR/scene.json: /objects/0/parameters/Color: \"AmbientLight.Color\" takes a color, four numbers \"red "
+                "DIR/scene.json: /objects/0/parameters/Color: \"AmbientLight.Color\" takes a color, four "
+                "numbers \"red "
                 "green blue alpha\", found \"red\"; it keeps \"1 1 1 1\"");
 }
 
 class BadInputGLTest : public BadInput {};
 
 TEST_F(BadInputGLTest, SizesBeyondTheDriversLimit) {
-    const ProgramResult result = korl({"render", "--light", "AmbientLight", "--size", "1000000x10", "-o", "DIR/x.png"});
+    const ProgramResult result =
+        korl({"render", "--light", "AmbientLight", "--size", "1000000x10", "-o", "DIR/x.png"});
     EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.errors,
-                StartsWith("korl: a picture of 1000000 x 10 pixels was asked for, but this driver draws at most "));
+    EXPECT_THAT(
+        result.errors,
+        StartsWith("korl: a picture of 1000000 x 10 pixels was asked for, but this driver draws at most "));
     EXPECT_FALSE(std::filesystem::exists(folder / "x.png"));
 }
 
@@ -155,7 +176,8 @@ TEST_F(BadInputGLTest, OutputThatCannotBeWritten) {
                 "cannot write DIR/nowhere/x.png: the folder DIR/nowhere does not exist; make it first");
     expectError({"render", "--light", "AmbientLight", "--size", "8x8", "-o", "DIR"}, 1,
                 "cannot write DIR: it is a directory; give the name of a file");
-    const ProgramResult full = korl({"render", "--light", "AmbientLight", "--size", "8x8", "-o", "/dev/full"});
+    const ProgramResult full =
+        korl({"render", "--light", "AmbientLight", "--size", "8x8", "-o", "/dev/full"});
     EXPECT_EQ(full.exit_code, 1);
     EXPECT_THAT(full.errors, StartsWith("korl: cannot write /dev/full: "));
 }

@@ -48,10 +48,12 @@ int count(const Image& image, const Pixel& color, bool right = false) {
 TEST(KorlProgram, TypesListsTheCatalogue) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"types"});
     EXPECT_EQ(result.exit_code, 0);
-    EXPECT_THAT(result.output,
-                MatchesRegex("NAME          CATEGORY  NUMBER  DATE         ICON  DESCRIPTION\n"
-                             "AmbientLight  Scenery   0       [A-Z][a-z][a-z] [ 0-9][0-9] [0-9][0-9][0-9][0-9]  -     A "
-                             "light source that lights everything\\.\n"));
+    EXPECT_THAT(
+        result.output,
+        MatchesRegex(
+            "NAME          CATEGORY  NUMBER  DATE         ICON  DESCRIPTION\n"
+            "AmbientLight  Scenery   0       [A-Z][a-z][a-z] [ 0-9][0-9] [0-9][0-9][0-9][0-9]  -     A "
+            "light source that lights everything\\.\n"));
     EXPECT_EQ(result.errors, "");
 }
 
@@ -64,11 +66,12 @@ TEST(KorlProgram, DescribeListsTheParameters) {
 }
 
 TEST(KorlProgram, ShaderHoldsTheSnippetByteForByte) {
-    const std::string snippet = "\n\nuniform vec4 AmbientIntensity$$         = vec4(1,1,1,1);\n\n//\n// AmbientLight\n//\n"
-                                "void\tgetLight_$$(in vec3 vertex,\n\t\t    out vec3 light_incidence,\n"
-                                "\t\t    out vec3 intensity,\n\t\t    out vec3 specular_intensity\n\t\t    )\n\n{\n"
-                                "\tlight_incidence = vec3(0,0,0);\n\tintensity = AmbientIntensity$$.rgb;\n"
-                                "\tspecular_intensity = vec3(0,0,0);\n}\n\n";
+    const std::string snippet =
+        "\n\nuniform vec4 AmbientIntensity$$         = vec4(1,1,1,1);\n\n//\n// AmbientLight\n//\n"
+        "void\tgetLight_$$(in vec3 vertex,\n\t\t    out vec3 light_incidence,\n"
+        "\t\t    out vec3 intensity,\n\t\t    out vec3 specular_intensity\n\t\t    )\n\n{\n"
+        "\tlight_incidence = vec3(0,0,0);\n\tintensity = AmbientIntensity$$.rgb;\n"
+        "\tspecular_intensity = vec3(0,0,0);\n}\n\n";
     ASSERT_EQ(snippet.size(), 325u);
     std::string expected = snippet;
     for (std::size_t at; (at = expected.find("$$")) != std::string::npos;)
@@ -82,15 +85,17 @@ TEST(KorlProgram, TracesAtTheVerbosityAskedFor) {
     const auto output = [](const std::string& level) {
         return runProgram(KORL_PROGRAM, {"shader", "--verbose", level, "--light", "AmbientLight:a"}).output;
     };
-    EXPECT_THAT(output("100"), testing::StartsWith("VCreator::VCreator(Scenery/AmbientLight,0)\n"
-                                                   "VCreator::create(a)\nVCreator::create(a) got derived object\n"));
+    EXPECT_THAT(output("100"),
+                testing::StartsWith("VCreator::VCreator(Scenery/AmbientLight,0)\n"
+                                    "VCreator::create(a)\nVCreator::create(a) got derived object\n"));
     EXPECT_THAT(output("99"), testing::Not(HasSubstr("VCreator")));
 }
 
 TEST(KorlProgram, NamedPluginGoesBeforeTheSearchPath) {
     const TemporaryFolder folder;
     const std::filesystem::path copy = folder / "copy.so";
-    std::filesystem::copy_file(TOVEK_LIGHT_MODULE, copy); // far from the host's libraries, which are loaded already
+    std::filesystem::copy_file(TOVEK_LIGHT_MODULE,
+                               copy); // far from the host's libraries, which are loaded already
     const ProgramResult result = runProgram(KORL_PROGRAM, {"types", "--plugin", copy});
     EXPECT_EQ(result.exit_code, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("AmbientLight"));
@@ -99,8 +104,9 @@ TEST(KorlProgram, NamedPluginGoesBeforeTheSearchPath) {
 TEST(KorlProgram, EmptySearchPathLeavesTheCatalogueEmpty) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"types"}, {{"KORL_PLUGIN_PATH", ""}});
     EXPECT_EQ(result.exit_code, 0);
-    EXPECT_EQ(result.errors,
-              "korl: no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH\n");
+    EXPECT_EQ(
+        result.errors,
+        "korl: no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH\n");
 }
 
 class KorlProgramGLTest : public testing::Test {
@@ -118,15 +124,17 @@ protected:
 };
 
 TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
-    const ProgramResult result = render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--model", corner,
-                                         "--path", "both", "--size", "64x48", "--uniforms"});
+    const ProgramResult result =
+        render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--model", corner, "--path",
+                "both", "--size", "64x48", "--uniforms"});
     EXPECT_EQ(result.output, "AmbientIntensity$$ = 0.2 0.4 0.8 0.3\n");
     EXPECT_EQ(result.errors, "korl: wrote " + picture + ", 128x48 pixels\n");
     const Image image = readImage(picture);
     ASSERT_EQ(image.width, 128);
     ASSERT_EQ(image.height, 48);
     // The sphere of the built-in scene is white, so that it shows the light itself.
-    render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--path", "both", "--size", "64x48"});
+    render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--path", "both", "--size",
+            "64x48"});
     const Image built_in = readImage(picture);
     EXPECT_GT(count(built_in, {51, 102, 204, 255}), 20);
     EXPECT_GT(count(built_in, {51, 102, 204, 255}, true), 20);
@@ -134,10 +142,12 @@ TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
 
 TEST_F(KorlProgramGLTest, AddsALightWhereThereIsNoneAndSaysSo) {
     const ProgramResult lit = render({"--size", "64x48"});
-    EXPECT_EQ(lit.errors, "korl: the scene has no light, so the AmbientLight \"AmbientLight\" was added; choose others with "
-                          "--light, or leave it dark with --no-default-light\n"
-                          "korl: wrote " +
-                              picture + ", 64x48 pixels\n");
+    EXPECT_EQ(
+        lit.errors,
+        "korl: the scene has no light, so the AmbientLight \"AmbientLight\" was added; choose others with "
+        "--light, or leave it dark with --no-default-light\n"
+        "korl: wrote " +
+            picture + ", 64x48 pixels\n");
     EXPECT_GT(count(readImage(picture), {255, 255, 255, 255}, true), 20);
     // The added light can be set by its name like any other.
     render({"--size", "64x48", "--set", "AmbientLight.Color=1 0 0 1"});
@@ -158,8 +168,9 @@ TEST_F(KorlProgramGLTest, WithoutALightModuleTheSceneIsDarkAndItSaysWhy) {
 }
 
 TEST_F(KorlProgramGLTest, PictureOnStandardOutputIsAllThatGoesThere) {
-    const ProgramResult result = runProgram(
-        KORL_PROGRAM, {"render", "--verbose", "100", "--uniforms", "--light", "AmbientLight:a", "--size", "16x8", "-o", "-"});
+    const ProgramResult result =
+        runProgram(KORL_PROGRAM, {"render", "--verbose", "100", "--uniforms", "--light", "AmbientLight:a",
+                                  "--size", "16x8", "-o", "-"});
     EXPECT_EQ(result.exit_code, 0);
     const Image image = imageIn(result.output);
     EXPECT_EQ(image.width, 16);
@@ -176,15 +187,16 @@ TEST_F(KorlProgramGLTest, VerboseSaysWhichRendererItIs) {
 
 TEST_F(KorlProgramGLTest, WritesKorlPngByDefault) {
     // Run in the test's folder through a shell, since the file goes where the user stands.
-    const ProgramResult result = runProgram(
-        "/bin/sh", {"-c", "cd '" + folder.path().string() + "' && exec '" KORL_PROGRAM "' render --size 8x8"});
+    const ProgramResult result =
+        runProgram("/bin/sh", {"-c", "cd '" + folder.path().string() +
+                                         "' && exec '" KORL_PROGRAM "' render --size 8x8"});
     EXPECT_EQ(result.exit_code, 0) << result.errors;
     EXPECT_EQ(readImage(folder / "korl.png").width, 8);
 }
 
 TEST_F(KorlProgramGLTest, BackgroundAndCameraCanBeChosen) {
-    render({"--light", "AmbientLight", "--background", "#ff8000", "--camera", "0 0 9", "--target", "0 0 20", "--up",
-            "0 1 0", "--size", "8x8"});
+    render({"--light", "AmbientLight", "--background", "#ff8000", "--camera", "0 0 9", "--target", "0 0 20",
+            "--up", "0 1 0", "--size", "8x8"});
     EXPECT_EQ(pixel(readImage(picture), 4, 4), (Pixel{255, 128, 0, 255})); // looks away from everything
 }
 
@@ -201,8 +213,8 @@ TEST_F(KorlProgramGLTest, RendersASceneFile) {
 
 TEST_F(KorlProgramGLTest, UniformsPrintWithoutAPictureToo) {
     const ProgramResult result =
-        runProgram(KORL_PROGRAM, {"shader", "--uniforms", "--light", "AmbientLight", "--light", "AmbientLight:b", "--set",
-                                  "b.Color=1e-30 0.1 0.7 1"});
+        runProgram(KORL_PROGRAM, {"shader", "--uniforms", "--light", "AmbientLight", "--light",
+                                  "AmbientLight:b", "--set", "b.Color=1e-30 0.1 0.7 1"});
     EXPECT_EQ(result.output, "AmbientIntensity$$ = 1 1 1 1\nAmbientIntensity$$ = 1e-30 0.1 0.7 1\n");
 }
 

@@ -1,5 +1,5 @@
-#include <sorvik/vprintf.hpp>
 #include <shell/plugins/plugin_library.hpp>
+#include <sorvik/vprintf.hpp>
 
 #include "plugin_files.hpp"
 
@@ -119,9 +119,9 @@ TEST(PluginSetTest, PassesOverOtherCopiesOnTheSearchPath) {
     set.loadFrom({good});
     Qelt::setVerbosity(0);
     fflush(stdout);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "korl: \"" + (good / "alder.so").string() + "\" is passed over, alder is loaded from \"" +
-                  copy.string() + "\" already\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "korl: \"" + (good / "alder.so").string() +
+                                                          "\" is passed over, alder is loaded from \"" +
+                                                          copy.string() + "\" already\n");
     EXPECT_THAT(moduleNames(set), ElementsAre("alder", "birch", "cedar"));
     EXPECT_EQ(set.libraries().front().file(), copy);
 }

@@ -169,9 +169,11 @@ TEST_F(RendererGLTest, NotFiniteLightContributesNothing) {
 }
 
 TEST_F(RendererGLTest, BrokenSnippetIsReportedWithTheLight) {
-    addDownwardLight().text = "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n{ a = b = c = wrong; }\n";
+    addDownwardLight().text =
+        "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n{ a = b = c = wrong; }\n";
     try {
-        const korl::test::ToleratedGLErrors refusal; // some drivers also call it an error of OpenGL's, some don't
+        const korl::test::ToleratedGLErrors
+            refusal; // some drivers also call it an error of OpenGL's, some don't
         render(RenderPath::shader);
         FAIL() << "a snippet that does not compile was drawn";
     } catch (const korl::Error& error) {
@@ -191,8 +193,9 @@ TEST_F(RendererGLTest, UniformOfAnotherTypeIsReportedWithTheLight) {
         render(RenderPath::shader);
         FAIL() << "a uniform of the wrong type was taken";
     } catch (const korl::Error& error) {
-        EXPECT_STREQ(error.what(), "light \"DownwardLight\": its uniform \"Strength$$\" = 1 is of another type than "
-                                   "its snippet declares");
+        EXPECT_STREQ(error.what(),
+                     "light \"DownwardLight\": its uniform \"Strength$$\" = 1 is of another type than "
+                     "its snippet declares");
     }
 }
 

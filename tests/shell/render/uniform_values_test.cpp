@@ -20,7 +20,8 @@ using Orvid::Quadratic;
 using Qelt::RenderNamespace::UniformValue;
 using FloatPoint = Coordinates<Cartesian3D, float>::point;
 
-/// One value of each alternative, the GLSL type that takes it, its text, and the numbers that reach the program.
+/// One value of each alternative, the GLSL type that takes it, its text, and the numbers that reach the
+/// program.
 struct Sample {
     UniformValue value;
     const char* glsl_type;
@@ -46,8 +47,7 @@ std::vector<Sample> samples() {
         {FixedArray<double, 4>{1, 2, 3, 0.4}, "vec4", "1 2 3 0.4"},
         {Quadratic<2, float>{{1, 2, 3, 4}}, "mat2", "1 2 3 4"},
         {Quadratic<3, float>{{1, 2, 3, 4, 5, 6, 7, 8, 9}}, "mat3", "1 2 3 4 5 6 7 8 9"},
-        {Quadratic<4, float>{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}},
-         "mat4",
+        {Quadratic<4, float>{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}}, "mat4",
          "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"},
         {std::vector<FixedArray<float, 3>>{{1, 2, 3}, {4, 5, 6}}, "vec3[2]", "1 2 3 4 5 6"},
         {std::vector<FloatPoint>{{1, 2, 3}, {4, 5, 6}}, "vec3[2]", "1 2 3 4 5 6"},
@@ -87,8 +87,8 @@ TEST_F(UniformValuesGLTest, EveryAlternativeReachesItsTypeOfUniform) {
         const std::string type(sample.glsl_type);
         const bool is_array = type.ends_with("[2]");
         const std::string element = is_array ? type.substr(0, type.size() - 3) : type;
-        const std::string use = is_array ? "U[0].x + U[1].x"
-                                : element.find("mat") == 0 ? "U[0][0]"
+        const std::string use = is_array                                   ? "U[0].x + U[1].x"
+                                : element.find("mat") == 0                 ? "U[0][0]"
                                 : element.find("vec") != std::string::npos ? "float(U.x)"
                                                                            : "float(U)";
         korl::Shader vertex(GL_VERTEX_SHADER);

@@ -23,8 +23,8 @@ std::vector<std::string> memberNames(const View& view) {
 /// A light of a given priority.
 template <int Priority>
 struct Ranked : korl::test::CountedLight {
-    Ranked(const std::string& name, const Qelt::VCreationPreferences&) :
-        CountedLight(name, korl::test::downward_snippet, Priority) {}
+    Ranked(const std::string& name, const Qelt::VCreationPreferences&)
+        : CountedLight(name, korl::test::downward_snippet, Priority) {}
 };
 
 class ViewTest : public testing::Test {
@@ -89,8 +89,8 @@ TEST_F(ViewTest, AssemblesTheFramesShader) {
     const korl::AssembledShader shader = korl::assembleFrame(view);
     ASSERT_EQ(shader.sections.size(), 1u);
     EXPECT_EQ(shader.sections[0].light_name, "a");
-    EXPECT_THAT(shader.fragment,
-                testing::HasSubstr(korl::applySuffix(korl::test::downward_snippet, shader.sections[0].suffix)));
+    EXPECT_THAT(shader.fragment, testing::HasSubstr(korl::applySuffix(korl::test::downward_snippet,
+                                                                      shader.sections[0].suffix)));
     view.endFrame();
 }
 

@@ -17,15 +17,16 @@ TEST(ColorText, ReadsHexadecimalAndNumbers) {
 }
 
 TEST(ColorText, RefusesEverythingElse) {
-    for (const char* const text : {"", "red", "#", "#fff", "#ff00331", "#ff003g", "#+f0033", "1 1", "1 1 1 1 1", "2 0 0",
-                                   "-1 0 0", "nan 0 0", "0 0 0 1.5"}) {
+    for (const char* const text : {"", "red", "#", "#fff", "#ff00331", "#ff003g", "#+f0033", "1 1",
+                                   "1 1 1 1 1", "2 0 0", "-1 0 0", "nan 0 0", "0 0 0 1.5"}) {
         try {
             parseColor(text);
             ADD_FAILURE() << "taken: " << text;
         } catch (const korl::Error& error) {
-            EXPECT_EQ(error.what(), "\"" + std::string(text) +
-                                        "\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
-                                        "to 1 such as \"0.1 0.1 0.12\"");
+            EXPECT_EQ(error.what(),
+                      "\"" + std::string(text) +
+                          "\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
+                          "to 1 such as \"0.1 0.1 0.12\"");
         }
     }
 }

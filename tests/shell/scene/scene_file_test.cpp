@@ -13,8 +13,8 @@ using korl::Scene;
 using korl::test::PlainObject;
 
 struct PlainType : PlainObject {
-    PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences) :
-        PlainObject(name, preferences) {}
+    PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : PlainObject(name, preferences) {}
 };
 
 class SceneFileTest : public testing::Test {
@@ -73,12 +73,13 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
         {"[]", "expected an object in braces, found array"},
         {"{}", "is no scene: it lacks \"korl\", the version of the format, which is 1"},
         {R"({"korl": 2})", "/korl: is 2, but this program reads version 1 of the format"},
-        {R"({"korl": 1, "object": []})",
-         "/object: unknown key; did you mean \"objects\"? There are: korl, objects, meshes, camera, background."},
+        {R"({"korl": 1, "object": []})", "/object: unknown key; did you mean \"objects\"? There are: korl, "
+                                         "objects, meshes, camera, background."},
         {R"({"korl": 1, "objects": {}})", "/objects: expected a list in brackets, found object"},
         {R"({"korl": 1, "objects": [7]})", "/objects/0: expected an object in braces, found number"},
         {R"({"korl": 1, "objects": [{"name": "x"}]})", "/objects/0: lacks \"type\""},
-        {R"({"korl": 1, "objects": [{"type": 3}]})", "/objects/0/type: expected a text in quotes, found number"},
+        {R"({"korl": 1, "objects": [{"type": 3}]})",
+         "/objects/0/type: expected a text in quotes, found number"},
         {R"({"korl": 1, "objects": [{"type": "Plane"}]})",
          "/objects/0: unknown type \"Plane\": there are: Plain."},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": []}]})",
@@ -86,10 +87,11 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": 1}}]})",
          "/objects/0/parameters/strength: expected a text in quotes, found number"},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": "x"}}]})",
-         "/objects/0/parameters/strength: \"Plain.strength\" takes a double, one number, found \"x\"; it keeps \"0.5\""},
-        {R"({"korl": 1, "background": "red"})",
-         "/background: \"red\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such "
-         "as \"0.1 0.1 0.12\""},
+         "/objects/0/parameters/strength: \"Plain.strength\" takes a double, one number, found \"x\"; it "
+         "keeps \"0.5\""},
+        {R"({"korl": 1, "background": "red"})", "/background: \"red\" is no color; write \"#rrggbb\", "
+                                                "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
+                                                "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "camera": {"position": "1 2", "target": "0 0 0"}})",
          "/camera/position: expected three numbers \"x y z\", found \"1 2\""},
         {R"({"korl": 1, "camera": {"position": "1 2 3"}})", "/camera: lacks \"target\""},

@@ -16,8 +16,8 @@ using testing::ElementsAre;
 
 /// A type with a parameter of each kind, as a module would register it.
 struct PlainType : PlainObject {
-    PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences) :
-        PlainObject(name, preferences) {}
+    PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : PlainObject(name, preferences) {}
 };
 
 class SceneTest : public testing::Test {
@@ -62,7 +62,8 @@ TEST_F(SceneTest, WrongNamesAreToldWithTheNearOnes) {
               "cannot create \"mine\" as Plain: the scene already has an object of this name");
     EXPECT_EQ(errorOf([&] { scene.object("nime"); }), "unknown object \"nime\": there are: mine.");
     EXPECT_EQ(errorOf([&] { scene.setParameter("mine", "stregnth", "1"); }),
-              "unknown parameter \"mine.stregnth\": did you mean \"strength\"? There are: strength, tint, place, way.");
+              "unknown parameter \"mine.stregnth\": did you mean \"strength\"? There are: strength, tint, "
+              "place, way.");
     EXPECT_EQ(errorOf([&] { scene.remove("yours"); }), "unknown object \"yours\": there are: mine.");
     EXPECT_THAT(names(), ElementsAre("mine"));
 }
@@ -88,18 +89,22 @@ TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
         const char *parameter, *text, *error;
     };
     const Case cases[] = {
-        {"strength", "strong", "\"p.strength\" takes a double, one number, found \"strong\"; it keeps \"0.5\""},
+        {"strength", "strong",
+         "\"p.strength\" takes a double, one number, found \"strong\"; it keeps \"0.5\""},
         {"strength", "inf", "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"0.5\""},
         {"tint", "1 2 3",
-         "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1 2 3\"; it keeps \"0.1 0.2 0.3 1\""},
-        {"place", "1 2", "\"p.place\" takes a point, three numbers \"x y z\", found \"1 2\"; it keeps \"1 2 3\""},
+         "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1 2 3\"; it keeps \"0.1 "
+         "0.2 0.3 1\""},
+        {"place", "1 2",
+         "\"p.place\" takes a point, three numbers \"x y z\", found \"1 2\"; it keeps \"1 2 3\""},
         {"way", "nan 0 1", "\"p.way\" takes finite numbers, found \"nan 0 1\"; it keeps \"0 0 -1\""},
         {"way", "", "\"p.way\" takes a vector, three numbers \"x y z\", found \"\"; it keeps \"0 0 -1\""},
     };
     for (const Case& wrong : cases) {
         EXPECT_EQ(errorOf([&] { scene.setParameter("p", wrong.parameter, wrong.text); }), wrong.error);
     }
-    EXPECT_EQ(scene.object("p").saveText(), "strength = 0.5\ntint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
+    EXPECT_EQ(scene.object("p").saveText(),
+              "strength = 0.5\ntint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
 }
 
 TEST_F(SceneTest, KnowsWhetherItHasALight) {
@@ -168,8 +173,8 @@ TEST_F(SceneTest, BoundingBallIsThatOfAllMeshes) {
 
 TEST_F(SceneTest, BoundingBallTakesInWhatObjectsDraw) {
     struct Balloon : Qelt::RenderAble {
-        Balloon(const std::string& name, const Qelt::VCreationPreferences& preferences) :
-            RenderAble(name, 0, preferences) {}
+        Balloon(const std::string& name, const Qelt::VCreationPreferences& preferences)
+            : RenderAble(name, 0, preferences) {}
         bool getBoundingBall(Orvid::Ball& ball) const override {
             ball = {{0, 0, 10}, 2};
             return true;
