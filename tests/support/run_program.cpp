@@ -1,24 +1,12 @@
 #include "tests/support/run_program.hpp"
 
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace korl::test {
-
-namespace {
-
-std::string contentOf(const std::filesystem::path& file) {
-    std::ostringstream content;
-    content << std::ifstream(file, std::ios::binary).rdbuf();
-    return content.str();
-}
-
-} // namespace
 
 ProgramResult runProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                          const std::vector<std::pair<std::string, std::string>>& environment) {
@@ -42,25 +30,8 @@ ProgramResult runProgram(const std::filesystem::path& program, const std::vector
     }
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(output),
-            contentOf(errors)};
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "korl-test-XXXXXX";
-    if (!mkdtemp(pattern.data()))
-        throw std::runtime_error("cannot make a temporary folder");
-    my_path = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(my_path, ignored);
-}
-
-std::filesystem::path TemporaryFolder::write(const std::string& name, const std::string& content) const {
-    std::ofstream(my_path / name, std::ios::binary) << content;
-    return my_path / name;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), bytesOf(output),
+            bytesOf(errors)};
 }
 
 } // namespace korl::test

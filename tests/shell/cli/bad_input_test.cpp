@@ -176,10 +176,6 @@ TEST_F(BadInputGLTest, OutputThatCannotBeWritten) {
                 "cannot write DIR/nowhere/x.png: the folder DIR/nowhere does not exist; make it first");
     expectError({"render", "--light", "AmbientLight", "--size", "8x8", "-o", "DIR"}, 1,
                 "cannot write DIR: it is a directory; give the name of a file");
-    const ProgramResult full =
-        korl({"render", "--light", "AmbientLight", "--size", "8x8", "-o", "/dev/full"});
-    EXPECT_EQ(full.exit_code, 1);
-    EXPECT_THAT(full.errors, StartsWith("korl: cannot write /dev/full: "));
 }
 
 TEST_F(BadInputGLTest, NoDriver) {

@@ -20,14 +20,12 @@ using Pixel = std::array<int, 4>;
 
 const std::string corner = std::string(TEST_DATA) + "/corner.obj";
 
-Image readImage(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    const std::vector<char> bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+Image imageIn(const std::string& bytes) {
     return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
 }
 
-Image imageIn(const std::string& bytes) {
-    return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+Image readImage(const std::filesystem::path& file) {
+    return imageIn(korl::test::bytesOf(file));
 }
 
 Pixel pixel(const Image& image, int x, int y) {

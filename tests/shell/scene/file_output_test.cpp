@@ -4,6 +4,7 @@
 #include "tests/shell/scene/temporary_folder.hpp"
 
 #include <csignal>
+#include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -110,10 +111,18 @@ TEST_F(FileOutputTest, ALinkStaysAndItsFileIsReplaced) {
     EXPECT_EQ(bytesOf(my_folder / "folder/file"), "new");
 }
 
-TEST_F(FileOutputTest, ADeviceIsWrittenTo) {
-    EXPECT_EQ(write("/dev/null", "text"), "");
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_EQ(write("/dev/full", "text"), "cannot write /dev/full: No space left on device");
+TEST_F(FileOutputTest, APipeIsWrittenTo) {
+    // It stands for all that is no regular file. A real device is not put at risk: if this failed, it would be gone.
+    const fs::path pipe = my_folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(write(pipe, "text"), "");
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    char read_back[8] = {};
+    EXPECT_EQ(read(reader, read_back, sizeof read_back), 4);
+    EXPECT_STREQ(read_back, "text");
+    close(reader);
 }
 
 TEST_F(FileOutputTest, ANameWithoutAFolderIsInTheCurrentOne) {
