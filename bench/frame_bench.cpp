@@ -1,5 +1,5 @@
-// How long frames take: the built-in scene at 640x480 under some AmbientLights, on each path, and what it takes to
-// make the first one. Run it on a release build; compare figures of one run only.
+// How long frames take: the built-in scene at 640x480 under some AmbientLights, on each path, and what it
+// takes to make the first one. Run it on a release build; compare figures of one run only.
 
 #include "shell/plugins/plugin_library.hpp"
 #include "shell/render/renderer.hpp"
@@ -56,7 +56,11 @@ void collectLights(benchmark::State& state) {
     }
 }
 
-BENCHMARK_CAPTURE(steadyFrame, shader, RenderPath::shader)->Arg(1)->Arg(8)->Arg(32)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(steadyFrame, shader, RenderPath::shader)
+    ->Arg(1)
+    ->Arg(8)
+    ->Arg(32)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(steadyFrame, fixed, RenderPath::fixed)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
 BENCHMARK(firstFrame)->Arg(1)->Arg(8)->Arg(32)->Unit(benchmark::kMillisecond);
 BENCHMARK(collectLights)->Arg(1)->Arg(8)->Arg(1000);

@@ -10,6 +10,7 @@ set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 if(KORL_SANITIZE)
   add_compile_options(-fsanitize=${KORL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KORL_SANITIZE})
+  add_compile_definitions(KORL_SANITIZED)
 endif()
 
 add_library(korl_warnings INTERFACE)

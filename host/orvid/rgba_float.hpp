@@ -2,7 +2,8 @@
 
 namespace Orvid {
 
-/// A colour: red, green, blue and alpha, linear, nominally 0 to 1 and not clamped.
+/// A colour: red, green, blue and alpha, nominally 0 to 1 and not clamped. Pictures take the numbers as
+/// they are, without a transfer curve.
 struct rgba_float_t {
     float r = 0, g = 0, b = 0, a = 0;
 

@@ -53,6 +53,11 @@ std::string VCreatorBase::createChildname(const std::function<bool(const std::st
     return uniqueName(Name(), taken);
 }
 
+std::string VCreatorBase::createChildname(const std::function<bool(const std::string&)>& taken,
+                                          unsigned long& number) const {
+    return uniqueName(Name(), taken, number);
+}
+
 std::size_t VCreatorBase::deleteAllInstances(const std::type_info& type) {
     std::vector<Tessan::WeakPtr<VObject>> instances; // one may take another one along as it goes
     for (auto* const member : VObject::members()) {

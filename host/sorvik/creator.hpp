@@ -59,6 +59,9 @@ public:
                                               const VCreationPreferences& preferences = {}) = 0;
 
     /// A name for a new object: the creator's own, numbered where it is taken ("Torch", "Torch2").
+    /// @param number where to go on counting, for a caller that makes many; it holds the number used.
+    std::string createChildname(const std::function<bool(const std::string&)>& taken,
+                                unsigned long& number) const;
     std::string createChildname(const std::function<bool(const std::string&)>& taken) const;
 
     /// Deletes every living object whose type is exactly `type`, the latest first, in spite of strong
@@ -129,8 +132,8 @@ public:
 
     const std::type_info& type() const noexcept override { return typeid(T); }
 
-    Tessan::StrongPtr<VObject> create(const std::string& name, VContext* context,
-                                      const VCreationPreferences& preferences) override {
+    Tessan::StrongPtr<VObject> create(const std::string& name, VContext* context = nullptr,
+                                      const VCreationPreferences& preferences = {}) override {
         Vprintf(100, "VCreator::create(%s)\n", name.c_str());
         const Tessan::StrongPtr<VObject> object(
             new T(name.empty() ? Name() : name, VCreationPreferences(this->preferences(), preferences)));

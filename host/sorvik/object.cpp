@@ -122,10 +122,19 @@ AcceptList VObject::getAcceptInfoList(const VObject& offered) const {
     return list;
 }
 
+bool VObject::connectInput(std::string_view input, VParameter& source) {
+    VSlot* const slot = findSlot(input);
+    if (!slot || ignoreInput(input) || !slot->connect(Tessan::StrongPtr<VParameter>(&source)))
+        return false;
+    CreatedFilteredConnection(*slot, source);
+    return true;
+}
+
 std::string VObject::saveText() const {
     std::string text;
     for (const Entry& entry : parameters())
-        text += entry.parameter->Name() + " = " + entry.parameter->globalValue().Text() + "\n";
+        if (const std::string value = entry.parameter->globalValue().Text(); !value.empty())
+            text += entry.parameter->Name() + " = " + value + "\n";
     return text;
 }
 

@@ -62,7 +62,8 @@ public:
     /// @returns the input, which the object owns, or null if there is no slot creator for that type.
     VSlot* InputCreation(const std::string& type_name, const std::string& name, int expert_level = 0);
 
-    /// A new object from the same creator with the same global values, or null if the creator is gone.
+    /// A new object from the same creator with the same global values, or null if the creator is gone. Inputs
+    /// that this one got by `InputCreation`, and connections, are not copied.
     Tessan::StrongPtr<VObject> copy(const std::string& name) const;
 
     /// What the object's type is for, as its creator describes it; empty where it does not.
@@ -96,7 +97,14 @@ public:
     /// The inputs that have an output of the same name and type in `offered`, in the order of their making.
     AcceptList getAcceptInfoList(const VObject& offered) const override;
 
-    /// A line for each parameter, in the order of their making: its name, " = ", its global value's text.
+    /// Connects one of this object's inputs to another object's parameter, as the accept list offers it, and
+    /// says so to the object (`CreatedFilteredConnection`).
+    /// @returns false, and changes nothing, if there is no such input, or it does not take the parameter.
+    bool connectInput(std::string_view input, VParameter& source);
+
+    /// A line for each parameter, in the order of their making: its name, " = ", its global value's text. A
+    /// parameter whose value cannot be read is left out. Inputs made by `InputCreation` must be there again
+    /// to be read back.
     std::string saveText() const override;
     std::optional<std::string> loadText(std::string_view text) override;
 

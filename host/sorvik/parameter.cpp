@@ -1,5 +1,6 @@
 #include <sorvik/parameter.hpp>
 
+#include <sorvik/object.hpp>
 #include <sorvik/value_pool.hpp>
 #include <sorvik/vprintf.hpp>
 
@@ -23,6 +24,10 @@ VParameter::VParameter(Tessan::StrongPtr<VValueBase> value, std::string name,
 
 VParameter::~VParameter() {
     ValuePool::forget(*this);
+}
+
+void VParameter::setCreator(VObject* object) noexcept {
+    my_creator = Tessan::WeakPtr<VObject>(object);
 }
 
 bool VParameter::setProperty(const std::string& name, const VValueBase& value) {

@@ -42,8 +42,9 @@ public:
     const VValueBase& globalValue() const noexcept { return *my_value.get(); }
 
     /// Says which object the parameter belongs to.
-    void setCreator(VObject* object) noexcept { my_creator = object; }
-    VObject* creator() const noexcept { return my_creator; }
+    void setCreator(VObject* object) noexcept;
+    /// The object that the parameter belongs to, or null: none was named, or it has gone.
+    VObject* creator() const noexcept { return my_creator.get(); }
 
     /// Attaches a property, such as "min" or "max", for the shell's editors; nothing is clamped by it.
     /// @returns whether it was written: not if the parameter carries the name already with an equal value.
@@ -70,7 +71,8 @@ public:
     /// The same from a text form. @returns false, and changes nothing, if the text is malformed.
     bool setGlobalValueFromText(const std::string& text);
 
-    /// Makes the parameter follow another one, context by context; null ends that.
+    /// Makes the parameter follow another one, context by context; null ends that. The source's values are
+    /// fetched when they are asked for: its changes are not announced to the follower.
     /// @returns false, and changes nothing, if the source is of another type, or follows this parameter
     /// itself.
     bool setSource(const Tessan::StrongPtr<VParameter>& source);
@@ -83,7 +85,7 @@ private:
     std::string my_name;
     Tessan::StrongPtr<VValueBase> my_default;
     Tessan::StrongPtr<VValueBase> my_value;
-    VObject* my_creator = nullptr;
+    Tessan::WeakPtr<VObject> my_creator;
     std::vector<Property> my_properties;
     Tessan::WeakPtr<VParameter> my_source;
     bool my_has_source = false;

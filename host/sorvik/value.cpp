@@ -13,7 +13,8 @@ void ValueNotifierList::touch(Tessan::Ageable::Time now) {
 }
 
 void ValueNotifierList::addShadow(VValueBase& shadow) {
-    std::erase_if(my_shadows, [](const auto& held) { return !held; });
+    if (my_shadows.size() == my_shadows.capacity()) // rather than grow; seldom enough to cost nothing
+        std::erase_if(my_shadows, [](const auto& held) { return !held; });
     my_shadows.emplace_back(&shadow);
 }
 

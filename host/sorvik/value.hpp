@@ -21,7 +21,7 @@ public:
     /// Tells every shadow that the value has changed: each takes the new age, and tells its own shadows.
     void touch(Tessan::Ageable::Time now);
 
-    /// Adds a value that follows this one. Shadows that have gone are dropped on the way.
+    /// Adds a value that follows this one. Shadows that have gone are dropped now and then.
     void addShadow(VValueBase& shadow);
     void removeShadow(const VValueBase& shadow);
 

@@ -4,14 +4,15 @@
 #include <stdexcept>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace Qelt {
 
 namespace {
 
-/// The pools that live, so that what goes can be dropped from each. Render contexts on several threads may
-/// make and drop pools; never destroyed, since a pool may be dropped as late as in the destructor of another
-/// global.
+/// The pools that live, so that what goes can be dropped from each. The mutex guards this list alone: views
+/// may come and go on threads of their own, while what a pool holds belongs to the render thread. Never
+/// destroyed, since a pool may be dropped as late as in the destructor of another global.
 struct LivingPools {
     std::mutex mutex;
     std::unordered_set<ValuePool*> pools;
@@ -79,16 +80,24 @@ ValuePool::keepState(const VStateCreatorBase& owner, Tessan::StrongPtr<VStateCre
     return my_states.insert_or_assign(&owner, std::move(state)).first->second;
 }
 
+// What is dropped may take others along that are forgotten in turn, so it goes only after the lock.
+
 void ValuePool::forget(const VParameter& parameter) noexcept {
+    std::vector<Tessan::StrongPtr<VValueBase>> dropped;
     const std::lock_guard lock(livingPools().mutex);
     for (ValuePool* const pool : livingPools().pools)
-        pool->my_variables.removeValue(parameter);
+        if (VValueBase* const value = pool->my_variables.getValue(parameter)) {
+            dropped.emplace_back(value);
+            pool->my_variables.removeValue(parameter);
+        }
 }
 
 void ValuePool::forget(const VStateCreatorBase& owner) noexcept {
+    std::vector<Tessan::StrongPtr<VStateCreatorBase::State>> dropped;
     const std::lock_guard lock(livingPools().mutex);
     for (ValuePool* const pool : livingPools().pools)
-        pool->my_states.erase(&owner);
+        if (const auto held = pool->my_states.extract(&owner))
+            dropped.push_back(held.mapped());
 }
 
 VRequest::VRequest(Tessan::StrongPtr<ValuePool> pool) : my_pool(std::move(pool)) {

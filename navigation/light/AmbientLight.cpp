@@ -115,7 +115,7 @@ private:
         return static_cast<const LightState&>(*myState(pool).get()).light_source;
     }
 
-    TypedSlot<rgba_float_t> my_color;
+    TypedSlot<rgba_float_t> my_color{this, color_name, color_default, color_expert_level};
 };
 
 // The creator and its registration.

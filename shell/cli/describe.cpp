@@ -17,8 +17,7 @@ std::string rangeOf(const Qelt::VParameter& parameter) {
     return (least ? least->Text() : "") + ".." + (most ? most->Text() : "");
 }
 
-void describeType(const Program& program, const std::string& type) {
-    Session session(program);
+void describeType(Session& session, const std::string& type) {
     const Qelt::VObject& sample = session.scene.create(type);
     const std::string help = sample.help();
     std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ",
@@ -36,8 +35,11 @@ void addDescribeCommand(CLI::App& app, Program& program) {
     CLI::App* const command = app.add_subcommand("describe", "List the parameters of a type");
     const auto type = std::make_shared<std::string>();
     command->add_option("TYPE", *type, "The type's name, as `korl types` lists it")->required();
-    command->callback(
-        [&program, type] { program.command = [&program, type] { describeType(program, *type); }; });
+    command->callback([&program, type] {
+        program.command = [&program, type] {
+            withSession(program, [&](Session& session) { describeType(session, *type); });
+        };
+    });
 }
 
 } // namespace korl::cli

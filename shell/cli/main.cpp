@@ -1,24 +1,44 @@
 #include "shell/cli/program.hpp"
 
+#include "shell/scene/near_names.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 
 namespace {
 
-enum ExitCode { done = 0, failed = 1, wrong_usage = 2 };
+enum ExitCode : int { done = 0, failed = 1, wrong_usage = 2 };
+
+/// What is wrong with the command line. A word in the place of the command gets a guess at what was meant.
+std::string problemOf(const CLI::App& app, const CLI::Error& error) {
+    const std::vector<std::string> not_understood = app.remaining();
+    const auto word = std::find_if(not_understood.rbegin(), not_understood.rend(),
+                                   [](const std::string& left) { return !left.starts_with('-'); });
+    if (!app.get_subcommands().empty() || word == not_understood.rend())
+        return error.what();
+    std::vector<std::string> commands;
+    for (const CLI::App* const command : app.get_subcommands({}))
+        commands.push_back(command->get_name());
+    return "unknown command \"" + *word + "\": " + korl::nearNames(*word, commands, "");
+}
 
 } // namespace
 
 int main(int argument_count, char** arguments) {
     using namespace korl::cli;
 
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error like any other, with its message
     CLI::App app("Lights scenes and renders them with OpenGL.", "korl");
     app.set_version_flag("--version", "korl " KORL_VERSION);
     app.require_subcommand(0, 1);
     app.fallthrough(); // the options below may also stand behind the command
 
-    app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return "korl: " + std::string(error.what()) + "\nRun with --help for more information.\n";
+    app.failure_message([](const CLI::App* parsed, const CLI::Error& error) {
+        return "korl: " + problemOf(*parsed, error) + "\nRun with --help for more information.\n";
     });
 
     Program program;
@@ -38,7 +58,7 @@ int main(int argument_count, char** arguments) {
             throw UsageError("no command was given; there are types, describe, render and shader");
         program.command();
         if (std::fflush(stdout) != 0)
-            throw korl::Error("cannot write to standard output; is the disk full?");
+            throw korl::Error(std::string("cannot write to standard output: ") + std::strerror(errno));
         return done;
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error);

@@ -16,6 +16,19 @@ Session::Session(const Program& program) {
     plugins.loadFrom(pluginSearchPath());
 }
 
+void withSession(const Program& program, const std::function<void(Session&)>& work) {
+    Session session(program);
+    try {
+        work(session);
+    } catch (const Error&) {
+        throw; // the shell's own
+    } catch (const std::exception& error) {
+        throw Error(error.what());
+    } catch (...) {
+        throw Error("a module threw something that is no exception; it has to be mended by its maker");
+    }
+}
+
 void note(const std::string& text) {
     std::fprintf(stderr, "korl: %s\n", text.c_str());
 }

@@ -35,6 +35,10 @@ public:
     Scene scene;
 };
 
+/// Runs a command's work in a session. What a module throws is turned into an Error while the module is still
+/// there: an exception of its own cannot be looked at once it is unloaded.
+void withSession(const Program& program, const std::function<void(Session&)>& work);
+
 /// Tells the user something on standard error, under the program's name.
 void note(const std::string& text);
 

@@ -24,10 +24,9 @@ struct RenderOptions {
 const std::map<std::string, RenderPath> paths{
     {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
 
-void render(const Program& program, const RenderOptions& options) {
-    const auto [width, height] = parseSize(options.size);
-    const PictureOutput output(options.output);
-    Session session(program);
+void render(Session& session, const RenderOptions& options, std::pair<int, int> size,
+            const PictureOutput& output) {
+    const auto [width, height] = size;
     fillScene(options.scene, static_cast<double>(width) / height, session.scene);
 
     GLContext context;
@@ -60,8 +59,14 @@ void addRenderCommand(CLI::App& app, Program& program) {
     command->add_option("-o,--output", options->output, "The PNG file; - for standard output")
         ->capture_default_str();
     command->add_flag("--uniforms", options->uniforms, "Print the lights' uniform values, NAME = components");
-    command->callback(
-        [&program, options] { program.command = [&program, options] { render(program, *options); }; });
+    command->callback([&program, options] {
+        program.command = [&program, options] {
+            const auto size = parseSize(options->size);
+            const PictureOutput output(
+                options->output); // sets standard output aside before any module is loaded
+            withSession(program, [&](Session& session) { render(session, *options, size, output); });
+        };
+    });
 }
 
 } // namespace korl::cli

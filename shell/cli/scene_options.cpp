@@ -100,11 +100,12 @@ void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double as
     if (!parsed.position && !parsed.target && !parsed.up && !fov)
         return;
     const Ball ball = scene.boundingBall().value_or(Ball{{0, 0, 0}, 1});
-    Camera camera = scene.camera ? *scene.camera : fitCamera(ball, aspect);
+    const double field = fov.value_or(Camera().fov_degrees);
+    Camera camera = scene.camera ? *scene.camera : fitCamera(ball, aspect, field);
+    camera.fov_degrees = fov.value_or(camera.fov_degrees);
     camera.position = parsed.position.value_or(camera.position);
     camera.target = parsed.target.value_or(camera.target);
     camera.up = parsed.up.value_or(camera.up);
-    camera.fov_degrees = fov.value_or(camera.fov_degrees);
     validate(camera);
     scene.camera = camera;
 }
@@ -112,9 +113,13 @@ void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double as
 } // namespace
 
 void addSceneOptions(CLI::App& command, SceneOptions& options) {
-    command.add_option("SCENE.json", options.file, "A scene file");
-    command.add_option("--model", options.model,
-                       "A model (OBJ, PLY, STL, glTF, 3DS), scaled to a radius of 0.5 at the origin");
+    const CLI::Validator given([](const std::string& text) { return text.empty() ? "it is empty" : ""; }, "",
+                               "given");
+    command.add_option("SCENE.json", options.file, "A scene file")->check(given);
+    command
+        .add_option("--model", options.model,
+                    "A model (OBJ, PLY, STL, glTF, 3DS), scaled to a radius of 0.5 at the origin")
+        ->check(given);
     command.add_option("--model-up", options.model_up, "Which axis of the model is up: x, y or z")
         ->capture_default_str();
     command.add_option("--light", options.lights, "Add a light: TYPE or TYPE:NAME")->allow_extra_args(false);

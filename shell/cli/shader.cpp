@@ -14,8 +14,7 @@ struct ShaderOptions {
     bool uniforms = false;
 };
 
-void printShader(const Program& program, const ShaderOptions& options) {
-    Session session(program);
+void printShader(Session& session, const ShaderOptions& options) {
     fillScene(options.scene, 1, session.scene);
     View view;
     if (options.uniforms) {
@@ -27,9 +26,8 @@ void printShader(const Program& program, const ShaderOptions& options) {
             std::printf("%s\n", line.c_str());
         return;
     }
-    view.beginFrame(session.scene, 0);
+    const Frame frame(view, session.scene, 0);
     std::fputs(assembleFrame(view).fragment.c_str(), stdout);
-    view.endFrame();
 }
 
 } // namespace
@@ -41,8 +39,11 @@ void addShaderCommand(CLI::App& app, Program& program) {
     addSceneOptions(*command, options->scene);
     command->add_flag("--uniforms", options->uniforms,
                       "Print the lights' uniform values instead, NAME = components");
-    command->callback(
-        [&program, options] { program.command = [&program, options] { printShader(program, *options); }; });
+    command->callback([&program, options] {
+        program.command = [&program, options] {
+            withSession(program, [&](Session& session) { printShader(session, *options); });
+        };
+    });
 }
 
 } // namespace korl::cli

@@ -29,8 +29,7 @@ std::string iconOf(Qelt::VCreatorBase& creator) {
     return "XPM " + width + "x" + height;
 }
 
-void listTypes(const Program& program) {
-    const Session session(program);
+void listTypes() {
     std::vector<std::vector<std::string>> rows{{"NAME", "CATEGORY", "NUMBER", "DATE", "ICON", "DESCRIPTION"}};
     for (Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue()) {
         const auto& properties = creator->properties();
@@ -47,7 +46,9 @@ void listTypes(const Program& program) {
 
 void addTypesCommand(CLI::App& app, Program& program) {
     CLI::App* const command = app.add_subcommand("types", "List the types of objects that can be created");
-    command->callback([&program] { program.command = [&program] { listTypes(program); }; });
+    command->callback([&program] {
+        program.command = [&program] { withSession(program, [](Session&) { listTypes(); }); };
+    });
 }
 
 } // namespace korl::cli

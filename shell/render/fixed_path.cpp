@@ -2,8 +2,11 @@
 
 #include "shell/render/material.hpp"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <glm/gtc/type_ptr.hpp>
+#include <string>
 
 namespace korl {
 
@@ -62,6 +65,19 @@ void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
     glDisable(light);
 }
 
+/// Whether everything that a set-up light gives is finite. One that is not would spoil all that the others
+/// give.
+bool givesFiniteLight(GLenum light) {
+    for (const GLenum name : {GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION, GL_SPOT_DIRECTION,
+                              GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}) {
+        FloatQuad values{};
+        glGetLightfv(light, name, values.data());
+        if (!std::all_of(values.begin(), values.end(), [](GLfloat value) { return std::isfinite(value); }))
+            return false;
+    }
+    return true;
+}
+
 void setMaterial() {
     constexpr FloatQuad black{0, 0, 0, 1};
     constexpr FloatQuad specular{material_specular, material_specular, material_specular, 1};
@@ -79,23 +95,52 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
     FloatQuad model_ambient{0, 0, 0, 1};
     const int most = lightCount();
     int number = 1;
+    std::size_t called = 0;
     for (const View::Member& member : view.members()) {
-        if (number > most) {
-            reports.once("light \"" + member.object->Name() +
-                         "\" is left out on the fixed-function path: OpenGL has " + std::to_string(most) +
-                         " lights here, and those before it hold them all");
-            continue;
-        }
+        if (number > most)
+            break;
+        ++called;
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(number);
         member.object->environment_render(view.context());
-        if (glIsEnabled(openGLLight(number))) {
-            moveConelessLightToModel(openGLLight(number), model_ambient);
-            ++number;
+        const GLenum light = openGLLight(number);
+        if (!glIsEnabled(light))
+            continue;
+        if (givesFiniteLight(light)) {
+            moveConelessLightToModel(light, model_ambient);
+        } else {
+            glDisable(light);
+            reports.once(
+                "light \"" + member.object->Name() +
+                "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; check its "
+                "parameters");
         }
+        ++number;
     }
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
+    reportLeftOut(view.members().subspan(called), most, reports);
+}
+
+void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports) {
+    const auto same = [](const View::Member& member, const Qelt::RenderAble* object) {
+        return member.object == object;
+    };
+    if (std::equal(left_out.begin(), left_out.end(), my_left_out.begin(), my_left_out.end(), same))
+        return; // told already, or nothing to tell
+    my_left_out.clear();
+    std::string names;
+    constexpr std::size_t most_names = 20;
+    for (const View::Member& member : left_out) {
+        if (my_left_out.size() < most_names)
+            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
+        my_left_out.push_back(member.object);
+    }
+    if (left_out.size() > most_names)
+        names += " and " + std::to_string(left_out.size() - most_names) + " more";
+    if (!left_out.empty())
+        reports.once("left out on the fixed-function path: " + names + "; OpenGL has " +
+                     std::to_string(most) + " lights here, and those before hold them all");
 }
 
 void FixedPath::draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {

@@ -20,17 +20,25 @@ Viewpoint viewpointOf(const Scene& scene, double aspect) {
     return {glm::mat4(camera.view()), glm::mat4(camera.projection(aspect, ball)), glm::vec3(camera.position)};
 }
 
-/// Lets go of the frame's lights however the frame ends.
-class Frame {
-public:
-    Frame(View& view, const Scene& scene) : my_view(view) { view.beginFrame(scene, 0); }
-    ~Frame() { my_view.endFrame(); }
-    Frame(const Frame&) = delete;
-    Frame& operator=(const Frame&) = delete;
-
-private:
-    View& my_view;
-};
+/// The name of an error that `glGetError` gives.
+std::string errorName(GLenum error) {
+    switch (error) {
+    case GL_INVALID_ENUM:
+        return "GL_INVALID_ENUM";
+    case GL_INVALID_VALUE:
+        return "GL_INVALID_VALUE";
+    case GL_INVALID_OPERATION:
+        return "GL_INVALID_OPERATION";
+    case GL_STACK_OVERFLOW:
+        return "GL_STACK_OVERFLOW";
+    case GL_STACK_UNDERFLOW:
+        return "GL_STACK_UNDERFLOW";
+    case GL_OUT_OF_MEMORY:
+        return "GL_OUT_OF_MEMORY";
+    default:
+        return "error " + std::to_string(error);
+    }
+}
 
 /// Whatever a scene's own objects draw, drawn with the fixed-function pipeline from the frame's viewpoint.
 void drawObjects(View& view, const Viewpoint& viewpoint) {
@@ -73,11 +81,11 @@ void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& 
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
 
-    const Frame frame(view, scene);
+    const Frame frame(view, scene, 0);
     const auto& meshes = my_meshes.buffersOf(scene.meshes());
     if (path == RenderPath::shader) {
         my_shader_path.fillUniforms(view, viewpoint);
-        my_shader_path.draw(view, viewpoint, meshes);
+        my_shader_path.draw(view, viewpoint, meshes, my_reports);
     } else {
         my_fixed_path.setUpLights(view, viewpoint, my_reports);
         my_fixed_path.draw(viewpoint, meshes);
@@ -85,14 +93,14 @@ void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& 
     drawObjects(view, viewpoint);
     my_target->read(image.pixels);
     if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
-        throw Error("OpenGL reports error " + std::to_string(problem) +
-                    " after the frame was drawn; a light or object of a module may have made a call that is "
-                    "not allowed");
+        throw Error(
+            "while the frame was drawn, OpenGL reported " + errorName(problem) +
+            "; unless memory is short, a module's light or object has made a call that is not allowed");
 }
 
 std::vector<std::string> Renderer::listUniforms(const Scene& scene, View& view) {
     my_context.makeCurrent();
-    const Frame frame(view, scene);
+    const Frame frame(view, scene, 0);
     my_shader_path.fillUniforms(view, viewpointOf(scene, 1));
     std::vector<std::string> lines;
     for (const auto& source : view.sources())

@@ -46,7 +46,8 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
     view.fillUniforms();
 }
 
-void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {
+void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes,
+                      Reports& reports) {
     LightingProgram& lighting = programFor(view);
     glUseProgram(lighting.program.name());
     glUniformMatrix4fv(lighting.view, 1, GL_FALSE, glm::value_ptr(viewpoint.view));
@@ -54,7 +55,7 @@ void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBu
     glUniform3fv(lighting.eye, 1, glm::value_ptr(viewpoint.eye));
     glUniform1f(lighting.specular, material_specular);
     glUniform1f(lighting.shininess, material_shininess);
-    uploadLights(view, lighting);
+    uploadLights(view, lighting, reports);
     for (const auto& [mesh, buffers] : meshes)
         buffers->drawWithAttributes();
     glUseProgram(0);
@@ -98,7 +99,7 @@ ShaderPath::LightingProgram& ShaderPath::programFor(const View& view) {
     return *lighting;
 }
 
-void ShaderPath::uploadLights(const View& view, LightingProgram& lighting) {
+void ShaderPath::uploadLights(const View& view, LightingProgram& lighting, Reports& reports) {
     for (std::size_t i = 0; i < view.sources().size(); ++i)
         for (const auto& [name, value] : view.sources()[i]->uniforms()) {
             auto& uniforms = lighting.uniforms[i];
@@ -115,6 +116,10 @@ void ShaderPath::uploadLights(const View& view, LightingProgram& lighting) {
             if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
                 throw Error("light \"" + view.ownerOf(i).Name() + "\": its uniform \"" + name +
                             "\" = " + uniformText(value) + " is of another type than its snippet declares");
+            if (!isFinite(value))
+                reports.once("light \"" + view.ownerOf(i).Name() +
+                             "\" adds nothing on the shader path: its \"" + name + "\" is not finite (" +
+                             uniformText(value) + "); check its parameters");
             known.value = value;
             known.uploaded = true;
             ++my_upload_count;

@@ -2,6 +2,7 @@
 
 #include "shell/render/gl_objects.hpp"
 #include "shell/render/mesh_buffers.hpp"
+#include "shell/render/reports.hpp"
 #include "shell/render/shader_assembly.hpp"
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
@@ -30,9 +31,11 @@ public:
     /// each of them.
     void fillUniforms(View& view, const Viewpoint& viewpoint);
 
-    /// Draws the meshes under the lights of the frame, into the framebuffer and viewport that are current.
-    /// Throws Error if the driver refuses a light's snippet, or a uniform's value for its declared type.
-    void draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes);
+    /// Draws the meshes under the lights of the frame, into the framebuffer and viewport that are current. A
+    /// light whose result is not finite adds nothing; one that has such a uniform is reported by name. Throws
+    /// Error if the driver refuses a light's snippet, or a uniform's value for its declared type.
+    void draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes,
+              Reports& reports);
 
     /// How many programs were compiled, and how many light uniforms were uploaded, so far.
     std::size_t compileCount() const noexcept { return my_compile_count; }
@@ -54,7 +57,7 @@ private:
     };
 
     LightingProgram& programFor(const View& view);
-    void uploadLights(const View& view, LightingProgram& lighting);
+    void uploadLights(const View& view, LightingProgram& lighting, Reports& reports);
 
     std::map<std::string, std::unique_ptr<LightingProgram>>
         my_programs; ///< by the text of the fragment shader

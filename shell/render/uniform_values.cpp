@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <span>
@@ -106,6 +107,13 @@ bool sameBits(const UniformValue& a, const UniformValue& b) {
                 return std::memcmp(&held, &other, sizeof(T)) == 0;
         },
         a);
+}
+
+bool isFinite(const UniformValue& value) {
+    return withComponents(value, []<class T, std::size_t N>(std::span<const T, N> components) {
+        return std::all_of(components.begin(), components.end(),
+                           [](T component) { return std::isfinite(static_cast<double>(component)); });
+    });
 }
 
 void uploadUniform(GLint location, const UniformValue& value) {

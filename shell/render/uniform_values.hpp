@@ -10,6 +10,9 @@ namespace korl {
 /// Whether two uniform values are the same alternative with the same bits; not-a-number equals itself.
 bool sameBits(const Qelt::RenderNamespace::UniformValue& a, const Qelt::RenderNamespace::UniformValue& b);
 
+/// Whether all numbers of a value are finite.
+bool isFinite(const Qelt::RenderNamespace::UniformValue& value);
+
 /// Sets a uniform of the program in use. Values in double precision are rounded to single precision, since
 /// snippets declare their uniforms so. An empty sequence sets nothing.
 void uploadUniform(GLint location, const Qelt::RenderNamespace::UniformValue& value);

@@ -53,6 +53,15 @@ void View::endFrame() noexcept {
     my_context.beginRendering();
 }
 
+Frame::Frame(View& view, const Scene& scene, double time) : my_view(view) {
+    try {
+        view.beginFrame(scene, time);
+    } catch (...) {
+        view.endFrame();
+        throw;
+    }
+}
+
 const Qelt::RenderAble& View::ownerOf(std::size_t source) const {
     for (const Member& member : my_members)
         if (source >= member.first_source && source - member.first_source < member.source_count)

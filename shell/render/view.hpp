@@ -32,8 +32,8 @@ public:
     const Qelt::VRenderContext& context() const noexcept { return my_context; }
     Qelt::ValuePool& pool() const noexcept { return my_context.pool(); }
 
-    /// Begins a frame: brings the scene's objects up to date and has the lights hand in their light sources,
-    /// in the order of their priority, then of their creation.
+    /// Begins a frame (see Frame): brings the scene's objects up to date and has the lights hand in their
+    /// light sources, in the order of their priority, then of their creation.
     void beginFrame(const Scene& scene, double time);
 
     /// Has the shader lights fill their uniforms. Comes after `environment_render`, where the other lights
@@ -63,6 +63,19 @@ private:
     std::vector<Member> my_members;
     const Scene* my_scene = nullptr;
     std::optional<unsigned long> my_scene_revision; ///< that of the scene when the members were gathered
+};
+
+/// A frame of a view, from its beginning to its end, however it ends: no light source is held longer.
+class Frame {
+public:
+    /// @param time in seconds. Throws Error if an object could not be brought up to date.
+    Frame(View& view, const Scene& scene, double time);
+    ~Frame() { my_view.endFrame(); }
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+private:
+    View& my_view;
 };
 
 } // namespace korl

@@ -86,8 +86,9 @@ void validate(const Camera& camera) {
                     " lies along its line of sight; give one across it");
 }
 
-Camera fitCamera(const Ball& ball, double aspect) {
+Camera fitCamera(const Ball& ball, double aspect, double fov_degrees) {
     Camera camera;
+    camera.fov_degrees = fov_degrees;
     const double radius = ball.radius > 0 ? ball.radius : 1;
     // A ball just touches the cone of half angle a around the line of sight from the distance radius /
     // sin(a).

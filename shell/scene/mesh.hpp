@@ -14,7 +14,7 @@ struct Mesh {
     std::string name;
     std::vector<glm::vec3> positions;
     std::vector<glm::vec3> normals; ///< one for each position, of unit length, away from the surface's front
-    std::vector<glm::vec3> colors;  ///< one for each position, linear, 0 to 1; none at all for a white mesh
+    std::vector<glm::vec3> colors;  ///< one for each position, 0 to 1; none at all for a white mesh
     std::vector<std::uint32_t> triangles; ///< three positions each, counter-clockwise seen from the front
 };
 

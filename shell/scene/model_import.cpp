@@ -6,14 +6,18 @@
 #include <algorithm>
 #include <array>
 #include <assimp/config.h>
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
+#include <assimp/IOStream.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <fstream>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -237,6 +241,52 @@ void fitIntoScene(Mesh& mesh, UpAxis up) {
         position = glm::vec3((glm::dvec3(position) - ball.center) * (fitted_radius / ball.radius));
 }
 
+/// A file that Assimp reads from.
+class ModelStream final : public Assimp::IOStream {
+public:
+    ModelStream(std::unique_ptr<Assimp::IOStream> stream, std::set<ModelStream*>& open_streams)
+        : my_stream(std::move(stream)), my_open_streams(open_streams) {
+        my_open_streams.insert(this);
+    }
+    ~ModelStream() override { my_open_streams.erase(this); }
+    ModelStream(const ModelStream&) = delete;
+    ModelStream& operator=(const ModelStream&) = delete;
+
+    std::size_t Read(void* to, std::size_t size, std::size_t count) override {
+        return my_stream->Read(to, size, count);
+    }
+    std::size_t Write(const void*, std::size_t, std::size_t) override { return 0; }
+    aiReturn Seek(std::size_t place, aiOrigin from) override { return my_stream->Seek(place, from); }
+    std::size_t Tell() const override { return my_stream->Tell(); }
+    std::size_t FileSize() const override { return my_stream->FileSize(); }
+    void Flush() override {}
+
+private:
+    std::unique_ptr<Assimp::IOStream> my_stream;
+    std::set<ModelStream*>& my_open_streams;
+};
+
+/// Closes the files that Assimp leaves open when it meets something damaged.
+class ModelStreams final : public Assimp::DefaultIOSystem {
+public:
+    ModelStreams() = default;
+    ~ModelStreams() override {
+        while (!my_open_streams.empty())
+            delete *my_open_streams.begin();
+    }
+    ModelStreams(const ModelStreams&) = delete;
+    ModelStreams& operator=(const ModelStreams&) = delete;
+
+    Assimp::IOStream* Open(const char* file, const char* mode) override {
+        std::unique_ptr<Assimp::IOStream> stream(DefaultIOSystem::Open(file, mode));
+        return stream ? new ModelStream(std::move(stream), my_open_streams) : nullptr;
+    }
+    void Close(Assimp::IOStream* stream) override { delete stream; }
+
+private:
+    std::set<ModelStream*> my_open_streams;
+};
+
 [[noreturn]] void refuseUnread(const Assimp::Importer& importer) {
     const std::string reason = importer.GetErrorString();
     if (reason == "No meshes remaining")
@@ -248,6 +298,7 @@ void fitIntoScene(Mesh& mesh, UpAxis up) {
 
 Mesh readModel(const fs::path& file) {
     Assimp::Importer importer;
+    importer.SetIOHandler(new ModelStreams); // which the importer owns
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
     // What is not drawn must not keep vertices apart that are identical otherwise.
     importer.SetPropertyInteger(AI_CONFIG_PP_RVC_FLAGS,

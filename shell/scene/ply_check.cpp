@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -262,11 +263,15 @@ private:
             next(*property.type, values);
             return;
         }
-        const double length = next(*property.count_type, values);
+        const double stated_length = next(*property.count_type, values);
+        constexpr double longest = std::numeric_limits<std::uint32_t>::max();
+        if (!(stated_length >= 0 && stated_length <= longest))
+            failHere("has a list without a length");
+        const auto length = static_cast<std::uint32_t>(stated_length);
         const bool is_face = my_element.name == "face" && property.isCornerList();
-        if (!(length >= (is_face ? 3 : 0)))
-            failHere(is_face ? "has fewer than 3 corners" : "has a list without a length");
-        for (double i = 0; i < length; ++i) {
+        if (is_face && length < 3)
+            failHere("has fewer than 3 corners");
+        for (std::uint32_t i = 0; i < length; ++i) {
             const double index = next(*property.type, values);
             if (is_face && !(index >= 0 && index < static_cast<double>(my_vertex_count)))
                 failHere("leads to a vertex that does not exist");

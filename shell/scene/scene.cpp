@@ -66,7 +66,8 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
         throw Error("cannot create \"" + name + "\" as " + type +
                     ": the scene already has an object of this name");
     const auto taken = [&](const std::string& candidate) { return find(candidate) != nullptr; };
-    return *creator->create(name.empty() ? creator->createChildname(taken) : name, this).get();
+    return *creator->create(name.empty() ? creator->createChildname(taken, my_numbers[type]) : name, this)
+                .get();
 }
 
 void Scene::objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context, VCreatorBase&) {
@@ -93,7 +94,8 @@ VObject& Scene::object(const std::string& name) const {
 
 void Scene::remove(const std::string& name) {
     Tessan::Counted::destroy(&object(name));
-    dropTheGone();
+    my_objects_by_name.erase(name);
+    my_revision = nextRevision(); // the list of objects is swept when it is next asked for
 }
 
 void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,

@@ -73,6 +73,8 @@ private:
 
     mutable std::vector<Tessan::StrongPtr<Qelt::VObject>> my_objects;
     mutable std::unordered_map<std::string, Tessan::StrongPtr<Qelt::VObject>> my_objects_by_name;
+    std::unordered_map<std::string, unsigned long>
+        my_numbers; ///< how far unnamed objects were counted, by type
     mutable unsigned long my_revision;
     std::vector<std::shared_ptr<const Mesh>> my_meshes;
     std::optional<Ball> my_meshes_ball;

@@ -152,10 +152,13 @@ private:
 
 void readSceneFile(const std::filesystem::path& file, Scene& scene) {
     std::error_code problem;
-    if (!std::filesystem::is_regular_file(file, problem))
-        throw Error("cannot read the scene " + file.string() +
-                    (std::filesystem::exists(file, problem) ? ": it is no regular file"
-                                                            : ": there is no such file; check the path"));
+    const auto type = std::filesystem::status(file, problem).type();
+    if (type == std::filesystem::file_type::not_found)
+        throw Error("cannot read the scene " + file.string() + ": there is no such file; check the path");
+    if (problem)
+        throw Error("cannot read the scene " + file.string() + ": " + problem.message());
+    if (type != std::filesystem::file_type::regular)
+        throw Error("cannot read the scene " + file.string() + ": it is no regular file");
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
         throw Error("cannot read the scene " + file.string() +
@@ -164,7 +167,8 @@ void readSceneFile(const std::filesystem::path& file, Scene& scene) {
     try {
         root = json::parse(stream);
     } catch (const json::exception& error) {
-        throw Error(file.string() + ": this is no JSON: " + error.what());
+        throw Error(file.string() + ": this is no JSON: " + error.what() +
+                    (file.extension() == ".json" ? "" : "; if it is a model, give it with --model"));
     }
     Reader(file, scene).read(root);
 }

@@ -112,6 +112,34 @@ TEST(Object, IsSetUpOnceItsCreatorIsKnown) {
     EXPECT_EQ(object.setups, 1);
 }
 
+TEST(Object, IsToldOfConnectionsThroughItsAcceptList) {
+    struct Listening : PlainObject {
+        using PlainObject::PlainObject;
+        void CreatedFilteredConnection(Qelt::VSlot& input, Qelt::VParameter& source) override {
+            heard.push_back(input.name() + " from " + source.Name());
+        }
+        bool ignoreInput(std::string_view name) const override { return name == "way"; }
+        std::vector<std::string> heard;
+    };
+    Listening object("o");
+    const PlainObject source("p");
+    EXPECT_TRUE(object.connectInput("strength", *source.findParameter("strength")));
+    EXPECT_FALSE(object.connectInput("strength", *source.findParameter("tint"))); // of another type
+    EXPECT_FALSE(object.connectInput("way", *source.findParameter("way")));       // ignored
+    EXPECT_FALSE(object.connectInput("width", *source.findParameter("strength")));
+    EXPECT_THAT(object.heard, ElementsAre("strength from strength"));
+    EXPECT_EQ(object.strength.parameter()->source(), source.findParameter("strength"));
+}
+
+TEST(ObjectText, LeavesOutWhatCannotBeRead) {
+    PlainObject object("o");
+    {
+        const StrongPtr<Qelt::VValueBase> source(new Qelt::VValue<double>(1));
+        const_cast<Qelt::VValueBase&>(object.findParameter("strength")->globalValue()).setSource(source);
+    }
+    EXPECT_EQ(object.saveText(), "tint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
+}
+
 TEST(ObjectText, WritesAndReadsAllParameters) {
     PlainObject object("o"), other("p");
     object.findParameter("strength")->setGlobalValueFromText("1e-300");

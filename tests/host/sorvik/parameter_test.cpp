@@ -1,5 +1,6 @@
 #include <orvid/rgba_float.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/object.hpp>
 #include <sorvik/parameter.hpp>
 #include <sorvik/value_pool.hpp>
 #include <sorvik/vprintf.hpp>
@@ -27,6 +28,16 @@ TEST(Parameter, HasANameADefaultAndAType) {
     EXPECT_EQ(parameter.Name(), "Intensity");
     EXPECT_EQ(parameter.DefaultValue().Text(), "0.9");
     EXPECT_EQ(parameter.type(), typeid(double));
+    EXPECT_EQ(parameter.creator(), nullptr);
+}
+
+TEST(Parameter, SeesItsObjectGo) {
+    VValueParameter<double> parameter(1, "p");
+    {
+        Qelt::VObject object("o", 0, {});
+        parameter.setCreator(&object);
+        EXPECT_EQ(parameter.creator(), &object);
+    }
     EXPECT_EQ(parameter.creator(), nullptr);
 }
 

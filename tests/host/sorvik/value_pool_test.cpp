@@ -125,6 +125,25 @@ TEST(StateCreator, StateGoesWithThePool) {
     EXPECT_FALSE(state);
 }
 
+TEST(StateCreator, StateMayHoldWhatPoolsForgetInTurn) {
+    class Nested final : public VStateCreatorBase {
+    public:
+        struct Own : State {
+            VValueParameter<double> parameter{1.0, "inner"};
+            VStateCreatorBase inner;
+        };
+        StrongPtr<State> newState() const override { return Tessan::makeStrong<Own>(); }
+    };
+    const StrongPtr<ValuePool> pool(new ValuePool);
+    {
+        const Nested object;
+        auto& own =
+            const_cast<Nested::Own&>(static_cast<const Nested::Own&>(*object.myState(*pool.get()).get()));
+        own.inner.myState(*pool.get());
+        own.parameter.getLocalValue(*pool.get(), "", true);
+    }
+}
+
 TEST(Request, NeedsAPool) {
     EXPECT_THROW(Qelt::VRequest(StrongPtr<ValuePool>()), std::invalid_argument);
 }

@@ -1,3 +1,4 @@
+#include "tests/support/computed_value.hpp"
 #include "tests/support/gl_recorder.hpp"
 #include "tests/support/module_light.hpp"
 
@@ -136,17 +137,9 @@ TEST_F(AmbientLight, FallsBackWhereTheSourceHasGone) {
 }
 
 TEST_F(AmbientLight, FallsBackWhereTheColorIsComputedNotHeld) {
-    class Computed final : public Qelt::VTypedValueBase<rgba_float_t> {
-    public:
-        bool getValue(rgba_float_t& value) const override {
-            value = {1, 0, 0, 1};
-            return true;
-        }
-        StrongPtr<VValueBase> clone() const override { return StrongPtr<VValueBase>(new Computed); }
-        bool setValueFromText(const std::string&) override { return false; }
-        bool setContainerValue(const VValueBase&) override { return false; }
-    };
-    ambient.pool->createVariable(ambient.parameter("Color"), StrongPtr<VValueBase>(new Computed));
+    ambient.pool->createVariable(
+        ambient.parameter("Color"),
+        StrongPtr<VValueBase>(new korl::test::ComputedValue<rgba_float_t>({1, 0, 0, 1})));
     EXPECT_EQ(intensity(), fallback); // only a held colour value counts
 }
 

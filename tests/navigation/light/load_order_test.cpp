@@ -65,15 +65,34 @@ using testing::ElementsAre;
 
 TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
     korl::test::LoadedModule module;
+    const std::string color = "Orvid::rgba_float_t", number = "double";
+    const std::string point = "Orvid::Coordinates<Orvid::Cartesian3D, double>::point";
+    const std::string vector = "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector";
+    const auto made = [](const std::string& creator) {
+        return "Vprintf 100 VCreator::VCreator(" + creator + ")\n";
+    };
+    const auto slots = [](const std::string& type) {
+        return "registerTypedSlotCreator " + type + " " + type;
+    };
     EXPECT_THAT(std::exchange(calls, {}),
-                ElementsAre("initPlugin 0 tovek_light KORL_API_VERSION",
-                            "Vprintf 100 VCreator::VCreator(Scenery/AmbientLight,0)\n",
-                            "registerCreator Orvid::rgba_float_t",
-                            "registerTypedSlotCreator Orvid::rgba_float_t Orvid::rgba_float_t"));
+                ElementsAre("initPlugin 0 tovek_light KORL_API_VERSION", made("Headlight,-3000"),
+                            made("Scenery/Headlight,2000"), "registerCreator " + number, slots(number),
+                            slots(point), made("Scenery/Torch,0"), slots(vector), made("Scenery/Sun,0"),
+                            made("Scenery/DistanceLight,0"), "registerCreator " + color, slots(color),
+                            made("Scenery/DirectionalLight,0"), made("Scenery/AmbientLight,0")));
     module.unload();
+    const auto withdrawn = [](const std::string& type) {
+        return "unregisterTypedSlotCreator " + type + " " + type;
+    };
+    const auto deleted = [](const std::string& type, int creators) {
+        return "deleteAllInstances " + type + " of " + std::to_string(creators) + " creators";
+    };
     EXPECT_THAT(std::exchange(calls, {}),
-                ElementsAre("unregisterTypedSlotCreator Orvid::rgba_float_t Orvid::rgba_float_t",
-                            "deleteAllInstances AmbientLight of 1 creators",
+                ElementsAre(deleted("AmbientLight", 7), deleted("DirectionalLight", 6), withdrawn(color),
+                            deleted("MyLightSource", 5),    // the class of the DistanceLight
+                            deleted("DirectionalLight", 4), // that of the Sun
+                            withdrawn(vector), deleted("Torch", 3), withdrawn(point), withdrawn(number),
+                            deleted("Headlight", 2), deleted("Headlight", 1),
                             "initPlugin 1 tovek_light KORL_API_VERSION"));
     EXPECT_TRUE(Qelt::VCreatorBase::catalogue().empty());
 }

@@ -2,11 +2,13 @@
 #include "tests/support/heard_reports.hpp"
 #include "tests/support/loaded_module.hpp"
 
+#include <orvid/physical_space.hpp>
 #include <orvid/rgba_float.hpp>
 #include <sorvik/creator.hpp>
 #include <sorvik/initialization.hpp>
 #include <sorvik/slot_creator.hpp>
 #include <sorvik/value_creator.hpp>
+#include <tessan/typename.hpp>
 
 #include <cstdio>
 #include <gmock/gmock.h>
@@ -103,16 +105,23 @@ TEST(Module, CreatorsCarryTheirProperties) {
     EXPECT_EQ(properties[5].text(), "Scenery");
 }
 
-TEST(Module, RegistersCreatorsOfItsValueTypesAndWithdrawsThem) {
-    const auto slots = [] { return TypedSlotCreator::count(typeid(Orvid::rgba_float_t)); };
+TEST(Module, RegistersCreatorsOfItsValueTypesOnceAndWithdrawsThem) {
+    using Orvid::PhysicalSpace;
+    const std::type_info* const types[] = {&typeid(double), &typeid(Orvid::rgba_float_t),
+                                           &typeid(PhysicalSpace::point), &typeid(PhysicalSpace::vector)};
     {
         const LoadedModule module;
-        EXPECT_EQ(slots(), 1u);
-        EXPECT_NE(TypedSlotCreator::find("Orvid::rgba_float_t"), nullptr);
+        for (const std::type_info* const type : types) {
+            EXPECT_EQ(TypedSlotCreator::count(*type), 1u) << Tessan::Typename(*type);
+            EXPECT_NE(TypedSlotCreator::find(Tessan::Typename(*type)), nullptr);
+        }
         EXPECT_EQ(VValueCreator::count("Orvid::rgba_float_t"), 1u);
+        EXPECT_EQ(VValueCreator::count("double"), 1u);
     }
-    EXPECT_EQ(slots(), 0u);
+    for (const std::type_info* const type : types)
+        EXPECT_EQ(TypedSlotCreator::count(*type), 0u);
     EXPECT_EQ(VValueCreator::count("Orvid::rgba_float_t"), 0u);
+    EXPECT_EQ(VValueCreator::count("double"), 0u);
 }
 
 TEST(Module, CreatesObjectsWithTheTrace) {

@@ -72,6 +72,15 @@ TEST_F(BadInput, PlugIns) {
         "headers.");
 }
 
+TEST_F(BadInput, ExceptionsOfModules) {
+    // They are told although the module is unloaded by then.
+    const std::vector<std::string> plugin{"--plugin", "BROKEN/throwing_objects.so"};
+    expectError({"describe", "Reluctant", plugin[0], plugin[1]}, 1, "the object does not want to be");
+    expectError({"types", plugin[0], plugin[1]}, 1, "the object does not want to be");
+    expectError({"render", "--light", "Odd", plugin[0], plugin[1]}, 1,
+                "a module threw something that is no exception; it has to be mended by its maker");
+}
+
 TEST_F(BadInput, Models) {
     folder.write("notes.txt", "hello\n");
     folder.write("empty.obj", "");
@@ -93,8 +102,11 @@ TEST_F(BadInput, Models) {
 
 TEST_F(BadInput, TypesObjectsAndParameters) {
     expectError({"render", "--light", "AmbientLigt"}, 1,
-                "unknown type \"AmbientLigt\": did you mean \"AmbientLight\"? There are: AmbientLight.");
-    expectError({"describe", "Lantern"}, 1, "unknown type \"Lantern\": there are: AmbientLight.");
+                "unknown type \"AmbientLigt\": did you mean \"AmbientLight\"? There are: Headlight, Torch, "
+                "Sun, DistanceLight, DirectionalLight, AmbientLight.");
+    expectError({"describe", "Lantern"}, 1,
+                "unknown type \"Lantern\": there are: Headlight, Torch, Sun, DistanceLight, "
+                "DirectionalLight, AmbientLight.");
     expectError({"render", "--light", "AmbientLight:a", "--light", "AmbientLight:a"}, 1,
                 "cannot create \"a\" as AmbientLight: the scene already has an object of this name");
     expectError({"render", "--light", "AmbientLight:lamp", "--set", "lmap.Color=1 1 1 1"}, 1,
@@ -117,7 +129,13 @@ TEST_F(BadInput, WrongUsage) {
     const std::string size =
         "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
     expectError({}, 2, "no command was given; there are types, describe, render and shader" + usage_hint);
-    expectError({"frobnicate"}, 2, "The following argument was not expected: frobnicate" + usage_hint);
+    expectError({"frobnicate"}, 2,
+                "unknown command \"frobnicate\": there are: types, describe, render, shader." + usage_hint);
+    expectError({"descibe", "Sun"}, 2,
+                "unknown command \"descibe\": did you mean \"describe\"? There are: types, describe, render, "
+                "shader." +
+                    usage_hint);
+    expectError({"render", "--model", ""}, 2, "--model: it is empty" + usage_hint);
     expectError({"render", "--frob"}, 2, "The following argument was not expected: --frob" + usage_hint);
     expectError({"describe"}, 2, "TYPE is required" + usage_hint);
     expectError({"render", "--light", ":a"}, 2, light + ":a\"" + usage_hint);

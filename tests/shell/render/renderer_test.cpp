@@ -161,11 +161,25 @@ TEST_F(RendererGLTest, ProgramThatServesAnotherLightGetsItsUniforms) {
     EXPECT_EQ(renderer.shaderPath().compileCount(), 1u);
 }
 
-TEST_F(RendererGLTest, NotFiniteLightContributesNothing) {
-    addDownwardLight().strength = std::numeric_limits<float>::quiet_NaN();
+TEST_F(RendererGLTest, NotFiniteLightContributesNothingAndIsNamedOnce) {
+    addDownwardLight().strength = std::numeric_limits<float>::infinity();
+    addSetUpLight([](Qelt::VRenderContext& context) {
+        shineDown(context);
+        const std::array<GLfloat, 4> broken{std::numeric_limits<float>::quiet_NaN(), 0, 0, 1};
+        glLightfv(GL_LIGHT0, GL_AMBIENT, broken.data());
+    });
     scene.create("AmbientLight", "a");
     scene.setParameter("a", "Color", "0.2 0.2 0.2 1");
-    EXPECT_EQ(middle(RenderPath::shader), (Pixel{51, 51, 51, 255}));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(middle(RenderPath::shader), (Pixel{51, 51, 51, 255}));
+        EXPECT_EQ(middle(RenderPath::fixed), (Pixel{51, 51, 51, 255}));
+    }
+    EXPECT_THAT(
+        reports,
+        ElementsAre("light \"DownwardLight\" adds nothing on the shader path: its \"Strength$$\" is not "
+                    "finite (inf); check its parameters",
+                    "light \"SetUpLight\" adds nothing on the fixed-function path: what it gives OpenGL is "
+                    "not finite; check its parameters"));
 }
 
 TEST_F(RendererGLTest, BrokenSnippetIsReportedWithTheLight) {
@@ -258,13 +272,10 @@ TEST_F(RendererGLTest, LightsPastTheDriversNumberAreLeftOutAndNamedOnce) {
     render(RenderPath::fixed);
     render(RenderPath::fixed);
     EXPECT_EQ(calls, 2 * most);
-    const std::string count = std::to_string(most);
-    EXPECT_THAT(reports, ElementsAre("light \"SetUpLight" + std::to_string(most + 1) +
-                                         "\" is left out on the fixed-function path: OpenGL has " + count +
-                                         " lights here, and those before it hold them all",
-                                     "light \"SetUpLight" + std::to_string(most + 2) +
-                                         "\" is left out on the fixed-function path: OpenGL has " + count +
-                                         " lights here, and those before it hold them all"));
+    EXPECT_THAT(reports,
+                ElementsAre("left out on the fixed-function path: \"SetUpLight" + std::to_string(most + 1) +
+                            "\", \"SetUpLight" + std::to_string(most + 2) + "\"; OpenGL has " +
+                            std::to_string(most) + " lights here, and those before hold them all"));
 }
 
 TEST_F(RendererGLTest, ConelessLightGivesItsAmbientColorAndIsOffWhileDrawing) {

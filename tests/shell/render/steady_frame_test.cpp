@@ -53,6 +53,11 @@ protected:
         korl::test::makeFlat(scene);
         scene.create("AmbientLight");
         scene.create("DownwardLight");
+        for (int i = 0; i < 12; ++i) // more than OpenGL holds
+            dynamic_cast<korl::test::SetUpLight&>(scene.create("SetUpLight")).set_up =
+                [](Qelt::VRenderContext& frame) {
+                    glEnable(GL_LIGHT0 + static_cast<GLenum>(frame.lightNumber() - 1));
+                };
     }
 
     korl::GLContext& gl_context = context();
@@ -73,10 +78,11 @@ TEST_F(SteadyFrameGLTest, CountingWorks) {
 
 TEST_F(SteadyFrameGLTest, ShaderPathAllocatesNothing) {
     korl::ShaderPath path;
+    korl::Reports reports{{}};
     EXPECT_EQ(allocationsOfSteadyFrame([&] {
                   view.beginFrame(scene, 0);
                   path.fillUniforms(view, viewpoint);
-                  path.draw(view, viewpoint, meshes.buffersOf(scene.meshes()));
+                  path.draw(view, viewpoint, meshes.buffersOf(scene.meshes()), reports);
                   view.endFrame();
               }),
               0);

@@ -1,7 +1,7 @@
 #include "shell/scene/file_output.hpp"
 
 #include "shell/error.hpp"
-#include "tests/shell/scene/temporary_folder.hpp"
+#include "tests/support/temporary_folder.hpp"
 
 #include <csignal>
 #include <fcntl.h>
@@ -70,10 +70,13 @@ TEST_F(FileOutputTest, WritesANewFile) {
 }
 
 TEST_F(FileOutputTest, ANewFileHasTheRightsThatTheUmaskLeaves) {
-    const mode_t before = umask(027);
-    EXPECT_EQ(write(my_folder / "new", "text"), "");
-    umask(before);
-    EXPECT_EQ(modeOf(my_folder / "new"), 0640u);
+    for (const auto& [mask, rights] : {std::pair<mode_t, mode_t>{027, 0640}, {0, 0666}}) {
+        const mode_t before = umask(mask);
+        EXPECT_EQ(write(my_folder / "new", "text"), "");
+        umask(before);
+        EXPECT_EQ(modeOf(my_folder / "new"), rights);
+        fs::remove(my_folder / "new");
+    }
 }
 
 TEST_F(FileOutputTest, AReplacedFileKeepsItsRights) {
@@ -112,7 +115,8 @@ TEST_F(FileOutputTest, ALinkStaysAndItsFileIsReplaced) {
 }
 
 TEST_F(FileOutputTest, APipeIsWrittenTo) {
-    // It stands for all that is no regular file. A real device is not put at risk: if this failed, it would be gone.
+    // It stands for all that is no regular file. A real device is not put at risk: if this failed, it would
+    // be gone.
     const fs::path pipe = my_folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);

@@ -1,0 +1,267 @@
+#include "tests/support/light_fixture.hpp"
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+using namespace korl::test;
+using Orvid::PhysicalSpace;
+using Orvid::rgba_float_t;
+using testing::ElementsAre;
+
+constexpr const char* intensity = "DirectionalLightIntensity$$";
+constexpr const char* specular = "DirectionalLightSpecularIntensity$$";
+constexpr const char* direction = "DirectionalLightDirection$$";
+
+class DirectionalLight : public LightTest {
+protected:
+    DirectionalLight() : LightTest("DirectionalLight") {}
+    DoubleTriple directionOf(const PhysicalSpace::vector& v) {
+        light.parameter("direction").setGlobalValue(Qelt::VValue<PhysicalSpace::vector>(v));
+        return triple(direction);
+    }
+};
+
+TEST_F(DirectionalLight, HasItsParameters) {
+    expectParameters({{"Intensity", typeid(double), "0.9", 0, ""},
+                      {"Specular", typeid(double), "0.1", 0, ""},
+                      {"direction", typeid(PhysicalSpace::vector), "0 0 -1", 0, ""},
+                      {"color", typeid(rgba_float_t), "0.7 0.7 0.7 1", 1, ""}});
+    EXPECT_EQ(light.light.priority(), -199990);
+    expectDefaultIcons();
+}
+
+TEST_F(DirectionalLight, CreatorCarriesItsProperties) {
+    expectCreator("DirectionalLight",
+                  {"A directional light source.", "DATE", "DirectionalLight",
+                   "navigation/light/DirectionalLight.cpp", "Scenery"},
+                  &typeid(PhysicalSpace::vector));
+}
+
+TEST_F(DirectionalLight, SnippetIsExact) {
+    expectSnippet({"",
+                   "",
+                   "uniform vec4 DirectionalLightIntensity$$         = vec4(1,1,1,1);",
+                   "uniform vec4 DirectionalLightSpecularIntensity$$ = vec4(1,1,1,1);",
+                   "uniform vec3 DirectionalLightDirection$$         = vec3(0,0,-1);",
+                   "",
+                   "/* DirectionalLight",
+                   "",
+                   "Given a vertex, provide the light at this point.",
+                   "*/",
+                   "void\tgetLight_$$(in vec3 vertex,",
+                   "\t\t    out vec3 light_incidence,",
+                   "\t\t    out vec3 intensity,",
+                   "\t\t    out vec3 specular_intensity)",
+                   "{",
+                   "vec3\td = DirectionalLightDirection$$;",
+                   "\tlight_incidence    = normalize(d);",
+                   "",
+                   "\tintensity          = DirectionalLightIntensity$$.rgb;",
+                   "\tspecular_intensity = DirectionalLightSpecularIntensity$$.rgb;",
+                   "}",
+                   ""},
+                  597);
+}
+
+TEST_F(DirectionalLight, DefaultsGiveTheirUniforms) {
+    EXPECT_EQ(light.source().uniforms().size(), 3u);
+    EXPECT_EQ(color(intensity), (FloatColor{0.9f * 0.7f, 0.9f * 0.7f, 0.9f * 0.7f, 0.9f}));
+    EXPECT_EQ(color(specular), (FloatColor{0.1f, 0.1f, 0.1f, 1}));
+    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
+    EXPECT_EQ(light.source().uniforms().at(intensity).index(), 13u);
+    EXPECT_EQ(light.source().uniforms().at(direction).index(), 11u);
+}
+
+TEST_F(DirectionalLight, FixedFunctionCallsAreExact) {
+    set("color", "0.2 0.4 0.8 0.3");
+    set("Intensity", "0.5");
+    set("Specular", "0.25");
+    set("direction", "0 -3 -4");
+    EXPECT_THAT(
+        calls(),
+        ElementsAre("glLightf LIGHT0 CONSTANT_ATTENUATION 1", "glLightf LIGHT0 LINEAR_ATTENUATION 0",
+                    "glLightf LIGHT0 QUADRATIC_ATTENUATION 0", "glLightfv LIGHT0 DIFFUSE 0.1 0.2 0.4 1",
+                    "glLightfv LIGHT0 AMBIENT 0 0 0 1", "glLightfv LIGHT0 SPECULAR 0.25 0.25 0.25 1",
+                    "glLightfv LIGHT0 POSITION -0 0.6 0.8 0", "glLightfv LIGHT0 SPOT_DIRECTION 0 -0.6 -0.8 0",
+                    "glLightf LIGHT0 SPOT_CUTOFF 180", "glEnable LIGHT0", "glEnable LIGHTING"));
+}
+
+TEST_F(DirectionalLight, DefaultFixedFunctionLightStandsAbove) {
+    EXPECT_EQ(call("POSITION"), "-0 -0 1 0");
+    EXPECT_EQ(call("SPOT_DIRECTION"), "0 0 -1 0");
+}
+
+TEST_F(DirectionalLight, UniformRoundsTheStrengthFirstAndOpenGLTheProduct) {
+    // A strength and a component for which the two orders of rounding differ.
+    const double strength = 0.1;
+    const float component = 0.7f;
+    float single = 0, product = 0;
+    double used = strength;
+    for (int i = 0; i < 1000 && single == product; ++i, used += 0.001) {
+        single = static_cast<float>(used) * component;
+        product = static_cast<float>(component * used);
+        if (single != product)
+            break;
+    }
+    ASSERT_NE(single, product);
+    light.parameter("Intensity").setGlobalValue(Qelt::VValue<double>(used));
+    set("color", "0.7 0.7 0.7 1");
+    EXPECT_EQ(color(intensity)[0], single);
+    EXPECT_EQ(call("DIFFUSE").substr(0, call("DIFFUSE").find(' ')),
+              Qelt::VValueTrait<rgba_float_t>::Text({product, 0, 0, 0}).substr(0, call("DIFFUSE").find(' ')));
+}
+
+TEST_F(DirectionalLight, AlphaIsMultipliedInTheUniformOnly) {
+    set("Intensity", "0.5");
+    set("color", "1 1 1 0.5");
+    EXPECT_EQ(color(intensity), (FloatColor{0.5f, 0.5f, 0.5f, 0.25f}));
+    EXPECT_EQ(call("DIFFUSE"), "0.5 0.5 0.5 1");
+}
+
+TEST_F(DirectionalLight, NoStrengthLeavesTheOpenGLAlpha) {
+    set("Intensity", "0");
+    EXPECT_EQ(color(intensity), (FloatColor{0, 0, 0, 0}));
+    EXPECT_EQ(call("DIFFUSE"), "0 0 0 1");
+}
+
+TEST_F(DirectionalLight, ColorLeavesTheHighlightsWhite) {
+    set("color", "1 0 0 1");
+    EXPECT_EQ(color(specular), (FloatColor{0.1f, 0.1f, 0.1f, 1}));
+    EXPECT_EQ(call("SPECULAR"), "0.1 0.1 0.1 1");
+}
+
+TEST_F(DirectionalLight, LengthOfTheDirectionDoesNotMatter) {
+    EXPECT_EQ(directionOf({0, 0, -5}), (DoubleTriple{0, 0, -1}));
+    EXPECT_EQ(directionOf({0, 3, 4}), directionOf({0, 300, 400}));
+}
+
+TEST_F(DirectionalLight, HugeDirectionDoesNotOverflow) {
+    const DoubleTriple d = directionOf({1e300, 1e300, 0});
+    EXPECT_NEAR(d[0], std::sqrt(0.5), 1e-15);
+    EXPECT_NEAR(d[1], std::sqrt(0.5), 1e-15);
+    EXPECT_EQ(d[2], 0);
+    EXPECT_NEAR(directionOf({0, 1e-300, 1e-300})[2], std::sqrt(0.5), 1e-15);
+}
+
+TEST_F(DirectionalLight, ZeroDirectionIsNotGuarded) {
+    for (const double component :
+         {directionOf({0, 0, 0})[0], directionOf({0, 0, 0})[1], directionOf({0, 0, 0})[2]})
+        EXPECT_TRUE(std::isnan(component));
+    EXPECT_THAT(call("POSITION"), testing::MatchesRegex("-?nan -?nan -?nan 0"));
+    EXPECT_THAT(call("SPOT_DIRECTION"), testing::MatchesRegex("-?nan -?nan -?nan 0"));
+}
+
+TEST_F(DirectionalLight, NotANumberStaysOne) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const PhysicalSpace::vector& v : {PhysicalSpace::vector{nan, 1, 2}, {1, nan, 2}, {1, 2, nan}}) {
+        const DoubleTriple d = directionOf(v);
+        EXPECT_TRUE(std::isnan(d[0]) && std::isnan(d[1]) && std::isnan(d[2]));
+    }
+}
+
+TEST_F(DirectionalLight, XAndYAreDividedAndZIsMultiplied) {
+    // Vectors for which 1/length times a component differs from the component by the length.
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> any(-1, 1);
+    int differing = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const PhysicalSpace::vector v{any(random), any(random), any(random)};
+        const double m = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+        const double qx = v.x / m, qy = v.y / m, qz = v.z / m;
+        const double length = m * std::sqrt(qx * qx + qy * qy + qz * qz);
+        const DoubleTriple d = directionOf(v);
+        ASSERT_EQ(d[0], v.x / length);
+        ASSERT_EQ(d[1], v.y / length);
+        ASSERT_EQ(d[2], v.z * (1 / length));
+        differing += v.z / length != v.z * (1 / length) && v.x / length != v.x * (1 / length);
+    }
+    EXPECT_GT(differing, 20);
+}
+
+TEST_F(DirectionalLight, NormalisationAgreesWithALongDoubleReference) {
+    std::mt19937_64 random(6);
+    std::uniform_real_distribution<double> mantissa(-1, 1), exponent(-300, 300), near(-3, 3);
+    // Each component carries the roundings of the quotients, the root, the product and the division.
+    const auto check = [&](const PhysicalSpace::vector& v, double tolerance = 8e-16) {
+        const long double x = v.x, y = v.y, z = v.z; // its range holds these squares without scaling
+        const long double length = std::sqrt(x * x + y * y + z * z);
+        const DoubleTriple d = directionOf(v);
+        ASSERT_NEAR(d[0], static_cast<double>(x / length), tolerance) << v.x << " " << v.y << " " << v.z;
+        ASSERT_NEAR(d[1], static_cast<double>(y / length), tolerance);
+        ASSERT_NEAR(d[2], static_cast<double>(z / length), tolerance);
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const double common = exponent(random);
+        const auto component = [&] { return mantissa(random) * std::pow(10.0, common + near(random) - 3); };
+        check({component(), component(), component()});
+    }
+    // Denormal, the length's reciprocal still finite: the length itself is a whole number of 5e-324.
+    check({1e-310, -3e-310, 2e-310}, 5e-324 / 3.7e-310);
+    check({1e300, -1e-300, 1});
+}
+
+TEST_F(DirectionalLight, SmallestDenormalOverflowsInZAlone) {
+    // 1/length overflows where the length is the smallest number: x and y are divided and do not notice.
+    const double tiny = std::numeric_limits<double>::denorm_min();
+    EXPECT_EQ(directionOf({tiny, 0, 0})[0], 1);
+    EXPECT_TRUE(std::isinf(directionOf({0, 0, tiny})[2]));
+}
+
+TEST_F(DirectionalLight, FallsBackWhereParametersWereRemoved) {
+    for (const char* const name : {"Intensity", "Specular", "direction", "color"})
+        remove(name);
+    EXPECT_EQ(color(intensity), (FloatColor{0.7f, 0.7f, 0.7f, 1})); // full strength, not the default
+    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
+    EXPECT_EQ(call("DIFFUSE"), "0.7 0.7 0.7 1");
+    EXPECT_EQ(call("SPECULAR"), "1 1 1 1");
+    EXPECT_EQ(call("POSITION"), "-0 -0 1 0");
+}
+
+TEST_F(DirectionalLight, FallsBackWhereValuesAreOfAnotherType) {
+    putColor("Intensity");
+    putColor("Specular");
+    putNumber("direction");
+    putNumber("color");
+    EXPECT_EQ(color(intensity), (FloatColor{0.7f, 0.7f, 0.7f, 1}));
+    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
+    EXPECT_EQ(call("DIFFUSE"), "0.7 0.7 0.7 1");
+}
+
+TEST_F(DirectionalLight, TakesComputedValues) {
+    put("Intensity", new ComputedValue<double>(0.5));
+    put("direction", new ComputedValue<PhysicalSpace::vector>({2, 0, 0}));
+    EXPECT_EQ(color(intensity)[3], 0.5f);
+    EXPECT_EQ(triple(direction), (DoubleTriple{1, 0, 0}));
+}
+
+TEST_F(DirectionalLight, UniformsOfOtherAlternativesAreReplaced) {
+    light.source().uniforms().insert_or_assign(direction, 7);
+    light.source().uniforms().insert_or_assign(intensity, 7.0);
+    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
+    EXPECT_EQ(color(intensity)[3], 0.9f);
+}
+
+TEST_F(DirectionalLight, StrengthIsNotClamped) {
+    set("Intensity", "-2");
+    set("Specular", "1e30");
+    set("color", "1 1 1 1");
+    EXPECT_EQ(color(intensity), (FloatColor{-2, -2, -2, -2}));
+    EXPECT_EQ(color(specular)[0], 1e30f);
+}
+
+TEST_F(DirectionalLight, AcceptsObjectsThatProvideAVector) {
+    struct Arrow : Qelt::VObject {
+        Arrow() : VObject("arrow", 0, {}) {}
+        Qelt::TypedSlot<PhysicalSpace::vector> way{this, "way", {0, 0, 1}};
+    };
+    const Arrow arrow;
+    EXPECT_EQ(light.light.accept(arrow),
+              (Qelt::AcceptList{{"direction", Tessan::Typename(typeid(PhysicalSpace::vector))}}));
+}
+
+} // namespace

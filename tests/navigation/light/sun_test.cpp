@@ -1,0 +1,200 @@
+#include "tests/support/light_fixture.hpp"
+
+#include <cmath>
+#include <random>
+
+namespace {
+
+using namespace korl::test;
+using testing::ElementsAre;
+
+constexpr const char* intensity = "SunIntensity$$";
+constexpr const char* specular = "SunSpecularIntensity$$";
+constexpr const char* direction = "SunDirection$$";
+
+class Sun : public LightTest {
+protected:
+    Sun() : LightTest("Sun") {}
+    DoubleTriple directionAt(double latitude, double time_of_day) {
+        light.parameter("latitude").setGlobalValue(Qelt::VValue<double>(latitude));
+        light.parameter("timeofday").setGlobalValue(Qelt::VValue<double>(time_of_day));
+        return triple(direction);
+    }
+    void expectDirection(double latitude, double time_of_day, const DoubleTriple& expected,
+                         double tolerance = 1e-15) {
+        const DoubleTriple d = directionAt(latitude, time_of_day);
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(d[i], expected[i], tolerance)
+                << latitude << " degrees, " << time_of_day << " hours, " << i;
+    }
+};
+
+TEST_F(Sun, HasItsParameters) {
+    expectParameters({{"Intensity", typeid(double), "0.9", 0, ""},
+                      {"Specular", typeid(double), "0.1", 0, ""},
+                      {"latitude", typeid(double), "45", 0, "min=-90 max=90"},
+                      {"timeofday", typeid(double), "12", 0, "max=24"}}); // no "min", on purpose
+    EXPECT_EQ(light.light.priority(), -199990);
+    expectDefaultIcons();
+}
+
+TEST_F(Sun, CreatorCarriesItsProperties) {
+    expectCreator("Sun",
+                  {"A light source that is specified by altitude and azimuth angles, and changes its color "
+                   "when setting or "
+                   "rising..",
+                   "DATE", "Sun", "navigation/light/Sun.cpp", "Scenery"},
+                  &typeid(Orvid::PhysicalSpace::vector));
+}
+
+TEST_F(Sun, SnippetIsExact) {
+    expectSnippet({"",
+                   "",
+                   "uniform vec4 SunIntensity$$         = vec4(1,1,1,1);",
+                   "uniform vec4 SunSpecularIntensity$$ = vec4(1,1,1,1);",
+                   "uniform vec3 SunDirection$$         = vec3(0,0,-1);",
+                   "",
+                   "/* Sun",
+                   "",
+                   "Given a vertex, provide the light at this point.",
+                   "*/",
+                   "void\tgetLight_$$(in vec3 vertex,",
+                   "\t\t    out vec3 light_incidence,",
+                   "\t\t    out vec3 intensity,",
+                   "\t\t    out vec3 specular_intensity)",
+                   "{",
+                   "vec3\td = SunDirection$$;",
+                   "\tlight_incidence    = normalize(d);",
+                   "",
+                   "\tintensity          = SunIntensity$$.rgb;",
+                   "\tspecular_intensity = SunSpecularIntensity$$.rgb;",
+                   "}",
+                   ""},
+                  506);
+}
+
+TEST_F(Sun, DefaultsGiveTheirUniforms) {
+    EXPECT_EQ(light.source().uniforms().size(), 3u);
+    EXPECT_EQ(color(intensity), (FloatColor{0.9f, 0.9f, 0.9f, 0.9f}));
+    EXPECT_EQ(color(specular), (FloatColor{0.1f, 0.1f, 0.1f, 1}));
+    const DoubleTriple d = triple(direction);
+    EXPECT_NEAR(d[0], -1.2e-16, 1e-17);
+    EXPECT_NEAR(d[1], -0.70710678, 1e-8);
+    EXPECT_NEAR(d[2], -0.70710678, 1e-8);
+    EXPECT_EQ(light.source().uniforms().at(intensity).index(), 13u);
+    EXPECT_EQ(light.source().uniforms().at(direction).index(), 11u);
+}
+
+TEST_F(Sun, StandsWhereItShould) {
+    const double half = std::sqrt(0.5);
+    expectDirection(0, 12, {0, 0, -1});
+    for (const double latitude : {-90.0, -30.0, 0.0, 45.0, 90.0}) {
+        expectDirection(latitude, 6, {-1, 0, 0});
+        expectDirection(latitude, 18, {1, 0, 0});
+    }
+    expectDirection(45, 0, {0, half, half}); // midnight: it shines upwards, undimmed
+    expectDirection(45, 24, {0, half, half});
+    EXPECT_EQ(color(intensity)[0], 0.9f);
+    for (const double hours : {0.0, 3.0, 9.0, 15.0, 21.0}) {
+        const double t = hours * std::acos(-1.0) / 12;
+        expectDirection(90, hours, {-std::sin(t), std::cos(t), 0}, 3e-16); // horizontal at the pole
+    }
+    expectDirection(-30, 12, {0, 0.5, -0.8660254037844386});
+    expectDirection(52, 9, {-0.70710678, -0.55720775, -0.43533840}, 5e-9);
+}
+
+TEST_F(Sun, TimeIsPeriodicByItself) {
+    expectDirection(52, -6, directionAt(52, 18));
+    expectDirection(52, 30, directionAt(52, 6), 2e-15);
+}
+
+TEST_F(Sun, NothingIsClamped) {
+    const double pi = std::acos(-1.0);
+    expectDirection(120, 12, {0, -std::sin(120 * pi / 180), -std::cos(120 * pi / 180)}, 5e-16);
+    set("Intensity", "-2");
+    EXPECT_EQ(color(intensity), (FloatColor{-2, -2, -2, -2}));
+}
+
+TEST_F(Sun, AgreesWithALongDoubleReference) {
+    // The two angles as stated, the products of the factors rounded to double precision, then everything in
+    // extended precision and by another route: the midnight direction turned about the axis of the pole.
+    const double ulp = std::numeric_limits<double>::epsilon(); // of 1.0
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> latitudes(-90, 90), hours(0, 24);
+    double largest = 0;
+    for (int i = 0; i < 100000; ++i) {
+        const double latitude = latitudes(random), hour = hours(random);
+        const long double phi = latitude * 0.017453292519943295, t = hour * 0.2617993877991494;
+        const long double midnight[3] = {0, std::sin(phi), std::cos(phi)};
+        const long double pole[3] = {0, -std::cos(phi), std::sin(phi)};
+        const long double across[3] = {pole[1] * midnight[2] - pole[2] * midnight[1],
+                                       pole[2] * midnight[0] - pole[0] * midnight[2],
+                                       pole[0] * midnight[1] - pole[1] * midnight[0]};
+        const DoubleTriple d = directionAt(latitude, hour);
+        for (std::size_t k = 0; k < 3; ++k) {
+            const long double expected = std::cos(t) * midnight[k] + std::sin(t) * across[k];
+            largest = std::max(largest, static_cast<double>(std::abs(d[k] - expected)));
+        }
+    }
+    EXPECT_LE(largest, 4 * ulp);
+}
+
+TEST_F(Sun, FixedFunctionCallsAreExactAtAnyTime) {
+    for (const double hour : {0.0, 9.0, 12.0}) {
+        directionAt(52, hour);
+        EXPECT_THAT(
+            calls(),
+            ElementsAre("glLightf LIGHT0 CONSTANT_ATTENUATION 1", "glLightf LIGHT0 LINEAR_ATTENUATION 0",
+                        "glLightf LIGHT0 QUADRATIC_ATTENUATION 0", "glLightfv LIGHT0 DIFFUSE 0.9 0.9 0.9 1",
+                        "glLightfv LIGHT0 AMBIENT 0 0 0 1", "glLightfv LIGHT0 SPECULAR 0.1 0.1 0.1 1",
+                        "glLightfv LIGHT0 POSITION 0 0 1 0", "glLightfv LIGHT0 SPOT_DIRECTION 0 0 -1 0",
+                        "glLightf LIGHT0 SPOT_CUTOFF 180", "glEnable LIGHT0", "glEnable LIGHTING"));
+    }
+}
+
+TEST_F(Sun, NoStrengthLeavesTheOpenGLAlpha) {
+    set("Intensity", "0");
+    EXPECT_EQ(color(intensity), (FloatColor{0, 0, 0, 0}));
+    EXPECT_EQ(call("DIFFUSE"), "0 0 0 1");
+}
+
+TEST_F(Sun, FallsBackWhereParametersWereRemoved) {
+    for (const char* const name : {"Intensity", "Specular", "latitude", "timeofday"})
+        remove(name);
+    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1})); // not the default 0.9
+    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(call("DIFFUSE"), "1 1 1 1");
+    EXPECT_EQ(call("SPECULAR"), "1 1 1 1");
+    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15); // latitude 45, noon
+}
+
+TEST_F(Sun, FallsBackWhereValuesAreOfAnotherType) {
+    directionAt(10, 8);
+    for (const char* const name : {"Intensity", "Specular", "latitude", "timeofday"})
+        putColor(name);
+    EXPECT_EQ(color(intensity)[0], 1);
+    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15);
+}
+
+TEST_F(Sun, StrengthsMayBeComputedButTheSkyMustBeHeld) {
+    put("Intensity", new ComputedValue<double>(0.25));
+    put("Specular", new ComputedValue<double>(0.5));
+    put("latitude", new ComputedValue<double>(0));
+    put("timeofday", new ComputedValue<double>(6));
+    EXPECT_EQ(color(intensity)[0], 0.25f);
+    EXPECT_EQ(color(specular)[0], 0.5f);
+    EXPECT_EQ(call("DIFFUSE"), "0.25 0.25 0.25 1");
+    EXPECT_NEAR(triple(direction)[0], 0, 1e-15); // noon
+    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15);
+}
+
+TEST_F(Sun, HasNoInputOfItsDeclaredType) {
+    struct Arrow : Qelt::VObject {
+        Arrow() : VObject("arrow", 0, {}) {}
+        Qelt::TypedSlot<Orvid::PhysicalSpace::vector> way{this, "way", {0, 0, 1}};
+    };
+    const Arrow arrow;
+    EXPECT_TRUE(light.light.accept(arrow).empty());
+}
+
+} // namespace

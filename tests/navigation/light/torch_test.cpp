@@ -1,0 +1,171 @@
+#include "tests/support/light_fixture.hpp"
+
+#include <cmath>
+
+namespace {
+
+using namespace korl::test;
+using Orvid::PhysicalSpace;
+
+constexpr const char* intensity = "TorchIntensity$$";
+constexpr const char* specular = "TorchSpecularIntensity$$";
+constexpr const char* location = "TorchLocation$$";
+constexpr const char* elevation = "TorchElevation$$";
+constexpr const char* scale_distance = "TorchScaleDistance$$";
+
+class Torch : public LightTest {
+protected:
+    Torch() : LightTest("Torch") {}
+    PhysicalSpace::point point(const std::string& uniform) {
+        return light.uniform<PhysicalSpace::point>(uniform);
+    }
+    double number(const std::string& uniform) { return light.uniform<double>(uniform); }
+};
+
+TEST_F(Torch, HasItsParameters) {
+    expectParameters(
+        {{"intensity", typeid(double), "0.8", 0, ""},
+         {"specular", typeid(double), "0.8", 1, ""},
+         {"elevation", typeid(double), "100", 2, "max=1000"},
+         {"scaleDistance", typeid(double), "1000", 3, "max=10000"},
+         {"up", typeid(PhysicalSpace::vector), "0 0 1", 8, ""}, // before "location", at a higher level
+         {"location", typeid(PhysicalSpace::point), "0 0 0", 7, ""}});
+    EXPECT_EQ(light.light.priority(), -199990);
+}
+
+TEST_F(Torch, CreatorCarriesItsProperties) {
+    // No description; the name comes from the file's.
+    expectCreator("Torch", {"DATE", "Torch", "navigation/light/Torch.cpp", "Scenery"}, nullptr);
+    EXPECT_EQ(light.light.help(), "");
+}
+
+TEST_F(Torch, SnippetIsExact) {
+    expectSnippet(
+        {"",
+         "",
+         "uniform vec4 TorchIntensity$$         = vec4(1,1,1,1);",
+         "uniform vec4 TorchSpecularIntensity$$ = vec4(1,1,1,1);",
+         "uniform vec3 TorchLocation$$          = vec3(0,0,0);",
+         "",
+         "uniform vec3 TorchElevation$$         = vec3(0,0,100.0);",
+         "",
+         "const float TorchDistanceAttenuation$$ = 2;",
+         "uniform float TorchScaleDistance$$       = 1000.0;",
+         "",
+         "",
+         "/* VTorch",
+         "",
+         "Given a vertex, provide the light at this point.",
+         "*/",
+         "void\tgetLight_$$(in  vec3 vertex,",
+         "\t\t    out vec3 light_incidence,",
+         "\t\t    out vec3 intensity,",
+         "\t\t    out vec3 specular_intensity",
+         "\t\t    )",
+         "{",
+         "vec3\tTorchAt = TorchLocation$$ + TorchElevation$$;",
+         "vec3\td = vertex - TorchAt;",
+         "\tlight_incidence = normalize(d);",
+         "",
+         "float\tdl = length(d);",
+         "float\ta = pow(TorchScaleDistance$$/dl, TorchDistanceAttenuation$$ );\t// Inverse-square law",
+         "float\tattenuation = a/(1+a);\t\t\t\t\t\t// smooth infinity correction",
+         "",
+         "\tintensity          = TorchIntensity$$.rgb*attenuation;",
+         "\tspecular_intensity = TorchSpecularIntensity$$.rgb*attenuation;",
+         "}",
+         ""},
+        933);
+}
+
+TEST_F(Torch, DefaultsGiveTheirUniforms) {
+    const auto& uniforms = light.source().uniforms();
+    EXPECT_EQ(uniforms.size(), 5u);
+    EXPECT_EQ(uniforms.at(intensity).index(), 13u);
+    EXPECT_EQ(uniforms.at(specular).index(), 13u);
+    EXPECT_EQ(uniforms.at(location).index(), 10u);
+    EXPECT_EQ(uniforms.at(elevation).index(), 11u);
+    EXPECT_EQ(uniforms.at(scale_distance).index(), 2u);
+    EXPECT_EQ(color(intensity), (FloatColor{0.8f, 0.8f, 0.8f, 1}));
+    EXPECT_EQ(color(specular), (FloatColor{0.8f, 0.8f, 0.8f, 1}));
+    EXPECT_EQ(point(location), (PhysicalSpace::point{0, 0, 0}));
+    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 100}));
+    EXPECT_EQ(number(scale_distance), 1000);
+}
+
+TEST_F(Torch, ElevationActsAlongZWhateverUpSays) {
+    set("elevation", "7");
+    const auto before = light.source().uniforms();
+    set("up", "1 0 0");
+    EXPECT_EQ(light.source().uniforms(), before);
+    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 7}));
+}
+
+TEST_F(Torch, UpIsSavedWithTheObject) {
+    set("up", "1 0 0");
+    EXPECT_THAT(light.light.saveText(), testing::HasSubstr("up = 1 0 0\n"));
+}
+
+TEST_F(Torch, ValuesBeyondTheirRangesPassUnchanged) {
+    set("elevation", "5000");
+    set("scaleDistance", "20000");
+    set("intensity", "-3");
+    EXPECT_EQ(triple(elevation)[2], 5000);
+    EXPECT_EQ(number(scale_distance), 20000);
+    EXPECT_EQ(color(intensity), (FloatColor{-3, -3, -3, 1}));
+    set("elevation", "-50");
+    set("scaleDistance", "0");
+    EXPECT_EQ(triple(elevation)[2], -50);
+    EXPECT_EQ(number(scale_distance), 0);
+}
+
+TEST_F(Torch, StrengthsAreRoundedToSinglePrecisionAndTheRestIsNot) {
+    set("intensity", "0.1");
+    set("elevation", "0.1");
+    set("location", "0.1 0.2 1e-300");
+    EXPECT_EQ(color(intensity)[0], 0.1f);
+    EXPECT_EQ(triple(elevation)[2], 0.1);
+    EXPECT_EQ(point(location), (PhysicalSpace::point{0.1, 0.2, 1e-300}));
+}
+
+TEST_F(Torch, SetsUpNoFixedFunctionLight) {
+    EXPECT_THAT(calls(), testing::IsEmpty());
+}
+
+TEST_F(Torch, FallsBackWhereParametersWereRemoved) {
+    set("location", "1 2 3");
+    for (const char* const name : {"intensity", "specular", "elevation", "scaleDistance", "up", "location"})
+        remove(name);
+    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1})); // not the default 0.8
+    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 100}));
+    EXPECT_EQ(number(scale_distance), 1000);
+    EXPECT_EQ(point(location), (PhysicalSpace::point{0, 0, 0}));
+}
+
+TEST_F(Torch, FallsBackWhereValuesAreOfAnotherType) {
+    for (const char* const name : {"intensity", "specular", "elevation", "scaleDistance"})
+        putColor(name);
+    putNumber("location");
+    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
+    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 100}));
+    EXPECT_EQ(number(scale_distance), 1000);
+    EXPECT_EQ(point(location), (PhysicalSpace::point{0, 0, 0}));
+}
+
+TEST_F(Torch, TakesComputedValues) {
+    put("elevation", new ComputedValue<double>(3));
+    put("location", new ComputedValue<PhysicalSpace::point>({1, 2, 3}));
+    EXPECT_EQ(triple(elevation)[2], 3);
+    EXPECT_EQ(point(location), (PhysicalSpace::point{1, 2, 3}));
+}
+
+TEST_F(Torch, UniformsOfOtherAlternativesAreReplaced) {
+    light.source().uniforms().insert_or_assign(location, DoubleTriple{1, 2, 3});
+    light.source().uniforms().insert_or_assign(scale_distance, 7.0f);
+    EXPECT_EQ(light.source().uniforms().at(location).index(), 10u);
+    EXPECT_EQ(light.source().uniforms().at(scale_distance).index(), 2u);
+}
+
+} // namespace
