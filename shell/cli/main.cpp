@@ -16,9 +16,9 @@ enum ExitCode : int { done = 0, failed = 1, wrong_usage = 2 };
 /// What is wrong with the command line. A word in the place of the command gets a guess at what was meant.
 std::string problemOf(const CLI::App& app, const CLI::Error& error) {
     const std::vector<std::string> not_understood = app.remaining();
-    const auto word = std::find_if(not_understood.rbegin(), not_understood.rend(),
+    const auto word = std::find_if(not_understood.begin(), not_understood.end(),
                                    [](const std::string& left) { return !left.starts_with('-'); });
-    if (!app.get_subcommands().empty() || word == not_understood.rend())
+    if (!app.get_subcommands().empty() || word == not_understood.end())
         return error.what();
     std::vector<std::string> commands;
     for (const CLI::App* const command : app.get_subcommands({}))

@@ -80,6 +80,12 @@ TEST(Module, AnnouncesItself) {
 
 TEST(Module, TracesItsCreatorsAtLoad) {
     EXPECT_EQ(traceOf(100, [] { const LoadedModule module; }),
+              "VCreator::VCreator(Headlight,-3000)\n"
+              "VCreator::VCreator(Scenery/Headlight,2000)\n"
+              "VCreator::VCreator(Scenery/Torch,0)\n"
+              "VCreator::VCreator(Scenery/Sun,0)\n"
+              "VCreator::VCreator(Scenery/DistanceLight,0)\n"
+              "VCreator::VCreator(Scenery/DirectionalLight,0)\n"
               "VCreator::VCreator(Scenery/AmbientLight,0)\n");
     EXPECT_EQ(traceOf(99, [] { const LoadedModule module; }), "");
 }

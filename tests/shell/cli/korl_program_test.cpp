@@ -80,11 +80,11 @@ TEST(KorlProgram, TypesListsTheCatalogue) {
 TEST(KorlProgram, DescribeShowsRangesAndLevels) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"describe", "Sun"});
     EXPECT_EQ(result.output.substr(result.output.find("\n\n")), "\n\n"
-                                                                "PARAMETER  TYPE    DEFAULT  RANGE   LEVEL\n"
-                                                                "Intensity  double  0.9      -       0\n"
-                                                                "Specular   double  0.1      -       0\n"
+                                                                "PARAMETER  TYPE    DEFAULT  RANGE    LEVEL\n"
+                                                                "Intensity  double  0.9      -        0\n"
+                                                                "Specular   double  0.1      -        0\n"
                                                                 "latitude   double  45       -90..90  0\n"
-                                                                "timeofday  double  12       ..24    0\n");
+                                                                "timeofday  double  12       ..24     0\n");
 }
 
 TEST(KorlProgram, DescribeListsTheParameters) {
@@ -176,9 +176,7 @@ TEST_F(KorlProgramGLTest, AddsALightWhereThereIsNoneAndSaysSo) {
               "--light, or leave it dark with --no-default-light\n"
               "korl: wrote " +
                   picture + ", 64x48 pixels\n");
-    EXPECT_GT(count(readImage(picture), {204, 204, 204, 255}, true) +
-                  count(readImage(picture), {255, 255, 255, 255}, true),
-              5);
+    EXPECT_EQ(count(readImage(picture), {0, 0, 0, 255}, true), 0);
     // The added light can be set by its name like any other.
     render({"--size", "64x48", "--set", "Headlight.intensity=0", "--set", "Headlight.specular=0"});
     EXPECT_GT(count(readImage(picture), {0, 0, 0, 255}, true), 20);

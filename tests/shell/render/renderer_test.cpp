@@ -166,7 +166,7 @@ TEST_F(RendererGLTest, NotFiniteLightContributesNothingAndIsNamedOnce) {
     addSetUpLight([](Qelt::VRenderContext& context) {
         shineDown(context);
         const std::array<GLfloat, 4> broken{std::numeric_limits<float>::quiet_NaN(), 0, 0, 1};
-        glLightfv(GL_LIGHT0, GL_AMBIENT, broken.data());
+        glLightfv(GL_LIGHT0 + static_cast<GLenum>(context.lightNumber() - 1), GL_AMBIENT, broken.data());
     });
     scene.create("AmbientLight", "a");
     scene.setParameter("a", "Color", "0.2 0.2 0.2 1");
