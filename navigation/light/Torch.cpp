@@ -90,6 +90,12 @@ float	attenuation = a/(1+a);						// smooth infinity correction
 
 )glsl";
 
+// The icons: an image, and the path of another one in the module's resource.
+
+#include "Torch.xpm"
+
+constexpr const char* resource_path = ":/light/Torch.png";
+
 // The light.
 
 class Torch final : public ShaderLightSource {
@@ -119,6 +125,9 @@ public:
         writeUniform(uniforms, elevation_uniform, Orvid::FixedArray<double, 3>{0, 0, elevation});
         writeUniform(uniforms, scale_distance_uniform, scale_distance);
     }
+
+    const char* const* xpm_icon() const override { return torch_xpm; }
+    std::string qt_icon() const override { return resource_path; }
 
 private:
     TypedSlot<double> my_intensity{this, intensity_name, strength_default, intensity_level};

@@ -66,6 +66,10 @@ void	getLight_$$(in vec3 vertex,
 
 )glsl";
 
+// The icon.
+
+#include "Headlight.xpm"
+
 // The light.
 
 class Headlight final : public VLightSource {
@@ -117,6 +121,8 @@ public:
         return true;
     }
     using VLightSource::environment_render;
+
+    const char* const* xpm_icon() const override { return headlight_xpm; }
 
 private:
     TypedSlot<double> my_intensity{this, intensity_name, strength_default, intensity_level};

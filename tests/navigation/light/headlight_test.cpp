@@ -26,6 +26,12 @@ TEST_F(Headlight, HasItsParameters) {
     EXPECT_EQ(light.light.priority(), -200010);
 }
 
+TEST_F(Headlight, HasItsIcon) {
+    ASSERT_NE(light.light.xpm_icon(), nullptr);
+    EXPECT_STREQ(light.light.xpm_icon()[0], "32 32 300 2");
+    EXPECT_EQ(light.light.qt_icon(), "");
+}
+
 TEST_F(Headlight, IsRegisteredTwice) {
     const auto catalogue = Qelt::VCreatorBase::catalogue();
     const Qelt::VCreatorBase &first = *catalogue.front(), &second = *catalogue.back();

@@ -33,6 +33,13 @@ TEST_F(Torch, HasItsParameters) {
     EXPECT_EQ(light.light.priority(), -199990);
 }
 
+TEST_F(Torch, HasItsIcons) {
+    EXPECT_EQ(light.light.qt_icon(), ":/light/Torch.png");
+    ASSERT_NE(light.light.xpm_icon(), nullptr);
+    EXPECT_STREQ(light.light.xpm_icon()[0], "32 86 402 2");
+    EXPECT_EQ(light.light.gimp_icon(), "");
+}
+
 TEST_F(Torch, CreatorCarriesItsProperties) {
     // No description; the name comes from the file's.
     expectCreator("Torch", {"DATE", "Torch", "navigation/light/Torch.cpp", "Scenery"}, nullptr);
