@@ -49,13 +49,14 @@ int main(int argument_count, char** arguments) {
                    "100 creators");
     addTypesCommand(app, program);
     addDescribeCommand(app, program);
+    addAcceptsCommand(app, program);
     addRenderCommand(app, program);
     addShaderCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);
         if (!program.command)
-            throw UsageError("no command was given; there are types, describe, render and shader");
+            throw UsageError("no command was given; there are types, describe, accepts, render and shader");
         program.command();
         if (std::fflush(stdout) != 0)
             throw korl::Error(std::string("cannot write to standard output: ") + std::strerror(errno));

@@ -49,6 +49,7 @@ void printTable(const std::vector<std::vector<std::string>>& rows);
 /// Each adds a command of its name; the command's work is put into `program.command` when it is chosen.
 void addTypesCommand(CLI::App& app, Program& program);
 void addDescribeCommand(CLI::App& app, Program& program);
+void addAcceptsCommand(CLI::App& app, Program& program);
 void addRenderCommand(CLI::App& app, Program& program);
 void addShaderCommand(CLI::App& app, Program& program);
 

@@ -61,6 +61,24 @@ Setting parseSetting(const std::string& text) {
     return {text.substr(0, dot), text.substr(dot + 1, equals - dot - 1), text.substr(equals + 1)};
 }
 
+struct Connection {
+    Setting follower; ///< its value unused
+    std::string object, parameter;
+};
+
+/// Reads "NAME.PARAM=NAME.PARAM".
+Connection parseConnection(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    const std::size_t dot = text.rfind('.');
+    const std::size_t first_dot = text.rfind('.', equals);
+    if (equals == std::string::npos || first_dot == std::string::npos || first_dot == 0 ||
+        first_dot + 1 == equals || dot < equals + 2 || dot + 1 == text.size())
+        throw UsageError(
+            "--connect takes NAME.PARAM=NAME.PARAM such as \"a.direction=b.direction\", found \"" + text +
+            "\"");
+    return {parseSetting(text), text.substr(equals + 1, dot - equals - 1), text.substr(dot + 1)};
+}
+
 /// The words of the command line, understood. Wrong usage shows before any work is done.
 struct ParsedOptions {
     explicit ParsedOptions(const SceneOptions& options)
@@ -69,6 +87,8 @@ struct ParsedOptions {
             lights.push_back(parseLight(text));
         for (const std::string& text : options.settings)
             settings.push_back(parseSetting(text));
+        for (const std::string& text : options.connections)
+            connections.push_back(parseConnection(text));
         if (!options.background.empty())
             background = usage("--background", [&] { return parseColor(options.background); });
         position = parsePoint("--camera", options.camera);
@@ -79,6 +99,7 @@ struct ParsedOptions {
     UpAxis model_up;
     std::vector<Light> lights;
     std::vector<Setting> settings;
+    std::vector<Connection> connections;
     std::optional<Orvid::rgba_float_t> background;
     std::optional<glm::dvec3> position, target, up;
 };
@@ -125,6 +146,10 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
     command.add_option("--light", options.lights, "Add a light: TYPE or TYPE:NAME")->allow_extra_args(false);
     command.add_option("--set", options.settings, "Set a parameter: NAME.PARAM=VALUE")
         ->allow_extra_args(false);
+    command
+        .add_option("--connect", options.connections,
+                    "Make a parameter follow another: NAME.PARAM=NAME.PARAM")
+        ->allow_extra_args(false);
     command.add_flag("--no-default-light", options.no_default_light, "Add no light where there is none");
     command.add_option("--background", options.background,
                        "\"#rrggbb[aa]\" or \"red green blue [alpha]\", 0 to 1");
@@ -149,6 +174,9 @@ void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
         addDefaultLight(scene);
     for (const Setting& setting : parsed.settings)
         scene.setParameter(setting.object, setting.parameter, setting.value);
+    for (const Connection& connection : parsed.connections)
+        scene.connect(connection.follower.object, connection.follower.parameter, connection.object,
+                      connection.parameter);
     scene.background = parsed.background.value_or(scene.background);
     setCamera(parsed, options.fov, aspect, scene);
 }

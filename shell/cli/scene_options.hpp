@@ -16,6 +16,7 @@ struct SceneOptions {
     std::string model_up = "y";
     std::vector<std::string> lights;
     std::vector<std::string> settings;
+    std::vector<std::string> connections;
     bool no_default_light = false;
     std::string background;
     std::string camera, target, up;

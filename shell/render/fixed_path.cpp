@@ -90,7 +90,7 @@ void setMaterial() {
 
 } // namespace
 
-void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports) {
+void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone) {
     resetLights();
     FloatQuad model_ambient{0, 0, 0, 1};
     const int most = lightCount();
@@ -105,8 +105,14 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         view.context().setLightNumber(number);
         member.object->environment_render(view.context());
         const GLenum light = openGLLight(number);
-        if (!glIsEnabled(light))
+        if (!glIsEnabled(light)) {
+            if (alone && member.source_count > 0 && my_without_light.insert(member.object->number()).second)
+                reports.once("light \"" + member.object->Name() +
+                             "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; "
+                             "the shader "
+                             "path shows it");
             continue;
+        }
         if (givesFiniteLight(light)) {
             moveConelessLightToModel(light, model_ambient);
         } else {

@@ -5,6 +5,8 @@
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
 
+#include <cstdint>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -20,7 +22,8 @@ public:
     /// matrix. The light number goes on to the next light only when an object has enabled the current one.
     /// Objects past the driver's number of lights are not called, and a light that is not finite is switched
     /// off; both are reported by name.
-    void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports);
+    /// @param alone whether this path is all that is shown: a light that sets up none is then reported, too.
+    void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone = false);
 
     /// Draws the meshes under these lights, into the framebuffer and viewport that are current. Lighting is
     /// off afterwards.
@@ -29,6 +32,8 @@ public:
 private:
     void reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports);
 
+    std::set<std::uint64_t>
+        my_without_light; ///< the numbers of the objects that were reported to set up none
     std::vector<const Qelt::RenderAble*> my_left_out; ///< of the latest frame; only compared, never followed
 };
 

@@ -65,16 +65,16 @@ Image Renderer::render(const Scene& scene, View& view, const RenderSettings& set
         std::size_t{4} * static_cast<std::size_t>(settings.width) * static_cast<std::size_t>(settings.height);
     Image image{settings.width, settings.height, std::vector<std::uint8_t>(size)};
     if (settings.path != RenderPath::both) {
-        drawPath(settings.path, scene, view, image);
+        drawPath(settings.path, true, scene, view, image);
         return image;
     }
     Image right = image;
-    drawPath(RenderPath::shader, scene, view, image);
-    drawPath(RenderPath::fixed, scene, view, right);
+    drawPath(RenderPath::shader, false, scene, view, image);
+    drawPath(RenderPath::fixed, false, scene, view, right);
     return sideBySide(image, right);
 }
 
-void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& image) {
+void Renderer::drawPath(RenderPath path, bool alone, const Scene& scene, View& view, Image& image) {
     const Viewpoint viewpoint = viewpointOf(scene, static_cast<double>(image.width) / image.height);
     my_target->bind();
     glClearColor(scene.background.r, scene.background.g, scene.background.b, scene.background.a);
@@ -87,7 +87,7 @@ void Renderer::drawPath(RenderPath path, const Scene& scene, View& view, Image& 
         my_shader_path.fillUniforms(view, viewpoint);
         my_shader_path.draw(view, viewpoint, meshes, my_reports);
     } else {
-        my_fixed_path.setUpLights(view, viewpoint, my_reports);
+        my_fixed_path.setUpLights(view, viewpoint, my_reports, alone);
         my_fixed_path.draw(viewpoint, meshes);
     }
     drawObjects(view, viewpoint);

@@ -48,7 +48,7 @@ public:
     const ShaderPath& shaderPath() const noexcept { return my_shader_path; }
 
 private:
-    void drawPath(RenderPath path, const Scene& scene, View& view, Image& image);
+    void drawPath(RenderPath path, bool alone, const Scene& scene, View& view, Image& image);
 
     GLContext& my_context;
     Reports my_reports;

@@ -98,18 +98,36 @@ void Scene::remove(const std::string& name) {
     my_revision = nextRevision(); // the list of objects is swept when it is next asked for
 }
 
+VParameter& Scene::parameterOf(VObject& owner, const std::string& name) const {
+    if (VParameter* const found = owner.findParameter(name))
+        return *found;
+    std::vector<std::string> known;
+    for (const auto& entry : owner.parameters())
+        known.push_back(entry.parameter->Name());
+    throw Error("unknown parameter \"" + owner.Name() + "." + name +
+                "\": " + nearNames(name, known, "the object has no parameters"));
+}
+
+void Scene::connect(const std::string& object_name, const std::string& parameter_name,
+                    const std::string& source_object, const std::string& source_parameter) {
+    VObject& owner = object(object_name);
+    const VParameter& parameter = parameterOf(owner, parameter_name);
+    VParameter& source = parameterOf(object(source_object), source_parameter);
+    if (owner.connectInput(parameter_name, source))
+        return;
+    const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
+    const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
+    if (parameter.type() != source.type())
+        throw Error(follower + " takes " + valueForm(parameter.type()) + ", but " + followed + " is " +
+                    valueForm(source.type()) + "; they stay unconnected");
+    throw Error(follower + " cannot follow " + followed +
+                ": that one follows it already, or the input takes no connections");
+}
+
 void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,
                          const std::string& text) {
-    VObject& owner = object(object_name);
-    VParameter* const parameter = owner.findParameter(parameter_name);
+    VParameter* const parameter = &parameterOf(object(object_name), parameter_name);
     const std::string full_name = object_name + "." + parameter_name;
-    if (!parameter) {
-        std::vector<std::string> known;
-        for (const auto& entry : owner.parameters())
-            known.push_back(entry.parameter->Name());
-        throw Error("unknown parameter \"" + full_name +
-                    "\": " + nearNames(parameter_name, known, "the object has no parameters"));
-    }
     const StrongPtr<Qelt::VValueBase> value = parameter->DefaultValue().clone();
     if (!value->setValueFromText(text))
         throw Error("\"" + full_name + "\" takes " + valueForm(parameter->type()) + ", found \"" + text +

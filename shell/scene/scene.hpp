@@ -46,6 +46,12 @@ public:
     /// for numbers that are not finite; nothing is changed then.
     void setParameter(const std::string& object, const std::string& parameter, const std::string& text);
 
+    /// Makes a parameter follow another object's, in every view.
+    /// Throws Error for an unknown object or parameter, for parameters of different types, and for one that
+    /// would come to follow itself; nothing is changed then.
+    void connect(const std::string& object, const std::string& parameter, const std::string& source_object,
+                 const std::string& source_parameter);
+
     /// The living objects, in the order of their creation.
     const std::vector<Tessan::StrongPtr<Qelt::VObject>>& objects() const;
 
@@ -69,6 +75,7 @@ public:
 private:
     void objectCreated(const Tessan::StrongPtr<Qelt::VObject>& object, Qelt::VContext* context,
                        Qelt::VCreatorBase& creator) override;
+    Qelt::VParameter& parameterOf(Qelt::VObject& owner, const std::string& name) const;
     void dropTheGone() const;
 
     mutable std::vector<Tessan::StrongPtr<Qelt::VObject>> my_objects;

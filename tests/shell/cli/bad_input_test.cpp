@@ -128,11 +128,14 @@ TEST_F(BadInput, WrongUsage) {
     const std::string set = "--set takes NAME.PARAM=VALUE such as \"sun.latitude=52\", found \"";
     const std::string size =
         "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
-    expectError({}, 2, "no command was given; there are types, describe, render and shader" + usage_hint);
+    expectError({}, 2,
+                "no command was given; there are types, describe, accepts, render and shader" + usage_hint);
     expectError({"frobnicate"}, 2,
-                "unknown command \"frobnicate\": there are: types, describe, render, shader." + usage_hint);
+                "unknown command \"frobnicate\": there are: types, describe, accepts, render, shader." +
+                    usage_hint);
     expectError({"descibe", "Sun"}, 2,
-                "unknown command \"descibe\": did you mean \"describe\"? There are: types, describe, render, "
+                "unknown command \"descibe\": did you mean \"describe\"? There are: types, describe, "
+                "accepts, render, "
                 "shader." +
                     usage_hint);
     expectError({"render", "--model", ""}, 2, "--model: it is empty" + usage_hint);
@@ -142,6 +145,10 @@ TEST_F(BadInput, WrongUsage) {
     expectError({"render", "--light", "AmbientLight:"}, 2, light + "AmbientLight:\"" + usage_hint);
     for (const std::string wrong : {"x", "a.b", "=1", ".b=1", "a.=1", "a=1"})
         expectError({"render", "--set", wrong}, 2, set + wrong + "\"" + usage_hint);
+    for (const std::string wrong : {"a.b", "a.b=", "a.b=c", "a.b=c.", "=c.d", "a=c.d", "a.b=.d"})
+        expectError({"render", "--connect", wrong}, 2,
+                    "--connect takes NAME.PARAM=NAME.PARAM such as \"a.direction=b.direction\", found \"" +
+                        wrong + "\"" + usage_hint);
     for (const std::string wrong :
          {"0x0", "640", "640x", "x480", "-640x480", "640x480x3", "640X480", "1e3x10", "99999999999x1"})
         expectError({"render", "--size=" + wrong}, 2, size + wrong + "\"" + usage_hint);

@@ -95,6 +95,28 @@ TEST(KorlProgram, DescribeListsTheParameters) {
                              "Color      color  1 1 1 1  -      1\n");
 }
 
+TEST(KorlProgram, AcceptsListsInputsByKindOfValue) {
+    EXPECT_EQ(runProgram(KORL_PROGRAM, {"accepts", "DistanceLight"}).output,
+              "VALUE   INPUTS                  OFFERED\n"
+              "double  Intensity, Specular     -\n"
+              "point   lightposition, shineat  lightposition, shineat\n"
+              "color   color                   -\n");
+    EXPECT_EQ(runProgram(KORL_PROGRAM, {"accepts", "DirectionalLight"}).output,
+              "VALUE   INPUTS               OFFERED\n"
+              "double  Intensity, Specular  -\n"
+              "vector  direction            direction\n"
+              "color   color                -\n");
+}
+
+TEST(KorlProgram, TypesWritesIcons) {
+    const TemporaryFolder folder;
+    const ProgramResult result = runProgram(KORL_PROGRAM, {"types", "--icons", folder.path()});
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(readImage(folder / "Torch.png").height, 138);
+    EXPECT_EQ(readImage(folder / "Headlight.png").width, 32);
+    EXPECT_FALSE(std::filesystem::exists(folder / "Sun.png"));
+}
+
 TEST(KorlProgram, ShaderHoldsTheSnippetByteForByte) {
     const std::string snippet =
         "\n\nuniform vec4 AmbientIntensity$$         = vec4(1,1,1,1);\n\n//\n// AmbientLight\n//\n"
@@ -237,6 +259,46 @@ TEST_F(KorlProgramGLTest, RendersASceneFile) {
     const Image image = readImage(picture);
     EXPECT_GT(count(image, {0, 0, 255, 255}), 100);
     EXPECT_GT(count(image, {0, 255, 0, 255}, true), 5); // the white sphere
+}
+
+TEST_F(KorlProgramGLTest, ConnectedInputsFollow) {
+    const std::vector<std::string> lights{"shader",  "--uniforms",        "--light", "DirectionalLight:a",
+                                          "--light", "DirectionalLight:b"};
+    auto arguments = lights;
+    arguments.insert(arguments.end(), {"--connect", "a.direction=b.direction", "--set", "b.direction=1 0 0"});
+    const std::string output = runProgram(KORL_PROGRAM, arguments).output;
+    EXPECT_EQ(output.find("DirectionalLightDirection$$ = 1 0 0"), 0u);
+    arguments = lights;
+    arguments.insert(arguments.end(), {"--connect", "a.direction=b.color"});
+    EXPECT_EQ(runProgram(KORL_PROGRAM, arguments).errors,
+              "korl: \"a.direction\" takes a vector, three numbers \"x y z\", but \"b.color\" is a color, "
+              "four numbers "
+              "\"red green blue alpha\"; they stay unconnected\n");
+    arguments = lights;
+    arguments.insert(arguments.end(), {"--connect", "a.color=b.color", "--connect", "b.color=a.color"});
+    EXPECT_EQ(runProgram(KORL_PROGRAM, arguments).exit_code, 1);
+}
+
+TEST_F(KorlProgramGLTest, SaysThatATorchShowsNothingOnTheFixedPathAlone) {
+    const std::string told =
+        "korl: light \"t\" adds nothing on the fixed-function path: its type sets up no OpenGL light; "
+        "the shader path shows it\n";
+    EXPECT_THAT(render({"--light", "Torch:t", "--size", "8x8", "--path", "fixed"}).errors, HasSubstr(told));
+    EXPECT_THAT(render({"--light", "Torch:t", "--size", "8x8", "--path", "both"}).errors,
+                testing::Not(HasSubstr(told)));
+}
+
+TEST_F(KorlProgramGLTest, SunStandsWhereItShould) {
+    const std::string output = render({"--light", "Sun:s", "--set", "s.latitude=52", "--set", "s.timeofday=9",
+                                       "--size", "8x8", "--uniforms"})
+                                   .output;
+    const std::string name = "SunDirection$$ = ";
+    std::istringstream numbers(output.substr(output.find(name) + name.size()));
+    for (const double expected : {-0.70710678, -0.55720775, -0.43533840}) {
+        double found = 0;
+        numbers >> found;
+        EXPECT_NEAR(found, expected, 1e-8);
+    }
 }
 
 TEST_F(KorlProgramGLTest, UniformsPrintWithoutAPictureToo) {

@@ -1,0 +1,123 @@
+// Lights that answer on both paths look alike on both: the mean difference of the pictures over the model.
+
+#include "tests/support/gl_test.hpp"
+#include "tests/support/loaded_module.hpp"
+
+#include "shell/render/renderer.hpp"
+#include "shell/scene/builtin_scene.hpp"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace {
+
+using korl::Image;
+using korl::RenderPath;
+
+class PathAgreementGLTest : public korl::test::GLTest {
+protected:
+    PathAgreementGLTest() {
+        for (korl::Mesh& mesh : korl::builtinScene())
+            scene.addMesh(std::move(mesh));
+        scene.background = {1, 0, 1, 0}; // what keeps alpha 0 is no part of the model
+    }
+
+    /// In units of 1/255, over all channels of the pixels that the model covers on both paths.
+    double meanDifference() {
+        const Image shader = renderer.render(scene, view, {320, 240, RenderPath::shader});
+        const Image fixed = renderer.render(scene, view, {320, 240, RenderPath::fixed});
+        double sum = 0;
+        int values = 0;
+        long brightness = 0;
+        for (std::size_t i = 0; i < shader.pixels.size(); i += 4) {
+            if (shader.pixels[i + 3] != 255 || fixed.pixels[i + 3] != 255)
+                continue;
+            for (std::size_t channel = i; channel < i + 3; ++channel) {
+                sum += std::abs(int{shader.pixels[channel]} - int{fixed.pixels[channel]});
+                brightness += shader.pixels[channel];
+                ++values;
+            }
+        }
+        EXPECT_GT(values, 10000);
+        EXPECT_GT(brightness / values, 20) << "a dark picture shows nothing";
+        RecordProperty("mean_difference", std::to_string(sum / values));
+        return sum / values;
+    }
+
+    const korl::test::LoadedModule module;
+    korl::Scene scene;
+    korl::View view;
+    korl::Renderer renderer{context()};
+};
+
+TEST_F(PathAgreementGLTest, AmbientLight) {
+    scene.create("AmbientLight");
+    EXPECT_LT(meanDifference(), 2);
+}
+
+TEST_F(PathAgreementGLTest, DirectionalLightWithoutHighlights) {
+    scene.create("DirectionalLight", "d");
+    scene.setParameter("d", "direction", "-1 -2 -2");
+    scene.setParameter("d", "Specular", "0");
+    EXPECT_LT(meanDifference(), 2);
+}
+
+TEST_F(PathAgreementGLTest, DirectionalLightWithHighlights) {
+    scene.create("DirectionalLight", "d");
+    scene.setParameter("d", "direction", "-1 -2 -2");
+    scene.setParameter("d", "Specular", "1");
+    EXPECT_LT(meanDifference(), 4);
+}
+
+TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithoutHighlights) {
+    scene.create("Headlight", "h");
+    scene.setParameter("h", "positionmv", "0 0 0");
+    scene.setParameter("h", "specular", "0");
+    EXPECT_LT(meanDifference(), 2);
+}
+
+TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithHighlights) {
+    scene.create("Headlight", "h");
+    scene.setParameter("h", "positionmv", "0 0 0");
+    EXPECT_LT(meanDifference(), 4);
+}
+
+TEST_F(PathAgreementGLTest, HeadlightServesTwoContextsAtOnce) {
+    scene.create("Headlight", "h");
+    korl::View other;
+    scene.object("h")
+        .findParameter("intensity")
+        ->getLocalValue(other.pool(), "", true)
+        ->setValueFromText("0");
+    scene.object("h").findParameter("specular")->getLocalValue(other.pool(), "", true)->setValueFromText("0");
+    const auto brightness = [&](korl::View& in, RenderPath path) {
+        const Image image = renderer.render(scene, in, {32, 24, path});
+        long sum = 0;
+        for (std::size_t i = 0; i < image.pixels.size(); i += 4)
+            sum += image.pixels[i + 3] == 255 ? image.pixels[i] : 0;
+        return sum;
+    };
+    for (int frame = 0; frame < 2;
+         ++frame) // one after the other, each with its own values in the one light source
+        for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
+            EXPECT_GT(brightness(view, path), 1000);
+            EXPECT_EQ(brightness(other, path), 0);
+        }
+}
+
+TEST_F(PathAgreementGLTest, HundredObjectsOfEachTypeInTwoContextsGoWithTheModule) {
+    for (const char* const type :
+         {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight"})
+        for (int i = 0; i < 100; ++i)
+            scene.create(type);
+    korl::View other;
+    for (korl::View* const each : {&view, &other}) {
+        renderer.render(scene, *each, {16, 16, RenderPath::fixed});
+        EXPECT_EQ(renderer.listUniforms(scene, *each).size(), 100u * (1 + 3 + 3 + 3 + 5 + 2));
+    }
+    const_cast<korl::test::LoadedModule&>(module).unload();
+    EXPECT_FALSE(korl::test::LoadedModule::isInProcess());
+    EXPECT_TRUE(scene.objects().empty());
+}
+
+} // namespace
