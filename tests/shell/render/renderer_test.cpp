@@ -178,6 +178,8 @@ TEST_F(RendererGLTest, NotFiniteLightContributesNothingAndIsNamedOnce) {
         reports,
         ElementsAre("light \"DownwardLight\" adds nothing on the shader path: its \"Strength$$\" is not "
                     "finite (inf); check its parameters",
+                    "light \"DownwardLight\" adds nothing on the fixed-function path: its type sets up no "
+                    "OpenGL light; the shader path shows it",
                     "light \"SetUpLight\" adds nothing on the fixed-function path: what it gives OpenGL is "
                     "not finite; check its parameters"));
 }
