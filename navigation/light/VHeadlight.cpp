@@ -1,5 +1,5 @@
 // Headlight goes with the viewer, like a lamp on the forehead: on the shader path every point is lit along
-// the line of sight with the same strength; the fixed-function light keeps its place before the eye. One
+// the line of sight with the same strength; the fixed-function light keeps its place relative to the eye. One
 // light source serves all render contexts, so the values of the rendering that came last stand in it.
 
 #include "light_contract.hpp"

@@ -40,6 +40,13 @@ void listAccepted(Session& session, const std::string& type) {
             offered += (offered.empty() ? "" : ", ") + accepted.input;
         rows.push_back({valueKind(parameter->type()), inputs, offered.empty() ? "-" : offered});
     }
+    // A declared input type that no parameter has: the type is offered for such values, but no input takes
+    // one.
+    const auto* const sink = dynamic_cast<const Qelt::VSinkBase*>(sample.creator().get());
+    const std::type_info* const declared = sink ? sink->inputType() : nullptr;
+    if (declared &&
+        std::none_of(kinds.begin(), kinds.end(), [&](const auto* kind) { return *kind == *declared; }))
+        rows.push_back({valueKind(*declared), "-", "-"});
     printTable(rows);
 }
 

@@ -1,5 +1,6 @@
 #include "shell/render/fixed_path.hpp"
 
+#include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
 
 #include <algorithm>
@@ -104,23 +105,28 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(number);
         member.object->environment_render(view.context());
+        requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
         if (!glIsEnabled(light)) {
-            if (alone && member.source_count > 0 && my_without_light.insert(member.object->number()).second)
-                reports.once("light \"" + member.object->Name() +
-                             "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; "
-                             "the shader "
-                             "path shows it");
+            if (alone && member.source_count > 0)
+                reports.once(member.object->number(), "no OpenGL light", [&] {
+                    return "light \"" + member.object->Name() +
+                           "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; "
+                           "the shader "
+                           "path shows it";
+                });
             continue;
         }
         if (givesFiniteLight(light)) {
             moveConelessLightToModel(light, model_ambient);
         } else {
             glDisable(light);
-            reports.once(
-                "light \"" + member.object->Name() +
-                "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; check its "
-                "parameters");
+            reports.once(member.object->number(), "OpenGL light not finite", [&] {
+                return "light \"" + member.object->Name() +
+                       "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
+                       "check its "
+                       "parameters";
+            });
         }
         ++number;
     }
@@ -145,7 +151,7 @@ void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, 
     if (left_out.size() > most_names)
         names += " and " + std::to_string(left_out.size() - most_names) + " more";
     if (!left_out.empty())
-        reports.once("left out on the fixed-function path: " + names + "; OpenGL has " +
+        reports.tell("left out on the fixed-function path: " + names + "; OpenGL has " +
                      std::to_string(most) + " lights here, and those before hold them all");
 }
 

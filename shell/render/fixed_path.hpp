@@ -5,8 +5,6 @@
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
 
-#include <cstdint>
-#include <set>
 #include <span>
 #include <vector>
 
@@ -32,8 +30,6 @@ public:
 private:
     void reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports);
 
-    std::set<std::uint64_t>
-        my_without_light; ///< the numbers of the objects that were reported to set up none
     std::vector<const Qelt::RenderAble*> my_left_out; ///< of the latest frame; only compared, never followed
 };
 

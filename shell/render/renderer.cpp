@@ -1,6 +1,6 @@
 #include "shell/render/renderer.hpp"
 
-#include "shell/error.hpp"
+#include "shell/render/gl_error.hpp"
 #include "shell/render/uniform_values.hpp"
 
 #include <glm/gtc/type_ptr.hpp>
@@ -18,26 +18,6 @@ Viewpoint viewpointOf(const Scene& scene, double aspect) {
     const Camera camera = scene.camera ? *scene.camera : fitCamera(ball, aspect);
     validate(camera);
     return {glm::mat4(camera.view()), glm::mat4(camera.projection(aspect, ball)), glm::vec3(camera.position)};
-}
-
-/// The name of an error that `glGetError` gives.
-std::string errorName(GLenum error) {
-    switch (error) {
-    case GL_INVALID_ENUM:
-        return "GL_INVALID_ENUM";
-    case GL_INVALID_VALUE:
-        return "GL_INVALID_VALUE";
-    case GL_INVALID_OPERATION:
-        return "GL_INVALID_OPERATION";
-    case GL_STACK_OVERFLOW:
-        return "GL_STACK_OVERFLOW";
-    case GL_STACK_UNDERFLOW:
-        return "GL_STACK_UNDERFLOW";
-    case GL_OUT_OF_MEMORY:
-        return "GL_OUT_OF_MEMORY";
-    default:
-        return "error " + std::to_string(error);
-    }
 }
 
 /// Whatever a scene's own objects draw, drawn with the fixed-function pipeline from the frame's viewpoint.
@@ -92,10 +72,7 @@ void Renderer::drawPath(RenderPath path, bool alone, const Scene& scene, View& v
     }
     drawObjects(view, viewpoint);
     my_target->read(image.pixels);
-    if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
-        throw Error(
-            "while the frame was drawn, OpenGL reported " + errorName(problem) +
-            "; unless memory is short, a module's light or object has made a call that is not allowed");
+    requireNoGLError("an object that draws itself, or the rendering of", "the scene");
 }
 
 std::vector<std::string> Renderer::listUniforms(const Scene& scene, View& view) {

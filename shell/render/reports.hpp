@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <set>
 #include <string>
@@ -15,14 +16,25 @@ public:
     /// @param sink takes each report as it comes, without a line break at its end.
     explicit Reports(Sink sink) : my_sink(std::move(sink)) {}
 
-    void once(const std::string& report) {
-        if (my_told.insert(report).second && my_sink)
+    /// Tells something of an object unless the same kind of thing was told of it before.
+    /// @param object the object's number, which no other one has.
+    /// @param kind what it is about; a literal, one for each place that reports.
+    /// @param text makes the report; called only when it is told.
+    template <class Text>
+    void once(std::uint64_t object, const char* kind, Text text) {
+        if (my_told.insert({object, kind}).second && my_sink)
+            my_sink(text());
+    }
+
+    /// Tells something that is of no single object. The caller sees to it that it is told once.
+    void tell(const std::string& report) {
+        if (my_sink)
             my_sink(report);
     }
 
 private:
     Sink my_sink;
-    std::set<std::string> my_told;
+    std::set<std::pair<std::uint64_t, const char*>> my_told;
 };
 
 } // namespace korl

@@ -1,6 +1,7 @@
 #include "shell/render/shader_path.hpp"
 
 #include "shell/error.hpp"
+#include "shell/render/gl_error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/material.hpp"
 #include "shell/render/uniform_values.hpp"
@@ -24,6 +25,15 @@ public:
     SavedLightState& operator=(const SavedLightState&) = delete;
 };
 
+/// Uses a program, however what it is used for ends.
+class ProgramInUse {
+public:
+    explicit ProgramInUse(const Program& program) { glUseProgram(program.name()); }
+    ~ProgramInUse() { glUseProgram(0); }
+    ProgramInUse(const ProgramInUse&) = delete;
+    ProgramInUse& operator=(const ProgramInUse&) = delete;
+};
+
 } // namespace
 
 AssembledShader assembleFrame(const View& view) {
@@ -42,6 +52,7 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(1);
         member.object->environment_render(view.context());
+        requireNoGLError("light", member.object->Name());
     }
     view.fillUniforms();
 }
@@ -49,7 +60,7 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
 void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes,
                       Reports& reports) {
     LightingProgram& lighting = programFor(view);
-    glUseProgram(lighting.program.name());
+    const ProgramInUse in_use(lighting.program);
     glUniformMatrix4fv(lighting.view, 1, GL_FALSE, glm::value_ptr(viewpoint.view));
     glUniformMatrix4fv(lighting.projection, 1, GL_FALSE, glm::value_ptr(viewpoint.projection));
     glUniform3fv(lighting.eye, 1, glm::value_ptr(viewpoint.eye));
@@ -58,7 +69,6 @@ void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBu
     uploadLights(view, lighting, reports);
     for (const auto& [mesh, buffers] : meshes)
         buffers->drawWithAttributes();
-    glUseProgram(0);
 }
 
 ShaderPath::LightingProgram& ShaderPath::programFor(const View& view) {
@@ -110,16 +120,18 @@ void ShaderPath::uploadLights(const View& view, LightingProgram& lighting, Repor
                 uniform = uniforms.emplace(name, Uniform{location, false, {}}).first;
             }
             Uniform& known = uniform->second;
+            if (!isFinite(value))
+                reports.once(view.ownerOf(i).number(), "uniform not finite", [&] {
+                    return "light \"" + view.ownerOf(i).Name() +
+                           "\" adds nothing on the shader path: its \"" + name + "\" is not finite (" +
+                           uniformText(value) + "); check its parameters";
+                });
             if (known.location < 0 || (known.uploaded && sameBits(known.value, value)))
                 continue; // the program does without it, or has it already
             uploadUniform(known.location, value);
             if (const GLenum problem = glGetError(); problem != GL_NO_ERROR)
                 throw Error("light \"" + view.ownerOf(i).Name() + "\": its uniform \"" + name +
                             "\" = " + uniformText(value) + " is of another type than its snippet declares");
-            if (!isFinite(value))
-                reports.once("light \"" + view.ownerOf(i).Name() +
-                             "\" adds nothing on the shader path: its \"" + name + "\" is not finite (" +
-                             uniformText(value) + "); check its parameters");
             known.value = value;
             known.uploaded = true;
             ++my_upload_count;

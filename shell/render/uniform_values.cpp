@@ -112,7 +112,7 @@ bool sameBits(const UniformValue& a, const UniformValue& b) {
 bool isFinite(const UniformValue& value) {
     return withComponents(value, []<class T, std::size_t N>(std::span<const T, N> components) {
         return std::all_of(components.begin(), components.end(),
-                           [](T component) { return std::isfinite(static_cast<double>(component)); });
+                           [](T component) { return std::isfinite(static_cast<float>(component)); });
     });
 }
 

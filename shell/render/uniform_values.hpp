@@ -10,7 +10,7 @@ namespace korl {
 /// Whether two uniform values are the same alternative with the same bits; not-a-number equals itself.
 bool sameBits(const Qelt::RenderNamespace::UniformValue& a, const Qelt::RenderNamespace::UniformValue& b);
 
-/// Whether all numbers of a value are finite.
+/// Whether all numbers of a value are finite in single precision, as a program gets them.
 bool isFinite(const Qelt::RenderNamespace::UniformValue& value);
 
 /// Sets a uniform of the program in use. Values in double precision are rounded to single precision, since

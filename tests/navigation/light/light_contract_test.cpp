@@ -3,7 +3,12 @@
 #include "tests/support/gl_recorder.hpp"
 #include "tests/support/module_light.hpp"
 
+#include <orvid/rgba_float.hpp>
+#include <palune/geometry_traits.hpp>
+
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -51,6 +56,48 @@ TEST_P(EveryLight, UsesTheOpenGLLightOfTheContextsNumber) {
         if (call.starts_with("glLight")) {
             EXPECT_NE(call.find(" LIGHT2 "), std::string::npos) << call;
         }
+}
+
+TEST_P(EveryLight, FallsBackAlikeWhyeverAParameterCannotBeRead) {
+    // Removed, of another type in the context, or following a source that has gone: the same on both paths.
+    const auto answersOf = [](ModuleLight& one) {
+        korl::test::takeRecordedCalls();
+        one.light.environment_render(one.context);
+        return std::pair(one.source().uniforms(), korl::test::takeRecordedCalls());
+    };
+    std::vector<std::string> names;
+    for (const auto& entry : light.light.parameters())
+        names.push_back(entry.parameter->Name());
+    for (const std::string& name : names) {
+        ModuleLight removed(GetParam()), mistyped(GetParam()), orphaned(GetParam());
+        const Qelt::VParameter& parameter = mistyped.parameter(name);
+        Qelt::VValueBase* const other =
+            parameter.type() == typeid(double)
+                ? static_cast<Qelt::VValueBase*>(new Qelt::VValue<Orvid::rgba_float_t>)
+                : new Qelt::VValue<double>;
+        mistyped.pool->createVariable(parameter, Tessan::StrongPtr<Qelt::VValueBase>(other));
+        {
+            const auto source =
+                Tessan::makeStrong<Qelt::VParameter>(parameter.DefaultValue().clone(), std::string("source"));
+            ASSERT_TRUE(orphaned.light.findSlot(name)->connect(source));
+        }
+        ASSERT_TRUE(removed.light.removeParameter(name));
+        const auto expected = answersOf(removed);
+        EXPECT_EQ(answersOf(mistyped), expected) << name;
+        EXPECT_EQ(answersOf(orphaned), expected) << name;
+    }
+}
+
+TEST_P(EveryLight, EachContextHasItsOwnLightSourceButForTheHeadlight) {
+    auto& source = light.source();
+    auto& other = light.otherSource();
+    if (std::string(GetParam()) == "Headlight") {
+        EXPECT_EQ(&source, &other);
+        return;
+    }
+    EXPECT_NE(source.serialNumber(), other.serialNumber());
+    EXPECT_NE(&source.uniforms(), &other.uniforms());
+    EXPECT_EQ(source.uniforms(), other.uniforms());
 }
 
 TEST_P(EveryLight, AnswersTheSameForAnInterval) {

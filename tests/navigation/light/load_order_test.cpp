@@ -59,6 +59,19 @@ std::size_t Qelt::VCreatorBase::deleteAllInstances(const std::type_info& type) {
     return 0;
 }
 
+// Those of the Qt resource system likewise.
+__attribute__((visibility("default"))) bool
+qRegisterResourceData(int version, const unsigned char*, const unsigned char*, const unsigned char*) {
+    calls.push_back("qRegisterResourceData " + std::to_string(version));
+    return true;
+}
+
+__attribute__((visibility("default"))) bool
+qUnregisterResourceData(int version, const unsigned char*, const unsigned char*, const unsigned char*) {
+    calls.push_back("qUnregisterResourceData " + std::to_string(version));
+    return true;
+}
+
 namespace {
 
 using testing::ElementsAre;
@@ -79,7 +92,8 @@ TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
                             made("Scenery/Headlight,2000"), "registerCreator " + number, slots(number),
                             slots(point), made("Scenery/Torch,0"), slots(vector), made("Scenery/Sun,0"),
                             made("Scenery/DistanceLight,0"), "registerCreator " + color, slots(color),
-                            made("Scenery/DirectionalLight,0"), made("Scenery/AmbientLight,0")));
+                            made("Scenery/DirectionalLight,0"), "qRegisterResourceData 3",
+                            made("Scenery/AmbientLight,0")));
     module.unload();
     const auto withdrawn = [](const std::string& type) {
         return "unregisterTypedSlotCreator " + type + " " + type;
@@ -88,7 +102,8 @@ TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
         return "deleteAllInstances " + type + " of " + std::to_string(creators) + " creators";
     };
     EXPECT_THAT(std::exchange(calls, {}),
-                ElementsAre(deleted("AmbientLight", 7), deleted("DirectionalLight", 6), withdrawn(color),
+                ElementsAre(deleted("AmbientLight", 7), "qUnregisterResourceData 3",
+                            deleted("DirectionalLight", 6), withdrawn(color),
                             deleted("MyLightSource", 5),    // the class of the DistanceLight
                             deleted("DirectionalLight", 4), // that of the Sun
                             withdrawn(vector), deleted("Torch", 3), withdrawn(point), withdrawn(number),

@@ -108,6 +108,13 @@ TEST(KorlProgram, AcceptsListsInputsByKindOfValue) {
               "color   color                -\n");
 }
 
+TEST(KorlProgram, AcceptsShowsADeclaredTypeThatNoInputHas) {
+    EXPECT_EQ(runProgram(KORL_PROGRAM, {"accepts", "Sun"}).output,
+              "VALUE   INPUTS                                    OFFERED\n"
+              "double  Intensity, Specular, latitude, timeofday  -\n"
+              "vector  -                                         -\n");
+}
+
 TEST(KorlProgram, TypesWritesIcons) {
     const TemporaryFolder folder;
     const ProgramResult result = runProgram(KORL_PROGRAM, {"types", "--icons", folder.path()});

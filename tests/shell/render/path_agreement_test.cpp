@@ -44,7 +44,7 @@ protected:
         return sum / values;
     }
 
-    const korl::test::LoadedModule module;
+    korl::test::LoadedModule module;
     korl::Scene scene;
     korl::View view;
     korl::Renderer renderer{context()};
@@ -115,7 +115,7 @@ TEST_F(PathAgreementGLTest, HundredObjectsOfEachTypeInTwoContextsGoWithTheModule
         renderer.render(scene, *each, {16, 16, RenderPath::fixed});
         EXPECT_EQ(renderer.listUniforms(scene, *each).size(), 100u * (1 + 3 + 3 + 3 + 5 + 2));
     }
-    const_cast<korl::test::LoadedModule&>(module).unload();
+    module.unload();
     EXPECT_FALSE(korl::test::LoadedModule::isInProcess());
     EXPECT_TRUE(scene.objects().empty());
 }

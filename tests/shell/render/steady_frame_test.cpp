@@ -51,7 +51,9 @@ protected:
     SteadyFrameGLTest() {
         target.bind();
         korl::test::makeFlat(scene);
-        scene.create("AmbientLight");
+        for (const char* const type :
+             {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight"})
+            scene.create(type);
         scene.create("DownwardLight");
         for (int i = 0; i < 12; ++i) // more than OpenGL holds
             dynamic_cast<korl::test::SetUpLight&>(scene.create("SetUpLight")).set_up =
