@@ -103,7 +103,7 @@ TEST(DrawnIcons, ProgramRefusesWhatItCannotDo) {
                   "is room\n");
 }
 
-TEST(TorchPng, IsASixteenBitRgbaPictureOfTheStatedSize) {
+TEST(TorchPng, IsASixteenBitRgbaPictureOfExactly45023Bytes) {
     const Bytes file = readFile(module_folder / "light/Torch.png");
     EXPECT_EQ(file.size(), 45023u);
     // Signature; length and kind of the first chunk; width, height; depth, RGBA, deflate, filters, not

@@ -116,7 +116,7 @@ TEST_F(Sun, NothingIsClamped) {
 }
 
 TEST_F(Sun, AgreesWithALongDoubleReference) {
-    // The two angles as stated, the products of the factors rounded to double precision, then everything in
+    // The two angles by the factors of a degree and of an hour, in double precision, then everything in
     // extended precision and by another route: the midnight direction turned about the axis of the pole.
     const double ulp = std::numeric_limits<double>::epsilon(); // of 1.0
     std::mt19937_64 random(7);
