@@ -7,26 +7,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <span>
 #include <unistd.h>
 #include <utility>
 
 namespace korl::cli {
-
-namespace {
-
-void writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            throw Error(std::string("cannot write the picture to standard output: ") + std::strerror(errno));
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-}
-
-} // namespace
 
 PictureOutput::PictureOutput(std::string target) : my_target(std::move(target)) {
     if (!isStandardOutput())
@@ -49,10 +33,10 @@ PictureOutput::~PictureOutput() {
 
 void PictureOutput::write(const Image& image) const {
     const auto bytes = encodePng(image);
-    if (isStandardOutput())
-        writeAll(my_descriptor, bytes);
-    else
+    if (!isStandardOutput())
         writeFileAtomically(my_target, bytes);
+    else if (!writeAll(my_descriptor, bytes))
+        throw Error(std::string("cannot write the picture to standard output: ") + std::strerror(errno));
 }
 
 } // namespace korl::cli

@@ -104,7 +104,10 @@ PluginSet::~PluginSet() {
 }
 
 const PluginLibrary& PluginSet::load(const std::filesystem::path& file) {
-    auto inspection = inspectPlugin(file);
+    return load(inspectPlugin(file));
+}
+
+const PluginLibrary& PluginSet::load(PluginInspection inspection) {
     requireNewModule(inspection);
     return my_libraries.emplace_back(PluginLibrary::load(std::move(inspection)));
 }
@@ -128,12 +131,12 @@ void PluginSet::loadFrom(const std::vector<std::filesystem::path>& directories) 
     }
 }
 
-void PluginSet::loadUnlessShadowed(const PluginInspection& inspection) {
+void PluginSet::loadUnlessShadowed(PluginInspection inspection) {
     if (const PluginLibrary* const first = findModule(inspection.module_name))
         Qelt::Vprintf(1, "korl: \"%s\" is passed over, %s is loaded from \"%s\" already\n",
                       inspection.file.c_str(), inspection.module_name.c_str(), first->file().c_str());
     else
-        load(inspection.file);
+        load(std::move(inspection));
 }
 
 const PluginLibrary* PluginSet::findModule(const std::string& name) const {

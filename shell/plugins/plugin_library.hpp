@@ -61,7 +61,8 @@ public:
     const std::vector<PluginLibrary>& libraries() const noexcept { return my_libraries; }
 
 private:
-    void loadUnlessShadowed(const PluginInspection& inspection);
+    const PluginLibrary& load(PluginInspection inspection);
+    void loadUnlessShadowed(PluginInspection inspection);
     const PluginLibrary* findFile(const std::filesystem::path& file) const;
     const PluginLibrary* findModule(const std::string& name) const;
     void requireNewModule(const PluginInspection& inspection) const;

@@ -71,15 +71,9 @@ private:
     fs::path my_path;
 };
 
-void writeAll(int descriptor, std::span<const std::uint8_t> bytes, const Failure& fail) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            fail.systemCall();
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
+void writeWhole(const Descriptor& file, std::span<const std::uint8_t> bytes, const Failure& fail) {
+    if (!writeAll(file.get(), bytes))
+        fail.systemCall();
 }
 
 void closeWritten(Descriptor& file, const Failure& fail) {
@@ -108,7 +102,7 @@ void replaceFile(const fs::path& target, std::span<const std::uint8_t> bytes, co
         fail.systemCall();
     Descriptor file(opened);
     Temporary temporary(path);
-    writeAll(file.get(), bytes, fail);
+    writeWhole(file, bytes, fail);
     if (replaced && ::fchmod(file.get(), replaced->st_mode & 07777) != 0)
         fail.systemCall();
     closeWritten(file, fail);
@@ -120,11 +114,23 @@ void writeDirectly(const fs::path& target, std::span<const std::uint8_t> bytes, 
     Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
     if (file.get() < 0)
         fail.systemCall();
-    writeAll(file.get(), bytes, fail);
+    writeWhole(file, bytes, fail);
     closeWritten(file, fail);
 }
 
 } // namespace
+
+bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return true;
+}
 
 void writeFileAtomically(const fs::path& target, std::span<const std::uint8_t> bytes) {
     const Failure fail(target);

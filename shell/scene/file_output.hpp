@@ -13,4 +13,7 @@ namespace korl {
 /// left then.
 void writeFileAtomically(const std::filesystem::path& target, std::span<const std::uint8_t> bytes);
 
+/// Writes all bytes to an open file descriptor. @returns false where the system refuses; errno says why.
+bool writeAll(int descriptor, std::span<const std::uint8_t> bytes);
+
 } // namespace korl
