@@ -28,6 +28,9 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/render",
      {"shell/error.hpp", "shell/scene/", "shell/render/", "doltra/", "palune/", "sorvik/", "tessan/",
       "orvid/"}},
+    {"shell/session",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "doltra/",
+      "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 

@@ -22,8 +22,8 @@ public:
 
 /// For each kind of value that the type's inputs have: the inputs of that kind, and whether the shell offers
 /// to create an object of the type from an object that provides such a value.
-void listAccepted(Session& session, const std::string& type) {
-    const Qelt::VObject& sample = session.scene.create(type);
+void listAccepted(Shell& shell, const std::string& type) {
+    const Qelt::VObject& sample = shell.scene().create(type);
     std::vector<std::vector<std::string>> rows{{"VALUE", "INPUTS", "OFFERED"}};
     std::vector<const std::type_info*> kinds;
     for (const auto& [parameter, ignored] : sample.parameters()) {
@@ -60,7 +60,7 @@ void addAcceptsCommand(CLI::App& app, Program& program) {
     command->add_option("TYPE", *type, "The type's name, as `korl types` lists it")->required();
     command->callback([&program, type] {
         program.command = [&program, type] {
-            withSession(program, [&](Session& session) { listAccepted(session, *type); });
+            withShell(program, [&](Shell& shell) { listAccepted(shell, *type); });
         };
     });
 }

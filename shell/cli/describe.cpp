@@ -17,8 +17,8 @@ std::string rangeOf(const Qelt::VParameter& parameter) {
     return (least ? least->Text() : "") + ".." + (most ? most->Text() : "");
 }
 
-void describeType(Session& session, const std::string& type) {
-    const Qelt::VObject& sample = session.scene.create(type);
+void describeType(Shell& shell, const std::string& type) {
+    const Qelt::VObject& sample = shell.scene().create(type);
     const std::string help = sample.help();
     std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ",
                 help.c_str());
@@ -37,7 +37,7 @@ void addDescribeCommand(CLI::App& app, Program& program) {
     command->add_option("TYPE", *type, "The type's name, as `korl types` lists it")->required();
     command->callback([&program, type] {
         program.command = [&program, type] {
-            withSession(program, [&](Session& session) { describeType(session, *type); });
+            withShell(program, [&](Shell& shell) { describeType(shell, *type); });
         };
     });
 }

@@ -9,17 +9,14 @@
 
 namespace korl::cli {
 
-Session::Session(const Program& program) {
+void withShell(const Program& program, const std::function<void(Shell&)>& work) {
     Qelt::setVerbosity(program.verbosity);
+    Shell shell(note);
     for (const std::filesystem::path& file : program.plugins)
-        plugins.load(file);
-    plugins.loadFrom(pluginSearchPath());
-}
-
-void withSession(const Program& program, const std::function<void(Session&)>& work) {
-    Session session(program);
+        shell.plugins().load(file);
+    shell.plugins().loadFrom(pluginSearchPath());
     try {
-        work(session);
+        work(shell);
     } catch (const Error&) {
         throw; // the shell's own
     } catch (const std::exception& error) {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "shell/error.hpp"
-#include "shell/plugins/plugin_library.hpp"
-#include "shell/scene/scene.hpp"
+#include "shell/session/shell.hpp"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -25,19 +24,10 @@ struct Program {
     std::function<void()> command;
 };
 
-/// A shell at work: modules first, then the scene that is built with them; they go in reverse.
-class Session {
-public:
-    /// Loads the modules that the options name and those on the search path.
-    explicit Session(const Program& program);
-
-    PluginSet plugins;
-    Scene scene;
-};
-
-/// Runs a command's work in a session. What a module throws is turned into an Error while the module is still
-/// there: an exception of its own cannot be looked at once it is unloaded.
-void withSession(const Program& program, const std::function<void(Session&)>& work);
+/// Runs a command's work with a shell that has the modules that the options name and those on the search
+/// path, and tells its reports as notes. What a module throws is turned into an Error while the module is
+/// still there: an exception of its own cannot be looked at once it is unloaded.
+void withShell(const Program& program, const std::function<void(Shell&)>& work);
 
 /// Tells the user something on standard error, under the program's name.
 void note(const std::string& text);

@@ -24,19 +24,17 @@ struct RenderOptions {
 const std::map<std::string, RenderPath> paths{
     {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
 
-void render(Session& session, const RenderOptions& options, std::pair<int, int> size,
+void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size,
             const PictureOutput& output) {
     const auto [width, height] = size;
-    fillScene(options.scene, static_cast<double>(width) / height, session.scene);
+    fillScene(options.scene, static_cast<double>(width) / height, shell.scene());
 
-    GLContext context;
-    Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", context.info().renderer.c_str(),
-                  context.info().version.c_str(), context.info().how.c_str());
-    Renderer renderer(context, note);
-    View view;
-    const Image image = renderer.render(session.scene, view, {width, height, paths.at(options.path)});
+    const GLContext::Info& info = shell.context().info();
+    Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", info.renderer.c_str(), info.version.c_str(),
+                  info.how.c_str());
+    const Image image = shell.render({width, height, paths.at(options.path)});
     if (options.uniforms)
-        for (const std::string& line : renderer.listUniforms(session.scene, view))
+        for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view()))
             std::printf("%s\n", line.c_str());
     output.write(image);
     if (!output.isStandardOutput())
@@ -64,7 +62,7 @@ void addRenderCommand(CLI::App& app, Program& program) {
             const auto size = parseSize(options->size);
             const PictureOutput output(
                 options->output); // sets standard output aside before any module is loaded
-            withSession(program, [&](Session& session) { render(session, *options, size, output); });
+            withShell(program, [&](Shell& shell) { render(shell, *options, size, output); });
         };
     });
 }

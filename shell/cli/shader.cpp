@@ -14,20 +14,17 @@ struct ShaderOptions {
     bool uniforms = false;
 };
 
-void printShader(Session& session, const ShaderOptions& options) {
-    fillScene(options.scene, 1, session.scene);
-    View view;
+void printShader(Shell& shell, const ShaderOptions& options) {
+    fillScene(options.scene, 1, shell.scene());
     if (options.uniforms) {
         // Some lights write their uniforms while they set up their fixed-function light: that takes a
-        // context.
-        GLContext context;
-        Renderer renderer(context, note);
-        for (const std::string& line : renderer.listUniforms(session.scene, view))
+        // renderer, and a context.
+        for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view()))
             std::printf("%s\n", line.c_str());
         return;
     }
-    const Frame frame(view, session.scene, 0);
-    std::fputs(assembleFrame(view).fragment.c_str(), stdout);
+    const Frame frame(shell.view(), shell.scene(), 0);
+    std::fputs(assembleFrame(shell.view()).fragment.c_str(), stdout);
 }
 
 } // namespace
@@ -41,7 +38,7 @@ void addShaderCommand(CLI::App& app, Program& program) {
                       "Print the lights' uniform values instead, NAME = components");
     command->callback([&program, options] {
         program.command = [&program, options] {
-            withSession(program, [&](Session& session) { printShader(session, *options); });
+            withShell(program, [&](Shell& shell) { printShader(shell, *options); });
         };
     });
 }

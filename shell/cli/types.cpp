@@ -73,7 +73,7 @@ void addTypesCommand(CLI::App& app, Program& program) {
     command->add_option("--icons", *folder, "Also write the types' icons into this folder, as TYPE.png");
     command->callback([&program, folder] {
         program.command = [&program, folder] {
-            withSession(program, [&](Session&) {
+            withShell(program, [&](Shell&) {
                 listTypes();
                 if (!folder->empty())
                     writeIcons(*folder);

@@ -5,17 +5,20 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace korl {
 
-View::View() : my_pool(Tessan::makeStrong<Qelt::ValuePool>()), my_request(my_pool), my_context(my_pool) {}
+View::View(Tessan::StrongPtr<Qelt::ValuePool> pool)
+    : my_pool(std::move(pool)), my_request(my_pool), my_context(my_pool) {}
 
 void View::gatherMembers(const Scene& scene) {
     if (my_scene == &scene && my_scene_revision == scene.revision())
         return;
     my_members.clear();
     for (const auto& object : scene.objects())
-        if (auto* const renderable = dynamic_cast<Qelt::RenderAble*>(object.get()))
+        if (auto* const renderable = dynamic_cast<Qelt::RenderAble*>(object.get());
+            renderable && scene.isEnabled(*object.get()))
             my_members.push_back(
                 {renderable, dynamic_cast<const Qelt::ShaderLightSource*>(renderable), 0, 0});
     std::stable_sort(my_members.begin(), my_members.end(), [](const Member& a, const Member& b) {

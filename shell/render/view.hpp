@@ -26,14 +26,16 @@ public:
         std::size_t source_count;
     };
 
-    View();
+    /// @param pool the values of the view's own; a new pool, which has none, unless one is given.
+    explicit View(Tessan::StrongPtr<Qelt::ValuePool> pool = Tessan::makeStrong<Qelt::ValuePool>());
 
     Qelt::VRenderContext& context() noexcept { return my_context; }
     const Qelt::VRenderContext& context() const noexcept { return my_context; }
     Qelt::ValuePool& pool() const noexcept { return my_context.pool(); }
 
     /// Begins a frame (see Frame): brings the scene's objects up to date and has the lights hand in their
-    /// light sources, in the order of their priority, then of their creation.
+    /// light sources, in the order of their priority, then of their creation. Objects that are muted take no
+    /// part.
     void beginFrame(const Scene& scene, double time);
 
     /// Has the shader lights fill their uniforms. Comes after `environment_render`, where the other lights

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <glm/vec3.hpp>
 #include <optional>
 #include <span>
@@ -9,6 +10,15 @@
 
 namespace korl {
 
+/// Which axis of a model's own coordinates points upwards.
+enum class UpAxis { x, y, z };
+
+/// The file that a mesh was read from, and how it was turned.
+struct ModelSource {
+    std::filesystem::path file; ///< absolute
+    UpAxis up = UpAxis::y;
+};
+
 /// A surface of triangles in scene space (right-handed, z up).
 struct Mesh {
     std::string name;
@@ -16,6 +26,7 @@ struct Mesh {
     std::vector<glm::vec3> normals; ///< one for each position, of unit length, away from the surface's front
     std::vector<glm::vec3> colors;  ///< one for each position, 0 to 1; none at all for a white mesh
     std::vector<std::uint32_t> triangles; ///< three positions each, counter-clockwise seen from the front
+    std::optional<ModelSource> source{};  ///< where it came from, for a mesh that was read from a model file
 };
 
 struct Ball {

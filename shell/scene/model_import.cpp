@@ -335,6 +335,7 @@ Mesh importModel(const fs::path& file, UpAxis up) {
         addMissingNormals(mesh);
         fitIntoScene(mesh, up);
         validate(mesh);
+        mesh.source = ModelSource{fs::absolute(file), up};
         return mesh;
     } catch (const std::exception& error) {
         throw Error("cannot read the model " + file.string() + ": " + error.what());

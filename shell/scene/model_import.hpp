@@ -7,9 +7,6 @@
 
 namespace korl {
 
-/// Which axis of a model's own coordinates points upwards.
-enum class UpAxis { x, y, z };
-
 /// Reads "x", "y" or "z". Throws Error for any other text.
 UpAxis parseUpAxis(std::string_view text);
 
@@ -24,7 +21,7 @@ UpAxis parseUpAxis(std::string_view text);
 /// comes to
 ///        face scene +y: (x, y, z) becomes (-x, z, y). With x up (x, y, z) becomes (y, z, x). A 3DS file,
 ///        whose format has z up, counts as a model with y up and its front at -y of the file.
-/// @returns a valid mesh whose bounding ball has the centre 0 and the radius 0.5.
+/// @returns a valid mesh that knows its file, whose bounding ball has the centre 0 and the radius 0.5.
 /// Throws Error that names the file, for one that cannot be opened, is of another kind or empty, is damaged
 /// or truncated, has no triangles, a vertex that is not finite, or all vertices in one place.
 Mesh importModel(const std::filesystem::path& file, UpAxis up);

@@ -31,6 +31,10 @@ unsigned long nextRevision() {
     return ++latest;
 }
 
+bool isLight(const VObject& object) {
+    return dynamic_cast<const Qelt::VLightSource*>(&object) != nullptr;
+}
+
 /// The smallest ball around two balls.
 Ball merged(const Ball& a, const Ball& b) {
     const double distance = glm::distance(a.center, b.center);
@@ -93,12 +97,15 @@ VObject& Scene::object(const std::string& name) const {
 }
 
 void Scene::remove(const std::string& name) {
-    Tessan::Counted::destroy(&object(name));
+    VObject& gone = object(name);
+    my_muted.erase(gone.number());
+    Tessan::Counted::destroy(&gone);
     my_objects_by_name.erase(name);
     my_revision = nextRevision(); // the list of objects is swept when it is next asked for
 }
 
-VParameter& Scene::parameterOf(VObject& owner, const std::string& name) const {
+VParameter& Scene::parameter(const std::string& object_name, const std::string& name) const {
+    const VObject& owner = object(object_name);
     if (VParameter* const found = owner.findParameter(name))
         return *found;
     std::vector<std::string> known;
@@ -110,32 +117,104 @@ VParameter& Scene::parameterOf(VObject& owner, const std::string& name) const {
 
 void Scene::connect(const std::string& object_name, const std::string& parameter_name,
                     const std::string& source_object, const std::string& source_parameter) {
-    VObject& owner = object(object_name);
-    const VParameter& parameter = parameterOf(owner, parameter_name);
-    VParameter& source = parameterOf(object(source_object), source_parameter);
-    if (owner.connectInput(parameter_name, source))
+    const VParameter& follower_parameter = parameter(object_name, parameter_name);
+    VParameter& source = parameter(source_object, source_parameter);
+    if (object(object_name).connectInput(parameter_name, source))
         return;
     const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
     const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
-    if (parameter.type() != source.type())
-        throw Error(follower + " takes " + valueForm(parameter.type()) + ", but " + followed + " is " +
-                    valueForm(source.type()) + "; they stay unconnected");
+    if (follower_parameter.type() != source.type())
+        throw Error(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
+                    " is " + valueForm(source.type()) + "; they stay unconnected");
     throw Error(follower + " cannot follow " + followed +
                 ": that one follows it already, or the input takes no connections");
 }
 
 void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,
-                         const std::string& text) {
-    VParameter* const parameter = &parameterOf(object(object_name), parameter_name);
+                         const std::string& text, const std::string& view_name) {
+    VParameter& changed = parameter(object_name, parameter_name);
+    Qelt::ValuePool* const pool = view_name.empty() ? nullptr : view(view_name).get();
     const std::string full_name = object_name + "." + parameter_name;
-    const StrongPtr<Qelt::VValueBase> value = parameter->DefaultValue().clone();
+    const StrongPtr<Qelt::VValueBase> value = changed.DefaultValue().clone();
+    const auto kept = [&] {
+        const Qelt::VValueBase* const held = pool ? changed.getLocalValue(*pool) : &changed.globalValue();
+        return held ? "; it keeps \"" + held->Text() + "\"" : std::string();
+    };
     if (!value->setValueFromText(text))
-        throw Error("\"" + full_name + "\" takes " + valueForm(parameter->type()) + ", found \"" + text +
-                    "\"; it keeps \"" + parameter->globalValue().Text() + "\"");
+        throw Error("\"" + full_name + "\" takes " + valueForm(changed.type()) + ", found \"" + text + "\"" +
+                    kept());
     if (saysNotFinite(value->Text()))
-        throw Error("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"; it keeps \"" +
-                    parameter->globalValue().Text() + "\"");
-    parameter->setGlobalValue(*value.get());
+        throw Error("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"" + kept());
+    if (pool)
+        pool->createVariable(changed, value);
+    else
+        changed.setGlobalValue(*value.get());
+}
+
+void Scene::resetParameter(const std::string& object_name, const std::string& parameter_name,
+                           const std::string& view_name) {
+    VParameter& changed = parameter(object_name, parameter_name);
+    if (view_name.empty())
+        changed.setGlobalValue(changed.DefaultValue());
+    else
+        view(view_name)->removeVariable(changed);
+}
+
+void Scene::disconnect(const std::string& object_name, const std::string& parameter_name) {
+    parameter(object_name, parameter_name).setSource({});
+}
+
+void Scene::setMuted(const std::string& object_name, bool muted) {
+    const std::uint64_t number = object(object_name).number();
+    if (muted)
+        my_muted.insert(number);
+    else
+        my_muted.erase(number);
+    my_revision = nextRevision();
+}
+
+bool Scene::isMuted(const VObject& object) const {
+    return my_muted.contains(object.number());
+}
+
+void Scene::solo(const std::string& light) {
+    if (!light.empty() && !isLight(object(light)))
+        throw Error("\"" + light + "\" is no light, so it cannot shine alone");
+    my_solo = light;
+    my_revision = nextRevision();
+}
+
+VObject* Scene::soloLight() const {
+    return my_solo.empty() ? nullptr : find(my_solo);
+}
+
+bool Scene::isEnabled(const VObject& object) const {
+    const VObject* const alone = soloLight();
+    return alone && isLight(object) ? &object == alone : !isMuted(object);
+}
+
+Qelt::ValuePool& Scene::addView(const std::string& name) {
+    if (name.empty())
+        throw Error("a view needs a name");
+    for (const NamedView& view : my_views)
+        if (view.first == name)
+            throw Error("cannot add the view \"" + name + "\": the scene already has one of this name");
+    return *my_views.emplace_back(name, Tessan::makeStrong<Qelt::ValuePool>()).second.get();
+}
+
+const StrongPtr<Qelt::ValuePool>& Scene::view(const std::string& name) const {
+    std::vector<std::string> known;
+    for (const NamedView& view : my_views) {
+        if (view.first == name)
+            return view.second;
+        known.push_back(view.first);
+    }
+    throw Error("unknown view \"" + name + "\": " + nearNames(name, known, "the scene has no views"));
+}
+
+void Scene::removeView(const std::string& name) {
+    view(name); // throws where there is none
+    std::erase_if(my_views, [&](const NamedView& view) { return view.first == name; });
 }
 
 const std::vector<StrongPtr<VObject>>& Scene::objects() const {
@@ -145,9 +224,8 @@ const std::vector<StrongPtr<VObject>>& Scene::objects() const {
 
 bool Scene::hasLight() const {
     const auto& living = objects();
-    return std::any_of(living.begin(), living.end(), [](const StrongPtr<VObject>& object) {
-        return dynamic_cast<const Qelt::VLightSource*>(object.get());
-    });
+    return std::any_of(living.begin(), living.end(),
+                       [](const StrongPtr<VObject>& object) { return isLight(*object.get()); });
 }
 
 unsigned long Scene::revision() const {

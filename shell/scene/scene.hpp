@@ -7,18 +7,23 @@
 #include <orvid/rgba_float.hpp>
 #include <sorvik/action_notifier.hpp>
 #include <sorvik/object.hpp>
+#include <sorvik/value_pool.hpp>
 #include <tessan/strong_ptr.hpp>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace korl {
 
-/// What is to be seen and what lights it: objects by name, meshes, a camera and a background.
+/// What is to be seen and what lights it: objects by name, meshes, a camera, a background, and views that may
+/// have values of their own.
 ///
 /// The scene owns its objects. An object that is deleted by others, as happens when its module is unloaded,
 /// leaves the scene by itself. All operations belong to the thread that renders.
@@ -44,7 +49,15 @@ public:
     /// Sets the global value of an object's parameter from its text form.
     /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and
     /// for numbers that are not finite; nothing is changed then.
-    void setParameter(const std::string& object, const std::string& parameter, const std::string& text);
+    /// @param view where not empty, the value holds in that view alone; throws Error if there is none of the
+    /// name.
+    void setParameter(const std::string& object, const std::string& parameter, const std::string& text,
+                      const std::string& view = {});
+
+    /// Brings the global value back to the parameter's default or, with a view, takes that view's own value
+    /// away. Throws Error for an unknown object, parameter or view.
+    void resetParameter(const std::string& object, const std::string& parameter,
+                        const std::string& view = {});
 
     /// Makes a parameter follow another object's, in every view.
     /// Throws Error for an unknown object or parameter, for parameters of different types, and for one that
@@ -52,13 +65,49 @@ public:
     void connect(const std::string& object, const std::string& parameter, const std::string& source_object,
                  const std::string& source_parameter);
 
+    /// Ends that a parameter follows another one. Throws Error for an unknown object or parameter.
+    void disconnect(const std::string& object, const std::string& parameter);
+
+    /// The parameter of an object. Throws Error, which lists the near names, for an unknown one.
+    Qelt::VParameter& parameter(const std::string& object, const std::string& parameter) const;
+
+    /// Mutes an object, which then takes no part in any picture, or brings it back. Throws Error for an
+    /// unknown object.
+    void setMuted(const std::string& object, bool muted);
+    bool isMuted(const Qelt::VObject& object) const;
+
+    /// Lets one light alone shine, whatever is muted; the empty name ends that. It ends too when the light is
+    /// deleted. Throws Error for an unknown object, and for one that is no light.
+    void solo(const std::string& light);
+    /// The light that shines alone, or null.
+    Qelt::VObject* soloLight() const;
+
+    /// Whether an object takes part in pictures: it is not muted, and no other light shines alone.
+    bool isEnabled(const Qelt::VObject& object) const;
+
+    using NamedView = std::pair<std::string, Tessan::StrongPtr<Qelt::ValuePool>>;
+
+    /// Adds a view of this name, without values of its own. Throws Error for an empty name and one that is
+    /// taken.
+    Qelt::ValuePool& addView(const std::string& name);
+
+    /// The values of a view's own. Throws Error, which lists the near names, for an unknown view.
+    const Tessan::StrongPtr<Qelt::ValuePool>& view(const std::string& name) const;
+
+    /// The views, in the order of their making.
+    const std::vector<NamedView>& views() const noexcept { return my_views; }
+
+    /// Takes away a view and its values. Throws Error for an unknown view.
+    void removeView(const std::string& name);
+
     /// The living objects, in the order of their creation.
     const std::vector<Tessan::StrongPtr<Qelt::VObject>>& objects() const;
 
     /// Whether any object is a light.
     bool hasLight() const;
 
-    /// A number that changes whenever an object comes or goes, and that no other scene has.
+    /// A number that changes whenever an object comes, goes, is muted or shines alone, and that no other
+    /// scene has.
     unsigned long revision() const;
 
     void addMesh(Mesh mesh);
@@ -75,7 +124,6 @@ public:
 private:
     void objectCreated(const Tessan::StrongPtr<Qelt::VObject>& object, Qelt::VContext* context,
                        Qelt::VCreatorBase& creator) override;
-    Qelt::VParameter& parameterOf(Qelt::VObject& owner, const std::string& name) const;
     void dropTheGone() const;
 
     mutable std::vector<Tessan::StrongPtr<Qelt::VObject>> my_objects;
@@ -83,6 +131,9 @@ private:
     std::unordered_map<std::string, unsigned long>
         my_numbers; ///< how far unnamed objects were counted, by type
     mutable unsigned long my_revision;
+    std::unordered_set<std::uint64_t> my_muted; ///< by the numbers of the objects
+    std::string my_solo;                        ///< the name of the light that shines alone, or empty
+    std::vector<NamedView> my_views;
     std::vector<std::shared_ptr<const Mesh>> my_meshes;
     std::optional<Ball> my_meshes_ball;
 };

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "shell/plugins/plugin_library.hpp"
+#include "shell/render/gl_context.hpp"
+#include "shell/render/renderer.hpp"
+#include "shell/render/reports.hpp"
+#include "shell/render/view.hpp"
+#include "shell/scene/scene.hpp"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace korl {
+
+/// A shell at work: its modules, the scene that is built with them, and what draws it. They go in reverse:
+/// the scene and all that was drawn from it before the modules. All operations belong to one thread at a
+/// time.
+class Shell {
+public:
+    /// A shell without any module and an empty scene.
+    /// @param report takes what the user should know about the pictures, each thing once.
+    explicit Shell(Reports::Sink report = {});
+    ~Shell();
+    Shell(const Shell&) = delete;
+    Shell& operator=(const Shell&) = delete;
+
+    PluginSet& plugins() noexcept { return my_plugins; }
+    const PluginSet& plugins() const noexcept { return my_plugins; }
+    Scene& scene() noexcept { return my_scene; }
+    const Scene& scene() const noexcept { return my_scene; }
+
+    /// The OpenGL context, made at its first use. Throws Error where there is no OpenGL to be had.
+    GLContext& context();
+
+    /// What draws the scene, made with its context at its first use.
+    Renderer& renderer();
+
+    /// What a view of the scene looks at it with; the empty name for the view without values of its own.
+    /// Throws Error for a name of which the scene has no view.
+    View& view(const std::string& name = {});
+
+    /// Draws a frame of the scene in one of its views.
+    Image render(const RenderSettings& settings, const std::string& view_name = {});
+
+private:
+    PluginSet my_plugins;
+    Scene my_scene;
+    Reports::Sink my_report;
+    std::map<std::string, std::unique_ptr<View>> my_views; ///< those that were asked for, by name
+    std::unique_ptr<GLContext> my_context;
+    std::unique_ptr<Renderer> my_renderer;
+};
+
+} // namespace korl
