@@ -1,6 +1,7 @@
 #include "shell/render/lighting_program.hpp"
 
 #include "shell/error.hpp"
+#include "shell/render/shader_errors.hpp"
 
 namespace korl {
 

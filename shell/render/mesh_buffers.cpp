@@ -27,7 +27,8 @@ void setAttribute(GLuint location, const Buffer& buffer) {
 } // namespace
 
 MeshBuffers::MeshBuffers(const Mesh& mesh)
-    : my_index_count(static_cast<GLsizei>(mesh.triangles.size())), my_has_colors(!mesh.colors.empty()) {
+    : my_position_count(static_cast<int>(mesh.positions.size())),
+      my_index_count(static_cast<GLsizei>(mesh.triangles.size())), my_has_colors(!mesh.colors.empty()) {
     upload(GL_ARRAY_BUFFER, my_positions, mesh.positions);
     upload(GL_ARRAY_BUFFER, my_normals, mesh.normals);
     upload(GL_ARRAY_BUFFER, my_colors, mesh.colors);
@@ -91,6 +92,7 @@ const MeshBufferCache::Entries& MeshBufferCache::buffersOf(const Meshes& meshes)
                                                             : std::move(held->second));
     }
     my_entries = std::move(entries);
+    ++my_revision;
     return my_entries;
 }
 

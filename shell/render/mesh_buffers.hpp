@@ -21,12 +21,17 @@ public:
     /// Draws with the vertex arrays of the fixed-function pipeline.
     void drawFixed() const;
 
+    /// The positions in scene space, three floats each, and how many there are.
+    const Buffer& positions() const noexcept { return my_positions; }
+    int positionCount() const noexcept { return my_position_count; }
+
 private:
     void draw() const;
 
     Buffer my_positions, my_normals, my_colors, my_triangles;
     /// One of each kind, since on some drivers the two kinds of arrays share their places.
     VertexArray my_attributes, my_fixed_arrays;
+    int my_position_count;
     GLsizei my_index_count;
     bool my_has_colors;
 };
@@ -40,7 +45,14 @@ public:
     /// The buffers of these meshes, in their order.
     const Entries& buffersOf(const Meshes& meshes);
 
+    /// Those that were asked for last.
+    const Entries& entries() const noexcept { return my_entries; }
+
+    /// A number that changes whenever the meshes do.
+    unsigned long revision() const noexcept { return my_revision; }
+
 private:
+    unsigned long my_revision = 0;
     Entries my_entries;
 };
 

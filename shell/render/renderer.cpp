@@ -65,7 +65,7 @@ void Renderer::drawPath(RenderPath path, bool alone, const Scene& scene, View& v
     const auto& meshes = my_meshes.buffersOf(scene.meshes());
     if (path == RenderPath::shader) {
         my_shader_path.fillUniforms(view, viewpoint);
-        my_shader_path.draw(view, viewpoint, meshes, my_reports);
+        my_shader_path.draw(view, viewpoint, my_meshes, my_reports);
     } else {
         my_fixed_path.setUpLights(view, viewpoint, my_reports, alone);
         my_fixed_path.draw(viewpoint, meshes);

@@ -45,6 +45,9 @@ public:
     /// its components. Nothing is drawn.
     std::vector<std::string> listUniforms(const Scene& scene, View& view);
 
+    /// What evaluates single lights; the context must be current.
+    LightProbe& probe() noexcept { return my_shader_path.probe(); }
+
     const ShaderPath& shaderPath() const noexcept { return my_shader_path; }
 
 private:

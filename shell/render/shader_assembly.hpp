@@ -1,7 +1,8 @@
 #pragma once
 
+#include "shell/render/glsl_text.hpp"
+
 #include <array>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,29 +14,27 @@ namespace korl {
 struct LightSnippet {
     std::string light_name;
     std::string text;
+    /// Whether it stands for any number of light sources that have the same text: the shader holds it once
+    /// and evaluates it in a loop.
+    bool is_repeated = false;
 };
 
-/// Where the snippet of one light source lies in the assembled fragment shader.
+/// Where the snippet of one light source, or of those that share it, lies in the assembled fragment shader.
 struct SnippetSection {
     std::string light_name;
     std::string suffix; ///< What replaces "$$" in this snippet, and in the names of its uniforms.
     int first_line = 0; ///< Of the fragment source, counted from 1.
     int line_count = 0;
+    /// For a repeated snippet: the uniforms that have become variables, in the order in which the loop fills
+    /// them.
+    std::vector<UniformDeclaration> uniforms{};
 };
 
 /// A lighting shader as text, ready for the driver.
 struct AssembledShader {
     std::string vertex;
     std::string fragment;
-    std::vector<SnippetSection> sections; ///< One per light source, in the order in which they were given.
-};
-
-/// A line of a light's snippet, counted from 1.
-struct SourceLocation {
-    std::string light_name;
-    int line = 0;
-
-    bool operator==(const SourceLocation&) const = default;
+    std::vector<SnippetSection> sections; ///< One per snippet, in the order in which they were given.
 };
 
 inline constexpr std::array<int, 4> glsl_versions{120, 130, 330, 450};
@@ -65,19 +64,26 @@ std::string applySuffix(std::string_view name, std::string_view suffix);
 /// snippet imports by `#pragma import "NAME"` is defined once, before all snippets. The text depends on the
 /// snippets and the version alone, not on the lights' names, so a program can be cached by it.
 ///
-/// Throws Error for a GLSL version other than glsl_versions, an import that is unknown or can't be read, and
-/// a snippet that does not define getLight_$$.
+/// A repeated snippet's uniforms become variables. For each of `int korl_count_SUFFIX` light sources they are
+/// filled from the buffer `samplerBuffer korl_lights` of four floats a texel: one texel for each uniform, in
+/// the order of their declaration, from the texel `int korl_first_SUFFIX` on, light source after light
+/// source. However many there are, the text is the same; unrolled, the time to compile it grows faster than
+/// their number.
+///
+/// Throws Error for a GLSL version other than glsl_versions, an import that is unknown or can't be read, a
+/// snippet that does not define getLight_$$, and a repeated one for which canRepeat is false or the version
+/// is below 330.
 AssembledShader assembleShader(std::span<const LightSnippet> snippets,
                                int glsl_version = default_glsl_version);
 
-/// Which light's snippet a line of the fragment source (counted from 1) belongs to; none for the shell's own
-/// lines.
-std::optional<SourceLocation> locate(const AssembledShader& shader, int fragment_line);
+/// Whether a snippet can stand for many light sources: its uniforms are floats and vectors of them, each in a
+/// declaration of its own.
+bool canRepeat(std::string_view snippet);
 
-/// What to tell the user when the driver refuses the fragment shader: the light, the line of its snippet with
-/// its text, and the driver's own words. Understands the line numbers of the forms "0:12(3): error: ...",
-/// "0(12) : error C1503: ..." and "ERROR: 0:12: ...". A snippet with brackets or a comment left open is named
-/// first: a driver only notices it in a later snippet.
-std::string compileErrorText(const AssembledShader& shader, std::string_view driver_log);
+/// A program of GLSL 3.30 that evaluates a snippet alone, once for each vertex, at its position in scene
+/// space. The vertex of number korl_first_vertex + i covers pixel i of a target of `ivec2 korl_target_size`,
+/// row by row, and its incidence, intensity and specular intensity go to the colour outputs 0, 1 and 2. It is
+/// a fragment shader that evaluates, as in the lighting shader. Throws Error as assembleShader does.
+AssembledShader assembleProbe(const LightSnippet& snippet);
 
 } // namespace korl

@@ -48,6 +48,27 @@ auto withComponents(const UniformValue& value, Visit visit) {
         value);
 }
 
+/// What the alternatives are in terms of floats, for those that are one to four real numbers.
+template <class T>
+std::optional<UniformFloats> readFloats(const T& value) {
+    if constexpr (std::is_floating_point_v<T>)
+        return UniformFloats{1, {static_cast<float>(value)}};
+    else if constexpr (requires { value.x; })
+        return UniformFloats{
+            3, {static_cast<float>(value.x), static_cast<float>(value.y), static_cast<float>(value.z)}};
+    else
+        return {};
+}
+
+template <class Number, std::size_t N>
+requires std::is_floating_point_v<Number> std::optional<UniformFloats>
+readFloats(const FixedArray<Number, N>& value) {
+    UniformFloats floats{static_cast<int>(N), {}};
+    for (std::size_t i = 0; i < N; ++i)
+        floats.values[i] = static_cast<float>(value[i]);
+    return floats;
+}
+
 /// Calls the OpenGL entry points for one value, by the type that it is held as.
 struct Uploader {
     GLint location;
@@ -107,6 +128,10 @@ bool sameBits(const UniformValue& a, const UniformValue& b) {
                 return std::memcmp(&held, &other, sizeof(T)) == 0;
         },
         a);
+}
+
+std::optional<UniformFloats> floatsOf(const UniformValue& value) {
+    return std::visit([](const auto& held) { return readFloats(held); }, value);
 }
 
 bool isFinite(const UniformValue& value) {

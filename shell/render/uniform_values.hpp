@@ -3,9 +3,19 @@
 #include <doltra/uniform_map.hpp>
 #include <epoxy/gl.h>
 
+#include <array>
+#include <optional>
 #include <string>
 
 namespace korl {
+
+/// The floats that a value has as OpenGL holds it, doubles rounded: one to four of them, the rest zero. None
+/// for integers, matrices and sequences.
+struct UniformFloats {
+    int size = 0;
+    std::array<float, 4> values{};
+};
+std::optional<UniformFloats> floatsOf(const Qelt::RenderNamespace::UniformValue& value);
 
 /// Whether two uniform values are the same alternative with the same bits; not-a-number equals itself.
 bool sameBits(const Qelt::RenderNamespace::UniformValue& a, const Qelt::RenderNamespace::UniformValue& b);

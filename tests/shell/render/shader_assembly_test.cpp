@@ -1,5 +1,6 @@
 #include "shell/error.hpp"
 #include "shell/render/shader_assembly.hpp"
+#include "shell/render/shader_errors.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

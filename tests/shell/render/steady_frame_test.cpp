@@ -84,7 +84,8 @@ TEST_F(SteadyFrameGLTest, ShaderPathAllocatesNothing) {
     EXPECT_EQ(allocationsOfSteadyFrame([&] {
                   view.beginFrame(scene, 0);
                   path.fillUniforms(view, viewpoint);
-                  path.draw(view, viewpoint, meshes.buffersOf(scene.meshes()), reports);
+                  meshes.buffersOf(scene.meshes());
+                  path.draw(view, viewpoint, meshes, reports);
                   view.endFrame();
               }),
               0);

@@ -1,0 +1,185 @@
+#include "shell/render/light_probe.hpp"
+
+#include "shell/error.hpp"
+#include "shell/render/lighting_program.hpp"
+#include "shell/render/shader_assembly.hpp"
+#include "shell/render/uniform_values.hpp"
+
+#include <glm/gtc/type_ptr.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace korl {
+
+using Qelt::RenderNamespace::LightSource;
+
+namespace {
+
+constexpr int target_width = 512;
+constexpr int most_rows = 512;
+constexpr std::size_t most_probes = 256;
+
+bool areFinite(const glm::vec3& v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+
+/// Keeps the state that the probe changes, sets what it needs, and brings the state back.
+class ProbeState {
+public:
+    ProbeState() {
+        glPushAttrib(GL_ENABLE_BIT | GL_VIEWPORT_BIT | GL_POINT_BIT);
+        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &my_draw_framebuffer);
+        glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &my_read_framebuffer);
+        for (const GLenum test : {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST})
+            glDisable(test);
+        glPointSize(1);
+        // A compatibility context may otherwise clamp floats to 0..1 on their way.
+        glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
+    }
+    ~ProbeState() {
+        glUseProgram(0);
+        glBindVertexArray(0);
+        glBindBuffer(GL_ARRAY_BUFFER, 0);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(my_draw_framebuffer));
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(my_read_framebuffer));
+        glPopAttrib();
+    }
+    ProbeState(const ProbeState&) = delete;
+    ProbeState& operator=(const ProbeState&) = delete;
+
+private:
+    GLint my_draw_framebuffer = 0, my_read_framebuffer = 0;
+};
+
+/// The three outputs of the probe for pixels of the target, row by row.
+void readSamples(int width, std::span<LightSample> samples) {
+    const int rows = (static_cast<int>(samples.size()) + width - 1) / width;
+    std::vector<glm::vec4> output(static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
+    constexpr std::array members{&LightSample::incidence, &LightSample::intensity,
+                                 &LightSample::specular_intensity};
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        glReadBuffer(GL_COLOR_ATTACHMENT0 + static_cast<GLenum>(i));
+        glReadPixels(0, 0, width, rows, GL_RGBA, GL_FLOAT, output.data());
+        for (std::size_t k = 0; k < samples.size(); ++k)
+            samples[k].*members[i] = glm::vec3(output[k]);
+    }
+}
+
+} // namespace
+
+bool LightSample::isFinite() const {
+    return areFinite(incidence) && areFinite(intensity) && areFinite(specular_intensity);
+}
+
+void LightProbe::upload(const Declared& uniform) {
+    switch (uniform.size) {
+    case 1:
+        return glUniform1fv(uniform.location, 1, uniform.value.data());
+    case 2:
+        return glUniform2fv(uniform.location, 1, uniform.value.data());
+    case 3:
+        return glUniform3fv(uniform.location, 1, uniform.value.data());
+    default:
+        return glUniform4fv(uniform.location, 1, uniform.value.data());
+    }
+}
+
+std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
+                                            std::span<const glm::vec3> points, const glm::vec3& eye) {
+    const Buffer buffer;
+    glBindBuffer(GL_ARRAY_BUFFER, buffer.name());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(points.size_bytes()), points.data(),
+                 GL_STREAM_DRAW);
+    return sample(source, light_name, buffer, static_cast<int>(points.size()), eye);
+}
+
+std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
+                                            const Buffer& points, int count, const glm::vec3& eye) {
+    std::vector<LightSample> samples(static_cast<std::size_t>(count));
+    if (samples.empty())
+        return samples;
+    const ProbeState state;
+    const Probe& probe = probeFor(source, light_name);
+    bindTarget(count);
+    glUseProgram(probe.program.name());
+    glUniform3fv(probe.program.uniformLocation("korl_eye"), 1, glm::value_ptr(eye));
+    glUniform2i(probe.program.uniformLocation("korl_target_size"), my_target->width, my_target->height);
+    for (const Declared& uniform : probe.declared) // another light may have left its values there
+        upload(uniform);
+    for (const auto& [name, value] : source.uniforms())
+        uploadUniform(probe.program.uniformLocation(applySuffix(name, probe.suffix)), value);
+    if (glGetError() != GL_NO_ERROR)
+        throw Error("light \"" + light_name +
+                    "\": one of its uniforms has a value of another type than its snippet declares");
+
+    const VertexArray vertices;
+    glBindVertexArray(vertices.name());
+    glBindBuffer(GL_ARRAY_BUFFER, points.name());
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 0,
+                          nullptr); // the position, as the lighting program has it
+    glEnableVertexAttribArray(0);
+    const int room = my_target->width * my_target->height;
+    for (int first = 0; first < count; first += room) {
+        const int drawn = std::min(room, count - first);
+        glUniform1i(probe.program.uniformLocation("korl_first_vertex"), first);
+        glDrawArrays(GL_POINTS, first, drawn);
+        readSamples(my_target->width, std::span(samples).subspan(static_cast<std::size_t>(first),
+                                                                 static_cast<std::size_t>(drawn)));
+    }
+    return samples;
+}
+
+std::array<float, 4> LightProbe::declaredValue(const LightSource& source, const std::string& light_name,
+                                               const std::string& uniform) {
+    const auto& declared = probeFor(source, light_name).declared;
+    const auto found = std::find_if(declared.begin(), declared.end(),
+                                    [&](const Declared& each) { return each.name == uniform; });
+    return found == declared.end() ? std::array<float, 4>{} : found->value;
+}
+
+LightProbe::Probe& LightProbe::probeFor(const LightSource& source, const std::string& light_name) {
+    const std::string snippet = source.snippet();
+    if (const auto known = my_probes.find(snippet); known != my_probes.end())
+        return known->second;
+    const AssembledShader shader = assembleProbe({light_name, snippet});
+    Probe probe{buildLightingProgram(shader), shader.sections.front().suffix, {}};
+    for (const UniformDeclaration& uniform :
+         floatUniforms(snippet).value_or(std::vector<UniformDeclaration>())) {
+        const GLint location = probe.program.uniformLocation(applySuffix(uniform.name, probe.suffix));
+        Declared& declared = probe.declared.emplace_back(Declared{uniform.name, location, uniform.size, {}});
+        if (location >= 0)
+            glGetUniformfv(probe.program.name(), location, declared.value.data());
+    }
+    if (my_probes.size() >= most_probes)
+        my_probes.clear();
+    return my_probes.emplace(snippet, std::move(probe)).first->second;
+}
+
+void LightProbe::bindTarget(int count) {
+    const int rows = std::min(most_rows, (count + target_width - 1) / target_width);
+    if (!my_target || my_target->height < rows) {
+        my_target = std::make_unique<Target>();
+        my_target->width = target_width;
+        my_target->height = rows;
+        glBindFramebuffer(GL_FRAMEBUFFER, my_target->framebuffer.name());
+        std::array<GLenum, 3> attachments{};
+        for (std::size_t i = 0; i < attachments.size(); ++i) {
+            attachments[i] = GL_COLOR_ATTACHMENT0 + static_cast<GLenum>(i);
+            glBindRenderbuffer(GL_RENDERBUFFER, my_target->outputs[i].name());
+            glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA32F, target_width, rows);
+            glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachments[i], GL_RENDERBUFFER,
+                                      my_target->outputs[i].name());
+        }
+        glDrawBuffers(static_cast<GLsizei>(attachments.size()), attachments.data());
+        if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
+            my_target.reset();
+            throw Error("the driver cannot draw into floating-point pictures, which takes a look at single "
+                        "lights");
+        }
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, my_target->framebuffer.name());
+    glViewport(0, 0, my_target->width, my_target->height);
+}
+
+} // namespace korl

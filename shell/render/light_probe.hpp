@@ -1,0 +1,76 @@
+#pragma once
+
+#include "shell/render/gl_objects.hpp"
+
+#include <doltra/light_source.hpp>
+#include <glm/vec3.hpp>
+
+#include <array>
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace korl {
+
+/// What a light gives at a place.
+struct LightSample {
+    glm::vec3 incidence; ///< the direction in which the light travels, in scene space; zero for ambient light
+    glm::vec3 intensity;
+    glm::vec3 specular_intensity;
+
+    bool isFinite() const;
+};
+
+/// Evaluates lights one by one, in the driver: a light's snippet, with the values that its uniforms have. A
+/// context must be current; its framebuffer, viewport and enabled tests are left as they were.
+class LightProbe {
+public:
+    /// What a light source gives at points in scene space.
+    /// @param light_name by which errors speak of the light.
+    /// @param eye in scene space, for snippets that ask for the direction of view.
+    /// Throws Error if the driver refuses the snippet, or a uniform's value for its declared type.
+    std::vector<LightSample> sample(const Qelt::RenderNamespace::LightSource& source,
+                                    const std::string& light_name, std::span<const glm::vec3> points,
+                                    const glm::vec3& eye);
+
+    /// The same at the points of a buffer, which holds `count` of them, three floats each.
+    std::vector<LightSample> sample(const Qelt::RenderNamespace::LightSource& source,
+                                    const std::string& light_name, const Buffer& points, int count,
+                                    const glm::vec3& eye);
+
+    /// The value that a uniform of floats has as the light source's snippet declares it, before any is set;
+    /// zeros where the program does without it.
+    /// @param uniform its name, with "$$".
+    std::array<float, 4> declaredValue(const Qelt::RenderNamespace::LightSource& source,
+                                       const std::string& light_name, const std::string& uniform);
+
+private:
+    struct Target {
+        Framebuffer framebuffer;
+        std::array<Renderbuffer, 3> outputs;
+        int width = 0, height = 0;
+    };
+    /// A uniform of floats, and the value that it is declared with.
+    struct Declared {
+        std::string name; ///< with "$$"
+        GLint location;   ///< -1 where the program does without it
+        int size;
+        std::array<float, 4> value;
+    };
+    struct Probe {
+        Program program;
+        std::string suffix;
+        std::vector<Declared> declared;
+    };
+
+    static void upload(const Declared& uniform);
+    Probe& probeFor(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name);
+    void bindTarget(int count);
+
+    std::map<std::string, Probe, std::less<>> my_probes; ///< by the snippet
+    std::unique_ptr<Target> my_target;
+};
+
+} // namespace korl

@@ -1,0 +1,86 @@
+#include "shell/render/result_check.hpp"
+
+#include "shell/render/uniform_values.hpp"
+
+#include <sorvik/component_text.hpp>
+
+#include <algorithm>
+#include <array>
+
+namespace korl {
+
+using Qelt::RenderNamespace::UniformMap;
+
+namespace {
+
+constexpr std::size_t most_remembered = 4096;
+
+bool sameValues(const UniformMap& a, const UniformMap& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return x.first == y.first && sameBits(x.second, y.second);
+    });
+}
+
+bool areFinite(const UniformMap& uniforms) {
+    return std::all_of(uniforms.begin(), uniforms.end(),
+                       [](const auto& uniform) { return isFinite(uniform.second); });
+}
+
+std::string text(const glm::vec3& v) {
+    return Qelt::componentsToText(std::span<const float>(std::array{v.x, v.y, v.z}));
+}
+
+/// Where a light is not finite, and what it gives there.
+struct Failures {
+    std::size_t count = 0, vertices = 0;
+    glm::vec3 first_at{0};
+    LightSample first{};
+};
+
+std::string reportText(const std::string& light, const Failures& failures) {
+    const bool everywhere = failures.count == failures.vertices;
+    return "light \"" + light + "\" adds nothing " +
+           (everywhere ? "on the shader path"
+                       : "on the shader path at " + std::to_string(failures.count) + " of " +
+                             std::to_string(failures.vertices) + " vertices") +
+           ": its result is not finite there, at (" + text(failures.first_at) + ") the direction (" +
+           text(failures.first.incidence) + "), the intensity (" + text(failures.first.intensity) +
+           ") and the specular intensity (" + text(failures.first.specular_intensity) +
+           "); check its parameters";
+}
+
+} // namespace
+
+void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBufferCache& meshes,
+                        LightProbe& probe, Reports& reports) {
+    if (my_checked.size() > most_remembered + view.sources().size())
+        my_checked.clear(); // most are of light sources long gone
+    for (std::size_t i = 0; i < view.sources().size(); ++i) {
+        const auto& source = *view.sources()[i].get();
+        const auto [known, is_new] = my_checked.try_emplace(source.serialNumber());
+        Checked& checked = known->second;
+        if (!is_new && checked.meshes_revision == meshes.revision() &&
+            sameValues(checked.uniforms, source.uniforms()))
+            continue;
+        checked = {source.uniforms(), meshes.revision()};
+        if (!areFinite(source.uniforms()))
+            continue;
+        const Qelt::RenderAble& light = view.ownerOf(i);
+        Failures failures;
+        for (const auto& [mesh, buffers] : meshes.entries()) {
+            const std::vector<LightSample> samples =
+                probe.sample(source, light.Name(), buffers->positions(), buffers->positionCount(), eye);
+            failures.vertices += samples.size();
+            for (std::size_t k = 0; k < samples.size(); ++k)
+                if (!samples[k].isFinite() && failures.count++ == 0) {
+                    failures.first_at = mesh->positions[k];
+                    failures.first = samples[k];
+                }
+        }
+        if (failures.count > 0)
+            reports.once(light.number(), "result not finite",
+                         [&] { return reportText(light.Name(), failures); });
+    }
+}
+
+} // namespace korl
