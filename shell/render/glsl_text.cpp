@@ -106,13 +106,13 @@ std::optional<std::vector<UniformDeclaration>> floatUniforms(std::string_view sn
     constexpr std::string_view keyword = "uniform";
     for (std::size_t at = text.find(keyword); at != std::string::npos; at = text.find(keyword, at + 1)) {
         std::string_view rest = std::string_view(text).substr(at + keyword.size());
-        if ((at > 0 && isNameCharacter(text[at - 1])) || rest.empty() || isNameCharacter(rest.front()))
+        if ((at > 0 && isNameCharacter(text[at - 1])) || (!rest.empty() && isNameCharacter(rest.front())))
             continue; // a part of another name
         const int size = floatsOf(takeName(rest));
         const std::string_view name = takeName(rest);
         const std::string_view declared = rest.substr(0, rest.find(';'));
-        const std::string_view after_name = trimmed(declared);
-        const bool is_plain = after_name.empty() || after_name.front() == '=';
+        const std::size_t after_name = declared.find_first_not_of(" \t\r\n\v\f");
+        const bool is_plain = after_name == std::string_view::npos || declared[after_name] == '=';
         // A comma outside brackets begins a second name.
         int depth = 0;
         const bool has_more_names = std::any_of(declared.begin(), declared.end(), [&depth](char c) {

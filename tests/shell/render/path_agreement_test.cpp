@@ -112,7 +112,8 @@ TEST_F(PathAgreementGLTest, HundredObjectsOfEachTypeInTwoContextsGoWithTheModule
             scene.create(type);
     korl::View other;
     for (korl::View* const each : {&view, &other}) {
-        renderer.render(scene, *each, {16, 16, RenderPath::fixed});
+        for (const RenderPath path : {RenderPath::shader, RenderPath::fixed})
+            renderer.render(scene, *each, {16, 16, path});
         EXPECT_EQ(renderer.listUniforms(scene, *each).size(), 100u * (1 + 3 + 3 + 3 + 5 + 2));
     }
     module.unload();

@@ -6,6 +6,7 @@
 #include "shell/render/renderer.hpp"
 
 #include <array>
+#include <cmath>
 #include <epoxy/gl.h>
 #include <gmock/gmock.h>
 
@@ -182,6 +183,107 @@ TEST_F(RendererGLTest, NotFiniteLightContributesNothingAndIsNamedOnce) {
                     "OpenGL light; the shader path shows it",
                     "light \"SetUpLight\" adds nothing on the fixed-function path: what it gives OpenGL is "
                     "not finite; check its parameters"));
+}
+
+TEST_F(RendererGLTest, LightsThatShareASnippetAddUpInOneProgram) {
+    // Two programs serve any number: one that unrolls up to three lights of a kind, one that loops.
+    for (int count = 1; count <= 40; ++count) {
+        auto& light = addDownwardLight();
+        light.strength = static_cast<float>(count) / 1024;
+        const int expected = static_cast<int>(std::lround(255.0 * count * (count + 1) / 2 / 1024));
+        EXPECT_NEAR(middle(RenderPath::shader)[0], expected, 1) << count;
+    }
+    EXPECT_EQ(renderer.shaderPath().compileCount(), 4u);
+}
+
+TEST_F(RendererGLTest, LoopsTakeTheDeclaredValueWhereALightSetsNone) {
+    for (int i = 0; i < 5; ++i) {
+        auto& light = addDownwardLight();
+        light.text = "uniform vec3 Unset$$ = vec3(0.125, 0.0, 0.0625);\n"
+                     "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n"
+                     "{ a = vec3(0); b = Unset$$; c = vec3(0); }\n";
+    }
+    const Pixel seen = middle(RenderPath::shader);
+    EXPECT_NEAR(seen[0], 255 * 5 / 8, 1);
+    EXPECT_EQ(seen[1], 0);
+    EXPECT_NEAR(seen[2], 255 * 5 / 16, 1);
+}
+
+TEST_F(RendererGLTest, LoopsAndSingleLightsStandBesideEachOther) {
+    scene.create("AmbientLight", "a");
+    scene.setParameter("a", "Color", "0.125 0 0 1");
+    for (int i = 0; i < 6; ++i)
+        addDownwardLight().strength = 0.0625f;
+    scene.create("AmbientLight", "b");
+    scene.setParameter("b", "Color", "0 0 0.25 1");
+    EXPECT_EQ(middle(RenderPath::shader), (Pixel{128, 96, 159, 255}));
+    scene.setMuted("DownwardLight", true); // the loop goes one time less, in the same program
+    const std::size_t compiled = renderer.shaderPath().compileCount();
+    EXPECT_EQ(middle(RenderPath::shader), (Pixel{112, 80, 143, 255}));
+    EXPECT_EQ(renderer.shaderPath().compileCount(), compiled);
+    const std::size_t uploaded = renderer.shaderPath().uploadCount();
+    EXPECT_EQ(middle(RenderPath::shader), (Pixel{112, 80, 143, 255}));
+    EXPECT_EQ(renderer.shaderPath().uploadCount(), uploaded);
+}
+
+TEST_F(RendererGLTest, LoopsRefuseAUniformOfAnotherType) {
+    for (int i = 0; i < 5; ++i)
+        addDownwardLight().text = "uniform vec3 Strength$$ = vec3(1);\n"
+                                  "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n"
+                                  "{ a = vec3(0); b = Strength$$; c = vec3(0); }\n";
+    try {
+        render(RenderPath::shader);
+        FAIL() << "a uniform of the wrong type was taken";
+    } catch (const korl::Error& error) {
+        EXPECT_STREQ(error.what(),
+                     "light \"DownwardLight\": its uniform \"Strength$$\" = 1 is of another type than "
+                     "its snippet declares");
+    }
+}
+
+TEST_F(RendererGLTest, SnippetWithUniformsOfOtherTypesIsUnrolled) {
+    for (int i = 0; i < 5; ++i)
+        addDownwardLight().text = "uniform mat3 Unset$$ = mat3(0.125);\n"
+                                  "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n"
+                                  "{ a = vec3(0); b = Unset$$ * vec3(1); c = vec3(0); }\n";
+    EXPECT_NEAR(middle(RenderPath::shader)[0], 255 * 5 / 8, 1);
+}
+
+TEST_F(RendererGLTest, ResultThatIsNotFiniteFromFiniteParametersIsNamedOnce) {
+    scene.create("Torch", "corner"); // burns exactly at a vertex of the square
+    scene.setParameter("corner", "location", "-9 9 0");
+    scene.setParameter("corner", "elevation", "0");
+    scene.create("Torch", "far"); // the square of the ratio of distances is beyond all floats
+    scene.setParameter("far", "scaleDistance", "1e30");
+    scene.create("Torch", "fine");
+    for (int i = 0; i < 2; ++i)
+        render(RenderPath::shader);
+    ASSERT_EQ(reports.size(), 2u);
+    EXPECT_THAT(reports[0], testing::StartsWith("light \"corner\" adds nothing on the shader path at 1 of 4 "
+                                                "vertices: its result is not finite there, at (-9 9 0)"));
+    EXPECT_THAT(reports[1], testing::StartsWith("light \"far\" adds nothing on the shader path: its result "
+                                                "is not finite there, at (-9 -9 0)"));
+
+    scene.setParameter("fine", "location", "9 9 0"); // found when the parameters lead there later, too
+    scene.setParameter("fine", "elevation", "0");
+    render(RenderPath::shader);
+    ASSERT_EQ(reports.size(), 3u);
+    EXPECT_THAT(reports[2], testing::StartsWith("light \"fine\""));
+}
+
+TEST_F(RendererGLTest, MeshThatComesLaterIsCheckedForResultsThatAreNotFinite) {
+    scene.create("Torch", "torch");
+    scene.setParameter("torch", "location", "1 2 3");
+    scene.setParameter("torch", "elevation", "0");
+    render(RenderPath::shader);
+    EXPECT_THAT(reports, IsEmpty());
+    korl::Mesh mesh;
+    mesh.positions = {{1, 2, 3}, {2, 2, 3}, {1, 3, 3}};
+    mesh.normals.assign(3, {0, 0, 1});
+    mesh.triangles = {0, 1, 2};
+    scene.addMesh(mesh);
+    render(RenderPath::shader);
+    EXPECT_EQ(reports.size(), 1u);
 }
 
 TEST_F(RendererGLTest, BrokenSnippetIsReportedWithTheLight) {

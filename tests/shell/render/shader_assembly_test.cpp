@@ -265,5 +265,36 @@ TEST(CompileErrorTextTest, SnippetLeftOpenIsNamedInsteadOfTheOneBehindIt) {
         HasSubstr("line 1: /* } */ // ("));
 }
 
+const std::string two_uniforms = "uniform vec3 A$$ = vec3(1);\n/* uniform */ uniform float B$$;\n"
+                                 "void getLight_$$(in vec3 v, out vec3 i, out vec3 d, out vec3 s)\n"
+                                 "{ i = A$$; d = s = vec3(B$$); }\n";
+
+TEST(RepeatedSnippets, StandInTheShaderOnceWithVariablesForUniforms) {
+    const AssembledShader shader =
+        assemble({{"a", even_snippet}, {"b", two_uniforms, true}, {"c", viewer_snippet, true}});
+    ASSERT_EQ(shader.sections.size(), 3u);
+    EXPECT_TRUE(shader.sections[0].uniforms.empty());
+    ASSERT_EQ(shader.sections[1].uniforms.size(), 2u);
+    EXPECT_EQ(shader.sections[1].uniforms[0].name, "A$$");
+    EXPECT_EQ(shader.sections[1].uniforms[1].name, "B$$");
+    EXPECT_EQ(linesOf(shader.fragment, shader.sections[1].first_line, 2),
+              "        vec3 AL2 = vec3(1);\n/* uniform */         float BL2;\n");
+    EXPECT_EQ(countOf(shader.fragment, "AL2 = texelFetch(korl_lights, texel + 0).xyz;"), 1);
+    EXPECT_EQ(countOf(shader.fragment, "BL2 = texelFetch(korl_lights, texel + 1).x;"), 1);
+    EXPECT_EQ(countOf(shader.fragment, "korl_load_L2(korl_first_L2 + korl_i * 2);"), 1);
+    EXPECT_EQ(countOf(shader.fragment, "korl_i < korl_count_L3"), 1);
+    EXPECT_EQ(countOf(shader.fragment, "uniform samplerBuffer korl_lights;"), 1);
+    EXPECT_EQ(locate(shader, shader.sections[1].first_line + 1), (SourceLocation{"b", 2}));
+}
+
+TEST(RepeatedSnippets, AreRefusedWhereTheyCannotBe) {
+    const std::string message = "The GLSL snippet of the light \"a\" can't stand for many lights: that takes "
+                                "GLSL version 330, and uniforms that are plain floats or vectors.";
+    EXPECT_EQ(errorOf({{"a", even_snippet, true}}, 130), message);
+    EXPECT_EQ(errorOf({{"a", "uniform int N$$;\n" + even_snippet, true}}), message);
+    EXPECT_TRUE(canRepeat(even_snippet));
+    EXPECT_FALSE(canRepeat("uniform int N$$;\n" + even_snippet));
+}
+
 } // namespace
 } // namespace korl

@@ -1,0 +1,49 @@
+#include "shell/render/glsl_text.hpp"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using korl::floatUniforms;
+
+/// The names and sizes as "name:size name:size", or "none".
+std::string described(std::string_view snippet) {
+    const auto uniforms = floatUniforms(snippet);
+    if (!uniforms)
+        return "none";
+    std::string text;
+    for (const korl::UniformDeclaration& uniform : *uniforms) {
+        EXPECT_EQ(snippet.substr(uniform.at, 7), "uniform");
+        text += (text.empty() ? "" : " ") + uniform.name + ":" + std::to_string(uniform.size);
+    }
+    return text;
+}
+
+TEST(FloatUniforms, AreReadFromDeclarationsOfEveryForm) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"", ""},
+        {"void getLight_$$() {}", ""},
+        {"uniform float S$$;", "S$$:1"},
+        {"uniform vec2 A$$; uniform vec3 B$$ ; uniform vec4 C$$\n= vec4(1,2,3,4);", "A$$:2 B$$:3 C$$:4"},
+        {"uniform\tvec3\n\tLong_Name$$=vec3(0, max(1,2), 0);", "Long_Name$$:3"},
+        {"// uniform int Old$$;\nuniform float S$$; /* uniform mat4 M$$; */", "S$$:1"},
+        {"float uniform_scale; float my_uniform; uniform float S$$;", "S$$:1"},
+        {"uniform vec4 Name = vec4(1);", "Name:4"},
+    };
+    for (const auto& [snippet, expected] : cases)
+        EXPECT_EQ(described(snippet), expected) << snippet;
+}
+
+TEST(FloatUniforms, AreNoneWhereADeclarationIsMoreThanAFloatOrVector) {
+    for (const char* const snippet :
+         {"uniform int N$$;", "uniform mat4 M$$;", "uniform sampler2D T$$;", "uniform float S$$[3];",
+          "uniform float A$$, B$$;", "uniform float A$$ = 1.0, B$$ = 2.0;", "uniform highp float S$$;",
+          "uniform Block$$ { float s; };", "uniform", "uniform float", "uniform float ;",
+          "#define FAST\nuniform float S$$;", "#if 1\nuniform float S$$;\n#endif",
+          "uniform float S$$; uniform ivec2 I$$;"})
+        EXPECT_EQ(described(snippet), "none") << snippet;
+}
+
+} // namespace
