@@ -20,6 +20,11 @@ constexpr int target_width = 512;
 constexpr int most_rows = 512;
 constexpr std::size_t most_probes = 256;
 
+/// Of the target, for so many points.
+int rowsOf(int points) {
+    return (points + target_width - 1) / target_width;
+}
+
 bool areFinite(const glm::vec3& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
@@ -28,19 +33,19 @@ bool areFinite(const glm::vec3& v) {
 class ProbeState {
 public:
     ProbeState() {
-        glPushAttrib(GL_ENABLE_BIT | GL_VIEWPORT_BIT | GL_POINT_BIT);
+        glPushAttrib(GL_ENABLE_BIT | GL_VIEWPORT_BIT);
         glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &my_draw_framebuffer);
         glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &my_read_framebuffer);
-        for (const GLenum test : {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST})
+        for (const GLenum test :
+             {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST, GL_CULL_FACE})
             glDisable(test);
-        glPointSize(1);
         // A compatibility context may otherwise clamp floats to 0..1 on their way.
         glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
     }
     ~ProbeState() {
         glUseProgram(0);
         glBindVertexArray(0);
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
+        glBindTexture(GL_TEXTURE_BUFFER, 0);
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(my_draw_framebuffer));
         glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(my_read_framebuffer));
         glPopAttrib();
@@ -53,14 +58,14 @@ private:
 };
 
 /// The three outputs of the probe for pixels of the target, row by row.
-void readSamples(int width, std::span<LightSample> samples) {
-    const int rows = (static_cast<int>(samples.size()) + width - 1) / width;
-    std::vector<glm::vec4> output(static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
+void readSamples(std::span<LightSample> samples) {
+    const int rows = rowsOf(static_cast<int>(samples.size()));
+    std::vector<glm::vec4> output(static_cast<std::size_t>(target_width) * static_cast<std::size_t>(rows));
     constexpr std::array members{&LightSample::incidence, &LightSample::intensity,
                                  &LightSample::specular_intensity};
     for (std::size_t i = 0; i < members.size(); ++i) {
         glReadBuffer(GL_COLOR_ATTACHMENT0 + static_cast<GLenum>(i));
-        glReadPixels(0, 0, width, rows, GL_RGBA, GL_FLOAT, output.data());
+        glReadPixels(0, 0, target_width, rows, GL_RGBA, GL_FLOAT, output.data());
         for (std::size_t k = 0; k < samples.size(); ++k)
             samples[k].*members[i] = glm::vec3(output[k]);
     }
@@ -88,9 +93,10 @@ void LightProbe::upload(const Declared& uniform) {
 std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
                                             std::span<const glm::vec3> points, const glm::vec3& eye) {
     const Buffer buffer;
-    glBindBuffer(GL_ARRAY_BUFFER, buffer.name());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(points.size_bytes()), points.data(),
+    glBindBuffer(GL_TEXTURE_BUFFER, buffer.name());
+    glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(points.size_bytes()), points.data(),
                  GL_STREAM_DRAW);
+    glBindBuffer(GL_TEXTURE_BUFFER, 0);
     return sample(source, light_name, buffer, static_cast<int>(points.size()), eye);
 }
 
@@ -99,12 +105,18 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     std::vector<LightSample> samples(static_cast<std::size_t>(count));
     if (samples.empty())
         return samples;
+    GLint most_texels = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most_texels);
+    if (count > most_texels / 3)
+        throw Error("light \"" + light_name + "\" cannot be evaluated at " + std::to_string(count) +
+                    " points at once: this driver's buffers hold at most " + std::to_string(most_texels / 3));
     const ProbeState state;
     const Probe& probe = probeFor(source, light_name);
     bindTarget(count);
     glUseProgram(probe.program.name());
     glUniform3fv(probe.program.uniformLocation("korl_eye"), 1, glm::value_ptr(eye));
-    glUniform2i(probe.program.uniformLocation("korl_target_size"), my_target->width, my_target->height);
+    glUniform1i(probe.program.uniformLocation("korl_target_width"), target_width);
+    glUniform1i(probe.program.uniformLocation("korl_points"), 0);
     for (const Declared& uniform : probe.declared) // another light may have left its values there
         upload(uniform);
     for (const auto& [name, value] : source.uniforms())
@@ -113,19 +125,20 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
         throw Error("light \"" + light_name +
                     "\": one of its uniforms has a value of another type than its snippet declares");
 
-    const VertexArray vertices;
-    glBindVertexArray(vertices.name());
-    glBindBuffer(GL_ARRAY_BUFFER, points.name());
-    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 0,
-                          nullptr); // the position, as the lighting program has it
-    glEnableVertexAttribArray(0);
-    const int room = my_target->width * my_target->height;
+    const VertexArray no_attributes;
+    glBindVertexArray(no_attributes.name());
+    const Texture texels;
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_BUFFER, texels.name());
+    glTexBuffer(GL_TEXTURE_BUFFER, GL_R32F, points.name());
+    const int room = target_width * my_target->rows;
     for (int first = 0; first < count; first += room) {
         const int drawn = std::min(room, count - first);
-        glUniform1i(probe.program.uniformLocation("korl_first_vertex"), first);
-        glDrawArrays(GL_POINTS, first, drawn);
-        readSamples(my_target->width, std::span(samples).subspan(static_cast<std::size_t>(first),
-                                                                 static_cast<std::size_t>(drawn)));
+        glUniform1i(probe.program.uniformLocation("korl_first_point"), first);
+        glViewport(0, 0, target_width, rowsOf(drawn));
+        glDrawArrays(GL_TRIANGLES, 0, 3);
+        readSamples(
+            std::span(samples).subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(drawn)));
     }
     return samples;
 }
@@ -157,11 +170,10 @@ LightProbe::Probe& LightProbe::probeFor(const LightSource& source, const std::st
 }
 
 void LightProbe::bindTarget(int count) {
-    const int rows = std::min(most_rows, (count + target_width - 1) / target_width);
-    if (!my_target || my_target->height < rows) {
+    const int rows = std::min(most_rows, rowsOf(count));
+    if (!my_target || my_target->rows < rows) {
         my_target = std::make_unique<Target>();
-        my_target->width = target_width;
-        my_target->height = rows;
+        my_target->rows = rows;
         glBindFramebuffer(GL_FRAMEBUFFER, my_target->framebuffer.name());
         std::array<GLenum, 3> attachments{};
         for (std::size_t i = 0; i < attachments.size(); ++i) {
@@ -179,7 +191,6 @@ void LightProbe::bindTarget(int count) {
         }
     }
     glBindFramebuffer(GL_FRAMEBUFFER, my_target->framebuffer.name());
-    glViewport(0, 0, my_target->width, my_target->height);
 }
 
 } // namespace korl

@@ -50,7 +50,7 @@ private:
     struct Target {
         Framebuffer framebuffer;
         std::array<Renderbuffer, 3> outputs;
-        int width = 0, height = 0;
+        int rows = 0;
     };
     /// A uniform of floats, and the value that it is declared with.
     struct Declared {

@@ -80,10 +80,11 @@ AssembledShader assembleShader(std::span<const LightSnippet> snippets,
 /// declaration of its own.
 bool canRepeat(std::string_view snippet);
 
-/// A program of GLSL 3.30 that evaluates a snippet alone, once for each vertex, at its position in scene
-/// space. The vertex of number korl_first_vertex + i covers pixel i of a target of `ivec2 korl_target_size`,
-/// row by row, and its incidence, intensity and specular intensity go to the colour outputs 0, 1 and 2. It is
-/// a fragment shader that evaluates, as in the lighting shader. Throws Error as assembleShader does.
+/// A program of GLSL 3.30 that evaluates a snippet alone at points in scene space, in the fragment stage as
+/// the lighting shader does. Three vertices without attributes cover the target; pixel i of it, row by row in
+/// a width of `int korl_target_width`, takes point `int korl_first_point` + i of `samplerBuffer korl_points`,
+/// which holds one float a texel. The incidence, intensity and specular intensity go to the colour outputs 0,
+/// 1 and 2. Throws Error as assembleShader does.
 AssembledShader assembleProbe(const LightSnippet& snippet);
 
 } // namespace korl

@@ -108,38 +108,34 @@ inline constexpr std::string_view fragment_end = R"(
 }
 )";
 
-// The probe: each vertex is a point that covers the pixel of its number, and the fragment shader writes what
-// the light gives at the vertex.
+// The probe: one triangle covers the target, and each of its pixels takes the point of its number.
 
 inline constexpr std::string_view probe_vertex = R"(
-uniform int korl_first_vertex;
-uniform ivec2 korl_target_size;
-
-in vec3 korl_position;
-flat out vec3 korl_scene_position;
-
 void main()
 {
-    korl_scene_position = korl_position;
-    int index = gl_VertexID - korl_first_vertex;
-    vec2 pixel = vec2(index % korl_target_size.x, index / korl_target_size.x) + vec2(0.5);
-    gl_Position = vec4(pixel / vec2(korl_target_size) * 2.0 - 1.0, 0.0, 1.0);
+    gl_Position = vec4(gl_VertexID == 1 ? 3.0 : -1.0, gl_VertexID == 2 ? 3.0 : -1.0, 0.0, 1.0);
 }
 )";
 
 inline constexpr std::string_view probe_inputs = R"(
 uniform vec3 korl_eye;
-
-flat in vec3 korl_scene_position;
+uniform samplerBuffer korl_points;
+uniform int korl_first_point;
+uniform int korl_target_width;
 
 layout(location = 0) out vec4 korl_incidence;
 layout(location = 1) out vec4 korl_intensity;
 layout(location = 2) out vec4 korl_specular_intensity;
+
+vec3 korl_scene_position;
 )";
 
 inline constexpr std::string_view probe_main = R"(
 void main()
 {
+    int point = korl_first_point + int(gl_FragCoord.y) * korl_target_width + int(gl_FragCoord.x);
+    korl_scene_position = vec3(texelFetch(korl_points, point * 3).r, texelFetch(korl_points, point * 3 + 1).r,
+                               texelFetch(korl_points, point * 3 + 2).r);
     vec3 incidence = vec3(0.0);
     vec3 intensity = vec3(0.0);
     vec3 specular_intensity = vec3(0.0);
