@@ -60,9 +60,10 @@ BENCHMARK_CAPTURE(steadyFrame, shader, RenderPath::shader)
     ->Arg(1)
     ->Arg(8)
     ->Arg(32)
+    ->Arg(128)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(steadyFrame, fixed, RenderPath::fixed)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
-BENCHMARK(firstFrame)->Arg(1)->Arg(8)->Arg(32)->Unit(benchmark::kMillisecond);
+BENCHMARK(firstFrame)->Arg(1)->Arg(8)->Arg(32)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(collectLights)->Arg(1)->Arg(8)->Arg(1000);
 
 } // namespace
