@@ -69,10 +69,10 @@ void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
 /// Whether everything that a set-up light gives is finite. One that is not would spoil all that the others
 /// give.
 bool givesFiniteLight(GLenum light) {
-    for (const GLenum name : {GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION, GL_SPOT_DIRECTION,
-                              GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}) {
+    for (const int name : {GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION, GL_SPOT_DIRECTION,
+                           GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}) {
         FloatQuad values{};
-        glGetLightfv(light, name, values.data());
+        glGetLightfv(light, static_cast<GLenum>(name), values.data());
         if (!std::all_of(values.begin(), values.end(), [](GLfloat value) { return std::isfinite(value); }))
             return false;
     }
