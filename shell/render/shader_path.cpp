@@ -121,11 +121,12 @@ void ShaderPath::uploadLights(const View& view, LightingProgram& lighting, Repor
             }
             Uniform& known = uniform->second;
             if (!isFinite(value))
-                reports.once(view.ownerOf(i).number(), "uniform not finite", [&] {
-                    return "light \"" + view.ownerOf(i).Name() +
-                           "\" adds nothing on the shader path: its \"" + name + "\" is not finite (" +
-                           uniformText(value) + "); check its parameters";
-                });
+                reports.once(view.ownerOf(i).number(), "uniform not finite",
+                             [&, &name = name, &value = value] {
+                                 return "light \"" + view.ownerOf(i).Name() +
+                                        "\" adds nothing on the shader path: its \"" + name +
+                                        "\" is not finite (" + uniformText(value) + "); check its parameters";
+                             });
             if (known.location < 0 || (known.uploaded && sameBits(known.value, value)))
                 continue; // the program does without it, or has it already
             uploadUniform(known.location, value);
