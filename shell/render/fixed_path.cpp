@@ -3,11 +3,14 @@
 #include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
 
+#include <doltra/vlight_source.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <glm/gtc/type_ptr.hpp>
 #include <string>
+#include <typeinfo>
 
 namespace korl {
 
@@ -79,6 +82,28 @@ bool givesFiniteLight(GLenum light) {
     return true;
 }
 
+/// Keeps what a light may change, and brings it back.
+class SavedLightState {
+public:
+    SavedLightState() { glPushAttrib(GL_LIGHTING_BIT | GL_ENABLE_BIT | GL_TRANSFORM_BIT); }
+    ~SavedLightState() { glPopAttrib(); }
+    SavedLightState(const SavedLightState&) = delete;
+    SavedLightState& operator=(const SavedLightState&) = delete;
+};
+
+/// Has a light set up the first OpenGL light, as if it had the frame to itself, and brings the lights back to
+/// what they were. @returns whether it enabled it.
+bool setsUpLight(const View::Member& member, View& view, const Viewpoint& viewpoint) {
+    const SavedLightState saved;
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixf(glm::value_ptr(viewpoint.view));
+    glDisable(GL_LIGHT0);
+    view.context().setLightNumber(1);
+    member.object->environment_render(view.context());
+    requireNoGLError("light", member.object->Name());
+    return glIsEnabled(GL_LIGHT0);
+}
+
 void setMaterial() {
     constexpr FloatQuad black{0, 0, 0, 1};
     constexpr FloatQuad specular{material_specular, material_specular, material_specular, 1};
@@ -96,18 +121,18 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
     FloatQuad model_ambient{0, 0, 0, 1};
     const int most = lightCount();
     int number = 1;
-    std::size_t called = 0;
+    my_lit.clear();
     for (const View::Member& member : view.members()) {
         if (number > most)
             break;
-        ++called;
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(number);
         member.object->environment_render(view.context());
         requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
-        if (!glIsEnabled(light)) {
+        my_lit.push_back(glIsEnabled(light));
+        if (!my_lit.back()) {
             if (alone && member.source_count > 0)
                 reports.once(member.object->number(), "no OpenGL light", [&] {
                     return "light \"" + member.object->Name() +
@@ -131,10 +156,21 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         ++number;
     }
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
-    reportLeftOut(view.members().subspan(called), most, reports);
+    reportLeftOut(view, viewpoint, reports);
 }
 
-void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports) {
+bool FixedPath::wouldLight(const View::Member& left_out, View& view, const Viewpoint& viewpoint) const {
+    const Qelt::RenderAble& object = *left_out.object;
+    if (!dynamic_cast<const Qelt::VLightSource*>(&object))
+        return false;
+    for (std::size_t i = 0; i < my_lit.size(); ++i)
+        if (const Qelt::RenderAble& called = *view.members()[i].object; typeid(called) == typeid(object))
+            return my_lit[i];
+    return setsUpLight(left_out, view, viewpoint);
+}
+
+void FixedPath::reportLeftOut(View& view, const Viewpoint& viewpoint, Reports& reports) {
+    const auto left_out = view.members().subspan(my_lit.size());
     const auto same = [](const View::Member& member, const Qelt::RenderAble* object) {
         return member.object == object;
     };
@@ -142,17 +178,18 @@ void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, 
         return; // told already, or nothing to tell
     my_left_out.clear();
     std::string names;
+    std::size_t lights = 0;
     constexpr std::size_t most_names = 20;
     for (const View::Member& member : left_out) {
-        if (my_left_out.size() < most_names)
-            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
         my_left_out.push_back(member.object);
+        if (wouldLight(member, view, viewpoint) && ++lights <= most_names)
+            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
     }
-    if (left_out.size() > most_names)
-        names += " and " + std::to_string(left_out.size() - most_names) + " more";
-    if (!left_out.empty())
+    if (lights > most_names)
+        names += " and " + std::to_string(lights - most_names) + " more";
+    if (lights > 0)
         reports.tell("left out on the fixed-function path: " + names + "; OpenGL has " +
-                     std::to_string(most) + " lights here, and those before hold them all");
+                     std::to_string(lightCount()) + " lights here, and those before hold them all");
 }
 
 void FixedPath::draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {

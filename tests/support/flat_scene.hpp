@@ -70,7 +70,5 @@ struct TestLightCreators {
     Qelt::VCreator<SetUpLight, void> set_up;
     Qelt::VCreator<DownwardLight, void> downward;
 };
-    Qelt::VCreator<DownwardLight, void> downward{std::string("DownwardLight"), 0};
-};
 
 } // namespace korl::test

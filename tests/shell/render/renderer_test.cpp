@@ -31,6 +31,18 @@ Pixel pixel(const Image& image, int x, int y) {
     return {image.pixels[at], image.pixels[at + 1], image.pixels[at + 2], image.pixels[at + 3]};
 }
 
+/// An object that is no light.
+struct Drawing : Qelt::RenderAble {
+    Drawing(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : RenderAble(name, 0, preferences) {}
+    bool environment_render(Qelt::VRenderContext&) const override {
+        ++calls;
+        return true;
+    }
+    using RenderAble::environment_render;
+    static inline int calls = 0;
+};
+
 class RendererGLTest : public korl::test::GLTest {
 protected:
     RendererGLTest() { korl::test::makeFlat(scene); }
@@ -278,6 +290,28 @@ TEST_F(RendererGLTest, LightsPastTheDriversNumberAreLeftOutAndNamedOnce) {
                 ElementsAre("left out on the fixed-function path: \"SetUpLight" + std::to_string(most + 1) +
                             "\", \"SetUpLight" + std::to_string(most + 2) + "\"; OpenGL has " +
                             std::to_string(most) + " lights here, and those before hold them all"));
+}
+
+TEST_F(RendererGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
+    const Qelt::VCreator<Drawing, void> creator{std::string("Drawing"), 0};
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &most);
+    // In the order of their priority: the module's lights would go before those of the tests.
+    for (int i = 0; i < most; ++i)
+        scene.create("DistanceLight");
+    scene.create("Torch");
+    scene.create("AmbientLight", "a");
+    scene.create("DistanceLight", "d");
+    scene.create("DownwardLight");
+    scene.create("Drawing");
+    const Pixel lit = middle(RenderPath::fixed);
+    EXPECT_EQ(Drawing::calls, 0);
+    EXPECT_EQ(reports, std::vector<std::string>{
+                           "left out on the fixed-function path: \"a\", \"d\"; OpenGL has " +
+                           std::to_string(most) + " lights here, and those before hold them all"});
+    for (const char* const left_out : {"Torch", "a", "d", "DownwardLight", "Drawing"})
+        scene.remove(left_out);
+    EXPECT_EQ(middle(RenderPath::fixed), lit); // the trial of some has left nothing behind
 }
 
 TEST_F(RendererGLTest, ConelessLightGivesItsAmbientColorAndIsOffWhileDrawing) {
