@@ -4,8 +4,8 @@
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
-set(KORL_MODULE_DIR lib/korl/modules)
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+include(KorlModule)
 
 if(KORL_SANITIZE)
   add_compile_options(-fsanitize=${KORL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -36,7 +36,7 @@ function(korl_host_library name)
   target_link_options(${name} PRIVATE LINKER:--no-as-needed)
   set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN" VERSION ${PROJECT_VERSION}
                         SOVERSION ${PROJECT_VERSION_MAJOR})
-  install(TARGETS ${name} LIBRARY DESTINATION lib)
+  install(TARGETS ${name} EXPORT korl LIBRARY DESTINATION lib)
 endfunction()
 
 # korl_test(NAME SOURCES... LINK targets... LABELS labels...): one GoogleTest program; its tests are found by

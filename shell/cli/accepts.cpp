@@ -26,19 +26,20 @@ void listAccepted(Shell& shell, const std::string& type) {
     const Qelt::VObject& sample = shell.scene().create(type);
     std::vector<std::vector<std::string>> rows{{"VALUE", "INPUTS", "OFFERED"}};
     std::vector<const std::type_info*> kinds;
-    for (const auto& [parameter, ignored] : sample.parameters()) {
-        const auto same = [&](const std::type_info* kind) { return *kind == parameter->type(); };
+    for (const auto& entry : sample.parameters()) {
+        const Qelt::VParameter& parameter = *entry.parameter.get();
+        const auto same = [&](const std::type_info* kind) { return *kind == parameter.type(); };
         if (std::any_of(kinds.begin(), kinds.end(), same))
             continue;
-        kinds.push_back(&parameter->type());
+        kinds.push_back(&parameter.type());
         std::string inputs, offered;
         for (const Qelt::VSlot* const slot : sample.slots())
-            if (slot->type() == parameter->type())
+            if (slot->type() == parameter.type())
                 inputs += (inputs.empty() ? "" : ", ") + slot->name();
-        const Provider provider(parameter->DefaultValue());
+        const Provider provider(parameter.DefaultValue());
         for (const Qelt::AcceptInfo& accepted : sample.accept(provider))
             offered += (offered.empty() ? "" : ", ") + accepted.input;
-        rows.push_back({valueKind(parameter->type()), inputs, offered.empty() ? "-" : offered});
+        rows.push_back({valueKind(parameter.type()), inputs, offered.empty() ? "-" : offered});
     }
     // A declared input type that no parameter has: the type is offered for such values, but no input takes
     // one.

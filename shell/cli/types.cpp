@@ -5,8 +5,12 @@
 
 #include <sorvik/creator.hpp>
 
+#include <cstddef>
 #include <cstdint>
+#include <exception>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <QtCore/QFile>
 
 namespace korl::cli {
@@ -19,50 +23,76 @@ std::string orDash(const std::string& text) {
     return text.empty() ? "-" : text;
 }
 
-/// Where the icon of an object comes from: a path in the Qt resource system, or an XPM image of a size; empty
-/// where it has none.
-std::string iconOf(const Qelt::VObject& object) {
-    if (const std::string path = object.qt_icon(); !path.empty())
-        return path;
+/// What the table says of a type's icon, and the icon as a PNG file; both are empty where the type has none.
+struct Icon {
+    std::string description;
+    std::vector<std::uint8_t> png;
+};
+
+/// The icon of an object: a PNG file at a path of the Qt resource system, or an XPM image.
+/// @param with_file whether its file is asked for, too.
+Icon iconOf(const Qelt::VObject& object, bool with_file) {
+    if (const std::string path = object.qt_icon(); !path.empty()) {
+        if (!with_file)
+            return {path, {}};
+        QFile file(QString::fromStdString(path));
+        if (!file.open(QIODevice::ReadOnly))
+            throw Error("its icon " + path + " is not in the module's resources");
+        const QByteArray bytes = file.readAll();
+        const std::vector<std::uint8_t> png(bytes.begin(), bytes.end());
+        try {
+            decodePng(png);
+        } catch (const Error& error) {
+            throw Error("its icon " + path + " cannot be used: " + error.what());
+        }
+        return {path, png};
+    }
     const char* const* const xpm = object.xpm_icon();
     if (!xpm)
         return {};
     const Image image = decodeXpm(xpm);
-    return "XPM " + std::to_string(image.width) + "x" + std::to_string(image.height);
+    return {"XPM " + std::to_string(image.width) + "x" + std::to_string(image.height),
+            with_file ? encodePng(image) : std::vector<std::uint8_t>()};
 }
 
-/// The picture of an object's icon, as a PNG file; empty where it has none.
-std::vector<std::uint8_t> iconFile(const Qelt::VObject& object) {
-    if (const std::string path = object.qt_icon(); !path.empty()) {
-        QFile file(QString::fromStdString(path));
-        if (!file.open(QIODevice::ReadOnly))
-            throw Error("the icon " + path + " of " + object.Name() + " is not in the module's resources");
-        const QByteArray bytes = file.readAll();
-        return {bytes.begin(), bytes.end()};
+/// The icon of what a creator makes. What is wrong with it is told with the type's name, and nothing is
+/// returned.
+std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
+    const std::string type = "type \"" + creator.Name() + "\": ";
+    try {
+        if (with_file && creator.Name().find('/') != std::string::npos)
+            throw Error("a name with \"/\" cannot be that of its icon's file");
+        return iconOf(*creator.create("").get(), with_file);
+    } catch (const std::exception& error) {
+        note(type + error.what());
+    } catch (...) {
+        note(type + "its module threw something that is no exception; it has to be mended by its maker");
     }
-    const char* const* const xpm = object.xpm_icon();
-    return xpm ? encodePng(decodeXpm(xpm)) : std::vector<std::uint8_t>();
+    return std::nullopt;
 }
 
-/// Writes the icon of each type that has one into a folder, as TYPE.png.
-void writeIcons(const std::filesystem::path& folder) {
-    for (Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue())
-        if (const auto icon = iconFile(*creator->create("").get()); !icon.empty())
-            writeFileAtomically(folder / (creator->Name() + ".png"), icon);
-}
-
-void listTypes() {
+/// Lists the types, and writes the icon of each that has one into a folder, as TYPE.png, unless the folder's
+/// name is empty. Throws Error at the end if there were types whose icon cannot be had.
+void listTypes(const std::filesystem::path& folder) {
     std::vector<std::vector<std::string>> rows{{"NAME", "CATEGORY", "NUMBER", "DATE", "ICON", "DESCRIPTION"}};
+    std::size_t failed = 0;
     for (Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue()) {
+        const std::optional<Icon> icon = readableIcon(*creator, !folder.empty());
+        failed += icon ? 0 : 1;
+        if (icon && !icon->png.empty())
+            writeFileAtomically(folder / (creator->Name() + ".png"), icon->png);
         const auto& properties = creator->properties();
         rows.push_back({creator->Name(), orDash(properties.text(Kind::category)),
                         std::to_string(creator->creatorNumber()), orDash(properties.text(Kind::date)),
-                        orDash(iconOf(*creator->create("").get())),
+                        icon ? orDash(icon->description) : "unusable",
                         orDash(properties.text(Kind::description))});
     }
     if (rows.size() == 1)
         note("no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH");
     printTable(rows);
+    if (failed > 0)
+        throw Error(std::to_string(failed) + " of " + std::to_string(rows.size() - 1) +
+                    " types have no usable icon; their modules have to be mended");
 }
 
 } // namespace
@@ -72,13 +102,7 @@ void addTypesCommand(CLI::App& app, Program& program) {
     const auto folder = std::make_shared<std::string>();
     command->add_option("--icons", *folder, "Also write the types' icons into this folder, as TYPE.png");
     command->callback([&program, folder] {
-        program.command = [&program, folder] {
-            withShell(program, [&](Shell&) {
-                listTypes();
-                if (!folder->empty())
-                    writeIcons(*folder);
-            });
-        };
+        program.command = [&program, folder] { withShell(program, [&](Shell&) { listTypes(*folder); }); };
     });
 }
 

@@ -3,11 +3,14 @@
 #include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
 
+#include <doltra/vlight_source.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <glm/gtc/type_ptr.hpp>
 #include <string>
+#include <typeinfo>
 
 namespace korl {
 
@@ -69,10 +72,10 @@ void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
 /// Whether everything that a set-up light gives is finite. One that is not would spoil all that the others
 /// give.
 bool givesFiniteLight(GLenum light) {
-    for (const GLenum name : {GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION, GL_SPOT_DIRECTION,
-                              GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}) {
+    for (const int name : {GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_POSITION, GL_SPOT_DIRECTION,
+                           GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}) {
         FloatQuad values{};
-        glGetLightfv(light, name, values.data());
+        glGetLightfv(light, static_cast<GLenum>(name), values.data());
         if (!std::all_of(values.begin(), values.end(), [](GLfloat value) { return std::isfinite(value); }))
             return false;
     }
@@ -96,18 +99,18 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
     FloatQuad model_ambient{0, 0, 0, 1};
     const int most = lightCount();
     int number = 1;
-    std::size_t called = 0;
+    my_lit.clear();
     for (const View::Member& member : view.members()) {
         if (number > most)
             break;
-        ++called;
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(number);
         member.object->environment_render(view.context());
         requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
-        if (!glIsEnabled(light)) {
+        my_lit.push_back(glIsEnabled(light));
+        if (!my_lit.back()) {
             if (alone && member.source_count > 0)
                 reports.once(member.object->number(), "no OpenGL light", [&] {
                     return "light \"" + member.object->Name() +
@@ -131,10 +134,21 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         ++number;
     }
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
-    reportLeftOut(view.members().subspan(called), most, reports);
+    reportLeftOut(view, reports);
 }
 
-void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports) {
+bool FixedPath::wouldLight(const View::Member& left_out, const View& view) const {
+    const Qelt::RenderAble& object = *left_out.object;
+    if (!dynamic_cast<const Qelt::VLightSource*>(&object))
+        return false;
+    for (std::size_t i = 0; i < my_lit.size(); ++i)
+        if (const Qelt::RenderAble& called = *view.members()[i].object; typeid(called) == typeid(object))
+            return my_lit[i];
+    return true;
+}
+
+void FixedPath::reportLeftOut(const View& view, Reports& reports) {
+    const auto left_out = view.members().subspan(my_lit.size());
     const auto same = [](const View::Member& member, const Qelt::RenderAble* object) {
         return member.object == object;
     };
@@ -142,17 +156,18 @@ void FixedPath::reportLeftOut(std::span<const View::Member> left_out, int most, 
         return; // told already, or nothing to tell
     my_left_out.clear();
     std::string names;
+    std::size_t lights = 0;
     constexpr std::size_t most_names = 20;
     for (const View::Member& member : left_out) {
-        if (my_left_out.size() < most_names)
-            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
         my_left_out.push_back(member.object);
+        if (wouldLight(member, view) && ++lights <= most_names)
+            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
     }
-    if (left_out.size() > most_names)
-        names += " and " + std::to_string(left_out.size() - most_names) + " more";
-    if (!left_out.empty())
+    if (lights > most_names)
+        names += " and " + std::to_string(lights - most_names) + " more";
+    if (lights > 0)
         reports.tell("left out on the fixed-function path: " + names + "; OpenGL has " +
-                     std::to_string(most) + " lights here, and those before hold them all");
+                     std::to_string(lightCount()) + " lights here, and those before hold them all");
 }
 
 void FixedPath::draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {

@@ -5,7 +5,6 @@
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
 
-#include <span>
 #include <vector>
 
 namespace korl {
@@ -18,8 +17,8 @@ class FixedPath {
 public:
     /// Has every object of the frame set up its fixed-function light, with the view matrix as the model-view
     /// matrix. The light number goes on to the next light only when an object has enabled the current one.
-    /// Objects past the driver's number of lights are not called, and a light that is not finite is switched
-    /// off; both are reported by name.
+    /// Once the driver's number of lights is set up, no further object is called for the frame; the lights
+    /// among these are reported by name. So is a light that is not finite, which is switched off.
     /// @param alone whether this path is all that is shown: a light that sets up none is then reported, too.
     void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone = false);
 
@@ -28,8 +27,15 @@ public:
     void draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes);
 
 private:
-    void reportLeftOut(std::span<const View::Member> left_out, int most, Reports& reports);
+    /// Names the lights of the frame that found all of OpenGL's held, where they are not the same objects as
+    /// in the frame before.
+    void reportLeftOut(const View& view, Reports& reports);
 
+    /// Whether an object that was left out is a light that would have set up one: what one of its type did
+    /// that was called tells; where there was none it is taken to.
+    bool wouldLight(const View::Member& left_out, const View& view) const;
+
+    std::vector<bool> my_lit; ///< of each object that was called for the frame, whether it set up a light
     std::vector<const Qelt::RenderAble*> my_left_out; ///< of the latest frame; only compared, never followed
 };
 

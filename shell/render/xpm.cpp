@@ -2,6 +2,7 @@
 
 #include "shell/error.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>

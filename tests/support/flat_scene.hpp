@@ -65,9 +65,10 @@ public:
 
 /// Creators of these lights, as a module would register them.
 struct TestLightCreators {
-    using Property = Qelt::VCreatorPropertyBase;
-    Qelt::VCreator<SetUpLight, void> set_up{std::string("SetUpLight"), 0};
-    Qelt::VCreator<DownwardLight, void> downward{std::string("DownwardLight"), 0};
+    TestLightCreators() : set_up(std::string("SetUpLight"), 0), downward(std::string("DownwardLight"), 0) {}
+
+    Qelt::VCreator<SetUpLight, void> set_up;
+    Qelt::VCreator<DownwardLight, void> downward;
 };
 
 } // namespace korl::test

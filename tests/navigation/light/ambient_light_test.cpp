@@ -109,11 +109,6 @@ TEST_F(AmbientLight, ChangesShowAtTheNextUpdate) {
     EXPECT_EQ(intensity(), (FloatColor{-1, 0, 1e30f, 0})); // nothing is clamped
 }
 
-TEST_F(AmbientLight, UniformOfAnotherAlternativeIsReplaced) {
-    ambient.source().uniforms().insert_or_assign(uniform, 7);
-    EXPECT_EQ(intensity(), (FloatColor{1, 1, 1, 1}));
-}
-
 TEST_F(AmbientLight, FallsBackWhereTheParameterWasRemoved) {
     ambient.light.removeParameter("Color");
     EXPECT_EQ(intensity(), fallback);
@@ -158,13 +153,6 @@ TEST_F(AmbientLight, EachContextHasItsOwnLightSource) {
 TEST_F(AmbientLight, KeepsItsLightSourceFromFrameToFrame) {
     const auto serial = ambient.source().serialNumber();
     EXPECT_EQ(ambient.source().serialNumber(), serial);
-}
-
-TEST_F(AmbientLight, LightSourceTakesTheTimeOfItsMaking) {
-    Tessan::Ageable clock;
-    clock.grow();
-    const auto now = Tessan::Ageable::GlobalTime.load();
-    EXPECT_EQ(ambient.source().age(), now);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "tests/support/light_fixture.hpp"
+#include "tests/support/normalisation_reference.hpp"
 
 #include <cmath>
 
@@ -96,6 +97,17 @@ TEST_F(DistanceLight, DirectionIsNormalisedInTheUniformOnly) {
     EXPECT_EQ(call("SPOT_DIRECTION"), "0 30 -40 0");
 }
 
+TEST_F(DistanceLight, NormalisationAgreesWithALongDoubleReference) {
+    set("lightposition", "0 0 0"); // so that the difference of the points has no rounding
+    const NormalisationReference reference([this](const PhysicalSpace::vector& v) {
+        light.parameter("shineat").setGlobalValue(
+            Qelt::VValue<PhysicalSpace::point>(PhysicalSpace::point{v.x, v.y, v.z}));
+        return triple(direction);
+    });
+    reference.expectAgreementEverywhere();
+    reference.expectAgreementOfDenormals();
+}
+
 TEST_F(DistanceLight, PositionAtTheTargetIsNotGuarded) {
     set("lightposition", "1 2 3");
     set("shineat", "1 2 3");
@@ -148,6 +160,15 @@ TEST_F(DistanceLight, PositionAloneFallsBack) {
     EXPECT_EQ(call("SPOT_DIRECTION"), "0 10 9 0");         // from (0, 0, 1)
 }
 
+TEST_F(DistanceLight, TargetAloneFallsBack) {
+    set("lightposition", "0 3 4");
+    set("shineat", "5 5 5");
+    remove("shineat");
+    EXPECT_EQ(triple(direction), (DoubleTriple{0, -0.6, -4 * (1 / 5.0)})); // to the origin
+    EXPECT_EQ(call("SPOT_DIRECTION"), "0 -3 -4 0");
+    EXPECT_EQ(call("POSITION"), "0 3 4 1");
+}
+
 TEST_F(DistanceLight, ColorAloneFallsBack) {
     set("Intensity", "0.5");
     set("color", "1 0 0 1");
@@ -170,11 +191,6 @@ TEST_F(DistanceLight, TakesComputedValues) {
     put("lightposition", new ComputedValue<PhysicalSpace::point>({0, 0, 3}));
     put("shineat", new ComputedValue<PhysicalSpace::point>({4, 0, 0}));
     EXPECT_EQ(triple(direction), (DoubleTriple{0.8, 0, -3 * (1 / 5.0)}));
-}
-
-TEST_F(DistanceLight, UniformsOfOtherAlternativesAreReplaced) {
-    light.source().uniforms().insert_or_assign(direction, 7);
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
 }
 
 TEST_F(DistanceLight, AcceptsObjectsThatProvideAPoint) {

@@ -3,8 +3,11 @@
 #include "tests/support/gl_recorder.hpp"
 #include "tests/support/module_light.hpp"
 
+#include <orvid/fixed_array.hpp>
+#include <orvid/physical_space.hpp>
 #include <orvid/rgba_float.hpp>
 #include <palune/geometry_traits.hpp>
+#include <tessan/ageable.hpp>
 
 #include <gtest/gtest.h>
 #include <utility>
@@ -44,6 +47,31 @@ TEST_P(EveryLight, UniformsAreSpeltAsInTheSnippet) {
             declarations += occurrences(source.snippet(), std::string("uniform ") + type + " " + name + " ");
         EXPECT_EQ(declarations, 1u) << name;
     }
+}
+
+TEST_P(EveryLight, UniformsOfOtherAlternativesAreReplaced) {
+    using Qelt::RenderNamespace::UniformMap;
+    using Value = UniformMap::mapped_type;
+    const auto filled = [this]() -> UniformMap& {
+        light.light.environment_render(light.context); // where some lights write them
+        return light.source().uniforms();
+    };
+    const UniformMap expected = filled();
+    ASSERT_FALSE(expected.empty());
+    for (const auto& [name, value] : expected)
+        for (const Value& other : {Value(7), Value(7.0f), Value(7.0), Value(Orvid::FixedArray<double, 3>{}),
+                                   Value(Orvid::FixedArray<float, 4>{}), Value(Orvid::PhysicalSpace::point{}),
+                                   Value(std::vector<Orvid::FixedArray<float, 3>>(2))}) {
+            light.source().uniforms().insert_or_assign(name, other);
+            EXPECT_EQ(filled(), expected) << name << " held alternative " << other.index();
+        }
+}
+
+TEST_P(EveryLight, LightSourceTakesTheTimeOfItsMaking) {
+    Tessan::Ageable clock;
+    clock.grow();
+    ModuleLight young(GetParam());
+    EXPECT_EQ(young.source().age(), Tessan::Ageable::GlobalTime.load());
 }
 
 TEST_P(EveryLight, UsesTheOpenGLLightOfTheContextsNumber) {

@@ -130,36 +130,51 @@ TEST(Module, RegistersCreatorsOfItsValueTypesOnceAndWithdrawsThem) {
     EXPECT_EQ(VValueCreator::count("double"), 0u);
 }
 
-TEST(Module, CreatesObjectsWithTheTrace) {
+TEST(Module, EveryCreatorCreatesWithTheTrace) {
     const LoadedModule module;
-    StrongPtr<VObject> object;
-    EXPECT_EQ(traceOf(100, [&] { object = VCreatorBase::find("AmbientLight")->create("lamp"); }),
-              "VCreator::create(lamp)\nVCreator::create(lamp) got derived object\n");
-    EXPECT_EQ(object->Name(), "lamp");
-    EXPECT_TRUE(object->processesRequests());
-    EXPECT_EQ(object->type_key(), "Scenery/AmbientLight");
+    const auto catalogue = VCreatorBase::catalogue();
+    std::vector<std::string> keys;
+    for (VCreatorBase* const creator : catalogue) {
+        StrongPtr<VObject> object;
+        EXPECT_EQ(traceOf(100, [&] { object = creator->create("lamp"); }),
+                  "VCreator::create(lamp)\nVCreator::create(lamp) got derived object\n");
+        EXPECT_EQ(object->Name(), "lamp");
+        EXPECT_TRUE(object->processesRequests());
+        EXPECT_EQ(traceOf(99, [&] { creator->create("lamp"); }), "");
+        keys.push_back(object->type_key()); // that of the object's creator
+    }
+    EXPECT_THAT(keys, ElementsAre("Headlight", "Scenery/Torch", "Scenery/Sun", "Scenery/DistanceLight",
+                                  "Scenery/DirectionalLight", "Scenery/AmbientLight", "Scenery/Headlight"));
 }
 
-TEST(Module, EmptyNameBecomesTheCreatorsName) {
+TEST(Module, EmptyNameBecomesTheCreatorsNameButNotInTheTrace) {
     const LoadedModule module;
-    EXPECT_EQ(VCreatorBase::find("AmbientLight")->create("")->Name(), "AmbientLight");
+    for (VCreatorBase* const creator : VCreatorBase::catalogue()) {
+        StrongPtr<VObject> object;
+        EXPECT_EQ(traceOf(100, [&] { object = creator->create(""); }),
+                  "VCreator::create()\nVCreator::create() got derived object\n");
+        EXPECT_EQ(object->Name(), creator->Name());
+        EXPECT_FALSE(object->Name().empty());
+    }
 }
 
 TEST(Module, UnloadingDeletesItsObjectsAndLeavesNoTrace) {
     korl::test::HeardReports heard;
-    StrongPtr<VObject> survivor;
+    std::vector<StrongPtr<VObject>> survivors;
     {
         const LoadedModule module;
-        survivor = VCreatorBase::find("AmbientLight")->create("lamp");
+        for (VCreatorBase* const creator : VCreatorBase::catalogue())
+            survivors.push_back(creator->create("lamp"));
         EXPECT_TRUE(LoadedModule::isInProcess());
-        EXPECT_EQ(VObject::members().size(), 1u);
+        EXPECT_EQ(VObject::members().size(), 7u);
     }
     EXPECT_FALSE(LoadedModule::isInProcess());
     EXPECT_TRUE(VObject::members().empty());
     EXPECT_TRUE(VCreatorBase::catalogue().empty());
-    EXPECT_FALSE(survivor);
+    for (const auto& survivor : survivors)
+        EXPECT_FALSE(survivor);
     EXPECT_THAT(heard.places, IsEmpty());
-    EXPECT_EQ(survivor.operator->(), nullptr); // using it is reported, not undefined
+    EXPECT_EQ(survivors[0].operator->(), nullptr); // using it is reported, not undefined
     EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
 }
 

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <functional>
 #include <glm/glm.hpp>
+#include <map>
 #include <random>
 #include <span>
 #include <string>
@@ -139,12 +140,21 @@ protected:
         return made;
     }
 
-    /// Compares what the driver makes of a light with a reference, relative to the length of each output.
-    void expectLight(ModuleLight& light, const std::function<Light(const glm::dvec3&)>& reference) {
+    using Reference = std::function<Light(const glm::dvec3&)>;
+
+    /// Compares what the driver makes of a light with a reference.
+    void expectLight(ModuleLight& light, const Reference& reference) {
         light.light.environment_render(light.context); // where some lights write their uniforms
         const auto& source = light.source();
+        expectLight(source.snippet(), source.uniforms(), reference);
+    }
+
+    /// The same for a snippet with some of its uniforms. The difference counts relative to the length of each
+    /// output.
+    void expectLight(const std::string& snippet, const Qelt::RenderNamespace::UniformMap& uniforms,
+                     const Reference& reference) {
         for (int output = 0; output < 3; ++output) {
-            const auto found = evaluator.evaluate(source.snippet(), source.uniforms(), output);
+            const auto found = evaluator.evaluate(snippet, uniforms, output);
             double largest = 0;
             for (std::size_t i = 0; i < found.size(); ++i) {
                 const Light expected = reference(glm::dvec3(vertices()[i]));
@@ -214,11 +224,12 @@ TEST_F(SnippetValueGLTest, Headlight) {
     });
 }
 
-Light torchAt(const glm::dvec3& place, double scale_distance, double strength, const glm::dvec3& vertex) {
+Light torchAt(const glm::dvec3& place, double scale_distance, double strength, double specular,
+              const glm::dvec3& vertex) {
     const glm::dvec3 way = vertex - place;
     // OpenGL's form of the same fall-off: constant 1, quadratic 1/s², of the inverse distance.
     const double attenuation = 1 / (1 + glm::dot(way, way) / (scale_distance * scale_distance));
-    return {glm::normalize(way), glm::dvec3(strength * attenuation), glm::dvec3(0.8 * attenuation)};
+    return {glm::normalize(way), glm::dvec3(strength * attenuation), glm::dvec3(specular * attenuation)};
 }
 
 TEST_F(SnippetValueGLTest, Torch) {
@@ -227,12 +238,20 @@ TEST_F(SnippetValueGLTest, Torch) {
     set(light, "elevation", "0.5");
     set(light, "scaleDistance", "30");
     set(light, "intensity", "2");
-    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({1, 2, 3.5}, 30, 2, vertex); });
+    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({1, 2, 3.5}, 30, 2, 0.8, vertex); });
 }
 
 TEST_F(SnippetValueGLTest, TorchByDefault) {
     ModuleLight light("Torch");
-    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({0, 0, 100}, 1000, 0.8, vertex); });
+    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({0, 0, 100}, 1000, 0.8, 0.8, vertex); });
+}
+
+TEST_F(SnippetValueGLTest, TorchByDefaultLightsTheOriginWithAHundredOfAHundredAndOne) {
+    ModuleLight light("Torch");
+    Evaluator there(std::vector<glm::vec3>(side * side, glm::vec3(0))); // 100 below it: a = (1000/100)²
+    for (const int output : {1, 2})
+        EXPECT_NEAR(there.evaluate(light.source().snippet(), light.source().uniforms(), output)[0].x,
+                    0.8 * 100 / 101, 1e-5);
 }
 
 TEST_F(SnippetValueGLTest, TorchGivesHalfItsLightAtItsScaleDistance) {
@@ -253,9 +272,10 @@ TEST_F(SnippetValueGLTest, TorchGivesHalfItsLightAtItsScaleDistance) {
 TEST_F(SnippetValueGLTest, TorchWithoutScaleDistanceIsDark) {
     ModuleLight light("Torch");
     set(light, "scaleDistance", "0");
-    for (const glm::vec4& strength :
-         evaluator.evaluate(light.source().snippet(), light.source().uniforms(), 1))
-        ASSERT_EQ(strength.x, 0);
+    for (const int output : {1, 2})
+        for (const glm::vec4& strength :
+             evaluator.evaluate(light.source().snippet(), light.source().uniforms(), output))
+            ASSERT_EQ(strength.x, 0);
 }
 
 TEST_F(SnippetValueGLTest, TorchAtTheVertexIsNotFinite) {
@@ -267,16 +287,26 @@ TEST_F(SnippetValueGLTest, TorchAtTheVertexIsNotFinite) {
 }
 
 TEST_F(SnippetValueGLTest, DeclaredDefaultsHoldBeforeAnyUpload) {
+    constexpr glm::dvec3 white(1), black(0), down(0, 0, -1);
+    const Reference straight_down = [&](const glm::dvec3&) { return Light{down, white, white}; };
+    const std::map<std::string, Reference> references{
+        {"AmbientLight",
+         [&](const glm::dvec3&) {
+             return Light{black, white, black};
+         }},
+        {"DirectionalLight", straight_down},
+        {"DistanceLight", straight_down},
+        {"Sun", straight_down},
+        {"Torch",
+         [](const glm::dvec3& vertex) {
+             return torchAt({0, 0, 100}, 1000, 1, 1, vertex);
+         }},
+        {"Headlight", [&](const glm::dvec3& vertex) {
+             return Light{glm::normalize(vertex - glm::dvec3(1, 2, 3)), white, white};
+         }}};
     for (const std::string& type : light_types) {
-        ModuleLight light(type);
-        const auto strength = evaluator.evaluate(light.source().snippet(), {}, 1);
-        if (type != "Torch") {
-            EXPECT_EQ(strength[0].x, 1) << type;
-        }
-        const auto incidence = evaluator.evaluate(light.source().snippet(), {}, 0);
-        if (type == "DirectionalLight" || type == "DistanceLight" || type == "Sun") {
-            EXPECT_EQ(incidence[0].z, -1) << type;
-        }
+        const testing::ScopedTrace trace(__FILE__, __LINE__, type);
+        expectLight(snippetOf(type), {}, references.at(type));
     }
 }
 

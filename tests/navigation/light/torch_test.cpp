@@ -168,11 +168,4 @@ TEST_F(Torch, TakesComputedValues) {
     EXPECT_EQ(point(location), (PhysicalSpace::point{1, 2, 3}));
 }
 
-TEST_F(Torch, UniformsOfOtherAlternativesAreReplaced) {
-    light.source().uniforms().insert_or_assign(location, DoubleTriple{1, 2, 3});
-    light.source().uniforms().insert_or_assign(scale_distance, 7.0f);
-    EXPECT_EQ(light.source().uniforms().at(location).index(), 10u);
-    EXPECT_EQ(light.source().uniforms().at(scale_distance).index(), 2u);
-}
-
 } // namespace

@@ -76,9 +76,44 @@ TEST_F(BadInput, ExceptionsOfModules) {
     // They are told although the module is unloaded by then.
     const std::vector<std::string> plugin{"--plugin", "BROKEN/throwing_objects.so"};
     expectError({"describe", "Reluctant", plugin[0], plugin[1]}, 1, "the object does not want to be");
-    expectError({"types", plugin[0], plugin[1]}, 1, "the object does not want to be");
     expectError({"render", "--light", "Odd", plugin[0], plugin[1]}, 1,
                 "a module threw something that is no exception; it has to be mended by its maker");
+}
+
+TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
+    const ProgramResult result = korl({"types", "--plugin", "BROKEN/throwing_objects.so"});
+    EXPECT_EQ(
+        result.errors,
+        "korl: type \"Reluctant\": the object does not want to be\n"
+        "korl: type \"Odd\": its module threw something that is no exception; it has to be mended by its "
+        "maker\n"
+        "korl: 2 of 9 types have no usable icon; their modules have to be mended\n");
+    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_THAT(result.output, HasSubstr("\nReluctant         -         0       -            unusable"));
+    EXPECT_THAT(result.output, HasSubstr("\nAmbientLight "));
+}
+
+TEST_F(BadInput, IconsThatCannotBeUsed) {
+    const std::string plugin = "BROKEN/unusable_icons.so";
+    const std::string misshapen = "korl: type \"Misshapen\": the XPM image has the header \"one by one\", "
+                                  "expected \"WIDTH HEIGHT COLORS CHARACTERS\"\n";
+    const ProgramResult listed = korl({"types", "--plugin", plugin});
+    EXPECT_EQ(listed.errors,
+              misshapen + "korl: 1 of 12 types have no usable icon; their modules have to be mended\n");
+    EXPECT_EQ(listed.exit_code, 1);
+
+    const ProgramResult written = korl({"types", "--plugin", plugin, "--icons", "DIR"});
+    std::string path = std::filesystem::path(PROJECT_SOURCE_DIR) / "tests/broken-plugins/unusable_icons.cpp";
+    EXPECT_THAT(written.errors,
+                StartsWith(misshapen + "korl: type \"NoPicture\": its icon " + path + " cannot be used: "));
+    EXPECT_THAT(
+        written.errors,
+        HasSubstr("\nkorl: type \"Missing\": its icon :/nowhere.png is not in the module's "
+                  "resources\nkorl: type \"no/file\": a name with \"/\" cannot be that of its icon's "
+                  "file\nkorl: 4 of 12 types have no usable icon; their modules have to be mended\n"));
+    EXPECT_EQ(written.exit_code, 1);
+    for (const char* const icon : {"Plain.png", "Torch.png", "Headlight.png"})
+        EXPECT_TRUE(std::filesystem::exists(folder / icon)) << icon;
 }
 
 TEST_F(BadInput, Models) {

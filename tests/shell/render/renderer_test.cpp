@@ -32,6 +32,18 @@ Pixel pixel(const Image& image, int x, int y) {
     return {image.pixels[at], image.pixels[at + 1], image.pixels[at + 2], image.pixels[at + 3]};
 }
 
+/// An object that is no light.
+struct Drawing : Qelt::RenderAble {
+    Drawing(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : RenderAble(name, 0, preferences) {}
+    bool environment_render(Qelt::VRenderContext&) const override {
+        ++calls;
+        return true;
+    }
+    using RenderAble::environment_render;
+    static inline int calls = 0;
+};
+
 class RendererGLTest : public korl::test::GLTest {
 protected:
     RendererGLTest() { korl::test::makeFlat(scene); }
@@ -380,6 +392,25 @@ TEST_F(RendererGLTest, LightsPastTheDriversNumberAreLeftOutAndNamedOnce) {
                 ElementsAre("left out on the fixed-function path: \"SetUpLight" + std::to_string(most + 1) +
                             "\", \"SetUpLight" + std::to_string(most + 2) + "\"; OpenGL has " +
                             std::to_string(most) + " lights here, and those before hold them all"));
+}
+
+TEST_F(RendererGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
+    const Qelt::VCreator<Drawing, void> creator{std::string("Drawing"), 0};
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &most);
+    scene.create("Torch", "called"); // shows that a Torch needs none
+    for (int i = 0; i < most; ++i)
+        scene.create("DistanceLight");
+    scene.create("Torch", "left out");
+    scene.create("AmbientLight", "a");
+    scene.create("DistanceLight", "d");
+    scene.create("Drawing");
+    render(RenderPath::fixed);
+    EXPECT_EQ(Drawing::calls, 0);
+    ASSERT_EQ(reports.size(), 2u);
+    EXPECT_THAT(reports[0], testing::StartsWith("light \"called\" adds nothing on the fixed-function path"));
+    EXPECT_EQ(reports[1], "left out on the fixed-function path: \"a\", \"d\"; OpenGL has " +
+                              std::to_string(most) + " lights here, and those before hold them all");
 }
 
 TEST_F(RendererGLTest, ConelessLightGivesItsAmbientColorAndIsOffWhileDrawing) {
