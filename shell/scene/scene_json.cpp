@@ -134,15 +134,8 @@ Mesh readBuiltin(const JsonValue& value, const ScenePlace& place) {
     place.inside("builtin").fail("unknown mesh \"" + asked + "\": " + nearNames(asked, names, ""));
 }
 
-} // namespace
-
-Mesh readSceneMesh(const JsonValue& value, const ScenePlace& place, const std::filesystem::path& folder,
-                   const ModelImport& import_model) {
-    place.requireObject(value);
-    if (value.find("builtin"))
-        return readBuiltin(value, place);
-    if (!value.find("file") && !value.find("up"))
-        return readArrays(value, place);
+Mesh readModel(const JsonValue& value, const ScenePlace& place, const std::filesystem::path& folder,
+               const ModelImport& import_model) {
     place.requireObject(value, scene_keys::model_mesh);
     const std::filesystem::path model = folder / place.textOf(value, "file");
     UpAxis up = UpAxis::y;
@@ -152,6 +145,30 @@ Mesh readSceneMesh(const JsonValue& value, const ScenePlace& place, const std::f
     });
     return place.inside("file").during(
         [&] { return import_model ? import_model(model, up) : importModel(model, up); });
+}
+
+} // namespace
+
+std::vector<Mesh> readSceneMeshes(const std::vector<JsonValue>& entries, const ScenePlace& place,
+                                  const std::filesystem::path& folder, const ModelImport& import_model) {
+    std::vector<Mesh> meshes;
+    for (const JsonValue& entry : entries) {
+        const ScenePlace where = place.inside(meshes.size());
+        where.requireObject(entry);
+        if (entry.find("builtin")) {
+            // Few bytes of a file must not become many meshes.
+            Mesh mesh = readBuiltin(entry, where);
+            if (std::any_of(meshes.begin(), meshes.end(),
+                            [&](const Mesh& other) { return other.is_builtin && other.name == mesh.name; }))
+                where.inside("builtin").fail("the mesh \"" + mesh.name + "\" stands twice in the list");
+            meshes.push_back(std::move(mesh));
+        } else if (entry.find("file") || entry.find("up")) {
+            meshes.push_back(readModel(entry, where, folder, import_model));
+        } else {
+            meshes.push_back(readArrays(entry, where));
+        }
+    }
+    return meshes;
 }
 
 } // namespace korl

@@ -57,15 +57,14 @@ private:
     std::string my_pointer;
 };
 
-/// A mesh of a scene file.
 struct Mesh;
 enum class UpAxis;
 using ModelImport = std::function<Mesh(const std::filesystem::path&, UpAxis)>;
 
-/// Reads an entry of a scene's "meshes". Throws Error with the place.
+/// Reads the entries of a scene's "meshes". Throws Error with the place.
 /// @param folder the scene file's, to which the paths of models are relative.
-Mesh readSceneMesh(const JsonValue& value, const ScenePlace& place, const std::filesystem::path& folder,
-                   const ModelImport& import_model);
+std::vector<Mesh> readSceneMeshes(const std::vector<JsonValue>& entries, const ScenePlace& place,
+                                  const std::filesystem::path& folder, const ModelImport& import_model);
 
 /// The keys that each object of a scene file may have, in the order in which they are written.
 namespace scene_keys {

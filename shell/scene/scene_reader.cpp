@@ -115,10 +115,9 @@ void SceneReader::read(const JsonValue& root) {
     readObjects(root);
     std::vector<Mesh> meshes;
     my_root.ifPresent(root, "meshes", [&](const auto& value, const auto& place) {
-        for (const JsonValue& mesh : place.list(value))
-            if (whole)
-                meshes.push_back(readSceneMesh(mesh, place.inside(meshes.size()), my_file.parent_path(),
-                                               my_reading.import_model));
+        if (whole)
+            meshes =
+                readSceneMeshes(place.list(value), place, my_file.parent_path(), my_reading.import_model);
     });
     my_root.ifPresent(root, "solo", [&](const auto& value, const auto& place) {
         if (whole)

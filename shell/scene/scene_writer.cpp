@@ -110,7 +110,7 @@ std::string SceneWriter::text() const {
         members.emplace_back("solo", jsonQuoted(solo));
     if (const auto list = objects(); !list.empty())
         members.emplace_back("objects", jsonLines(list, 2));
-    if (const auto list = meshes(); whole && !list.empty())
+    if (const auto list = whole ? meshes() : std::vector<std::string>(); !list.empty())
         members.emplace_back("meshes", jsonLines(list, 2));
     return jsonObject(members, 0, true) + "\n";
 }
@@ -207,15 +207,16 @@ SceneWriter::Members SceneWriter::connections(const VObject& object) const {
 
 std::vector<std::string> SceneWriter::meshes() const {
     std::vector<std::string> list;
-    if (my_part == Part::everything)
-        for (const auto& held : my_scene.meshes())
-            list.push_back(mesh(*held));
+    std::set<std::string> builtin;
+    for (const auto& held :
+         my_scene.meshes()) // a file may name a built-in mesh once; another copy has arrays
+        list.push_back(held->is_builtin && builtin.insert(held->name).second
+                           ? jsonObject({{"builtin", jsonQuoted(held->name)}}, object_indent)
+                           : mesh(*held));
     return list;
 }
 
 std::string SceneWriter::mesh(const Mesh& mesh) const {
-    if (mesh.is_builtin)
-        return jsonObject({{"builtin", jsonQuoted(mesh.name)}}, object_indent);
     if (mesh.source)
         return jsonObject({{"file", jsonQuoted(pathFrom(my_folder, mesh.source->file).string())},
                            {"up", jsonQuoted(nameOf(mesh.source->up))}},
