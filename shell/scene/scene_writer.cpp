@@ -2,6 +2,7 @@
 
 #include "shell/scene/json_layout.hpp"
 #include "shell/scene/module_of.hpp"
+#include "shell/scene/saved_value.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <doltra/vlight_source.hpp>
@@ -15,7 +16,6 @@ namespace korl {
 
 using Qelt::VObject;
 using Qelt::VParameter;
-using Qelt::VValueBase;
 
 namespace {
 
@@ -27,21 +27,6 @@ std::string colorText(const Orvid::rgba_float_t& color) {
 
 std::string tripleText(const glm::dvec3& value) {
     return Qelt::componentsToText(std::array{value.x, value.y, value.z});
-}
-
-/// A value's text, which must be one that is read again.
-std::string valueText(const VObject& object, const VParameter& parameter, const VValueBase& value) {
-    std::string text = value.Text();
-    if (text.find("nan") != std::string::npos || text.find("inf") != std::string::npos)
-        throw Error("the scene cannot be written: \"" + object.Name() + "." + parameter.Name() + "\" is \"" +
-                    text + "\", which is no finite value; set it first");
-    return text;
-}
-
-/// Whether an object that is new would not have a parameter's value by itself.
-bool mustBeWritten(const VObject& object, const VParameter& parameter) {
-    return object.preferences().find(parameter.Name()) != nullptr ||
-           parameter.globalValue().Text() != parameter.DefaultValue().Text();
 }
 
 std::string cameraText(const Camera& camera) {
@@ -88,6 +73,15 @@ bool SceneWriter::takes(const VObject& object) const {
     return my_part == Part::everything || dynamic_cast<const Qelt::VLightSource*>(&object);
 }
 
+bool SceneWriter::hasLightValues(const Qelt::ValuePool& view) const {
+    for (const auto& object : my_scene.objects())
+        if (dynamic_cast<const Qelt::VLightSource*>(object.get()))
+            for (const auto& [parameter, ignored] : object->parameters())
+                if (view.ownsVariable(*parameter.get()))
+                    return true;
+    return false;
+}
+
 std::string SceneWriter::text() const {
     Members members{{"korl", "1"}};
     const auto addList = [&](const char* key, const std::vector<std::string>& list) {
@@ -102,7 +96,8 @@ std::string SceneWriter::text() const {
         members.emplace_back("camera", cameraText(*my_scene.camera));
     std::vector<std::string> views;
     for (const Scene::NamedView& view : my_scene.views())
-        views.push_back(jsonQuoted(view.first));
+        if (whole || hasLightValues(*view.second.get()))
+            views.push_back(jsonQuoted(view.first));
     addList("views", views);
     const VObject* const alone = my_scene.soloLight();
     const std::string solo = alone ? alone->Name() : my_scene.foreign().solo;
@@ -160,9 +155,8 @@ std::string SceneWriter::object(const VObject& object) const {
         members.emplace_back("muted", "true");
     Members parameters;
     for (const auto& [parameter, ignored] : object.parameters())
-        if (const std::string text = valueText(object, *parameter.get(), parameter->globalValue());
-            !text.empty() && mustBeWritten(object, *parameter.get()))
-            parameters.emplace_back(parameter->Name(), jsonQuoted(text));
+        if (const auto text = savedValue(object, *parameter.get()))
+            parameters.emplace_back(parameter->Name(), jsonQuoted(*text));
     if (!parameters.empty())
         members.emplace_back("parameters", jsonObject(parameters, object_indent + 2));
     if (const Members list = connections(object); !list.empty())
@@ -171,10 +165,8 @@ std::string SceneWriter::object(const VObject& object) const {
     for (const auto& [name, pool] : my_scene.views()) {
         Members values;
         for (const auto& [parameter, ignored] : object.parameters())
-            if (pool->ownsVariable(*parameter.get()))
-                values.emplace_back(
-                    parameter->Name(),
-                    jsonQuoted(valueText(object, *parameter.get(), *pool->retrieveValue(*parameter.get()))));
+            if (const auto text = savedValue(object, *parameter.get(), *pool.get()))
+                values.emplace_back(parameter->Name(), jsonQuoted(*text));
         if (!values.empty())
             views.emplace_back(name, jsonObject(values, object_indent + 4));
     }

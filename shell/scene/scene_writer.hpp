@@ -2,12 +2,14 @@
 
 #include "shell/scene/scene_reader.hpp"
 
-#include <map>
-#include <typeinfo>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Qelt {
-class VParameter;
-}
+class VObject;
+class ValuePool;
+} // namespace Qelt
 
 namespace korl {
 
@@ -22,6 +24,7 @@ private:
     using Members = std::vector<std::pair<std::string, std::string>>; ///< keys, and values as JSON
 
     bool takes(const Qelt::VObject& object) const;
+    bool hasLightValues(const Qelt::ValuePool& view) const;
     std::vector<std::string> plugins() const;
     std::vector<std::string> objects() const;
     std::string object(const Qelt::VObject& object) const;
