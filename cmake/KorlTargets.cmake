@@ -13,6 +13,10 @@ if(KORL_SANITIZE)
   add_compile_definitions(KORL_SANITIZED)
 endif()
 
+if(KORL_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link) # the fuzzer sees which way the code goes
+endif()
+
 add_library(korl_warnings INTERFACE)
 target_compile_options(korl_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

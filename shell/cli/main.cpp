@@ -52,6 +52,10 @@ int main(int argument_count, char** arguments) {
     addAcceptsCommand(app, program);
     addRenderCommand(app, program);
     addShaderCommand(app, program);
+    addSaveCommand(app, program);
+    addSaveRigCommand(app, program);
+    addLoadRigCommand(app, program);
+    addScriptCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);

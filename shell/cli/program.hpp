@@ -42,5 +42,9 @@ void addDescribeCommand(CLI::App& app, Program& program);
 void addAcceptsCommand(CLI::App& app, Program& program);
 void addRenderCommand(CLI::App& app, Program& program);
 void addShaderCommand(CLI::App& app, Program& program);
+void addSaveCommand(CLI::App& app, Program& program);
+void addSaveRigCommand(CLI::App& app, Program& program);
+void addLoadRigCommand(CLI::App& app, Program& program);
+void addScriptCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli

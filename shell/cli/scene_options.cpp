@@ -162,7 +162,7 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
 void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
     const ParsedOptions parsed(options);
     if (!options.file.empty())
-        readSceneFile(options.file, scene);
+        readSceneFile(options.file, scene, {note, {}});
     if (!options.model.empty())
         scene.addMesh(importModel(options.model, parsed.model_up));
     if (scene.meshes().empty())

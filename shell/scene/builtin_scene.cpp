@@ -197,6 +197,8 @@ std::vector<Mesh> builtinScene() {
     meshes.push_back(landscape());
     meshes.push_back(column());
     meshes.push_back(sphere());
+    for (Mesh& mesh : meshes)
+        mesh.is_builtin = true;
     return meshes;
 }
 

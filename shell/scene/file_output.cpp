@@ -86,6 +86,15 @@ fs::path temporaryBeside(const fs::path& target, int attempt) {
     return target.parent_path() / (".korl-" + std::to_string(::getpid()) + "-" + std::to_string(attempt));
 }
 
+/// Brings the new name of a file to the disk. A file system that cannot sync folders does it in its own time.
+void syncFolder(const fs::path& folder, const Failure& fail) {
+    const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.get() < 0 && errno == EACCES)
+        return; // a folder may be written to without being readable
+    if (opened.get() < 0 || (::fsync(opened.get()) != 0 && errno != EINVAL && errno != ENOTSUP))
+        fail.systemCall();
+}
+
 void replaceFile(const fs::path& target, std::span<const std::uint8_t> bytes, const struct stat* replaced,
                  const Failure& fail) {
     constexpr int most_attempts = 100;
@@ -105,9 +114,13 @@ void replaceFile(const fs::path& target, std::span<const std::uint8_t> bytes, co
     writeWhole(file, bytes, fail);
     if (replaced && ::fchmod(file.get(), replaced->st_mode & 07777) != 0)
         fail.systemCall();
+    // Before the rename: a name must not come to lead to content that is not on the disk yet.
+    if (::fsync(file.get()) != 0)
+        fail.systemCall();
     closeWritten(file, fail);
     if (!temporary.renameTo(target))
         fail.systemCall();
+    syncFolder(target.has_parent_path() ? target.parent_path() : fs::path("."), fail);
 }
 
 void writeDirectly(const fs::path& target, std::span<const std::uint8_t> bytes, const Failure& fail) {

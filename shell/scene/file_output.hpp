@@ -7,10 +7,11 @@
 namespace korl {
 
 /// Writes a whole file or leaves what was there: the bytes go to a temporary file beside the target, which is
-/// then renamed. A replaced file's permissions are kept; a new file gets those that the process's umask
-/// leaves. A symbolic link to a file stays, and that file is replaced. A device or pipe, which can't be
-/// replaced, is written to directly. Throws Error that names the target and the reason; no temporary file is
-/// left then.
+/// synced to the disk and then renamed, and the rename is synced, too: killed at any time, by a power cut
+/// included, it leaves the old or the new file whole. A replaced file's permissions are kept; a new file gets
+/// those that the process's umask leaves. A symbolic link to a file stays, and that file is replaced. A
+/// device or pipe, which can't be replaced, is written to directly. Throws Error that names the target and
+/// the reason; no temporary file is left then.
 void writeFileAtomically(const std::filesystem::path& target, std::span<const std::uint8_t> bytes);
 
 /// Writes all bytes to an open file descriptor. @returns false where the system refuses; errno says why.

@@ -27,6 +27,7 @@ struct Mesh {
     std::vector<glm::vec3> colors;  ///< one for each position, 0 to 1; none at all for a white mesh
     std::vector<std::uint32_t> triangles; ///< three positions each, counter-clockwise seen from the front
     std::optional<ModelSource> source{};  ///< where it came from, for a mesh that was read from a model file
+    bool is_builtin = false;              ///< one of `builtinScene`, which its name tells
 };
 
 struct Ball {

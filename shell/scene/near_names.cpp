@@ -38,10 +38,14 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     constexpr std::size_t longest_list = 20;
     std::string list = "here are: ";
     const std::string* nearest = nullptr;
-    std::size_t least = std::max<std::size_t>(1, asked.size() / 3) + 1;
+    // What is no word that anybody typed is not worth the time that the guess would take.
+    constexpr std::size_t longest_word = 100;
+    std::size_t least = asked.size() > longest_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {
         if (i < longest_list)
             list += (i == 0 ? "" : ", ") + known[i];
+        if (known[i].size() >= asked.size() + least || asked.size() >= known[i].size() + least)
+            continue;
         if (const std::size_t distance = editDistance(asked, known[i]); distance < least) {
             least = distance;
             nearest = &known[i];

@@ -66,10 +66,10 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
         throw Error("unknown type \"" + type + "\": " +
                     nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
     }
-    if (!name.empty() && find(name))
+    if (!name.empty() && isTaken(name))
         throw Error("cannot create \"" + name + "\" as " + type +
                     ": the scene already has an object of this name");
-    const auto taken = [&](const std::string& candidate) { return find(candidate) != nullptr; };
+    const auto taken = [&](const std::string& candidate) { return isTaken(candidate); };
     return *creator->create(name.empty() ? creator->createChildname(taken, my_numbers[type]) : name, this)
                 .get();
 }
@@ -97,6 +97,8 @@ VObject& Scene::object(const std::string& name) const {
 }
 
 void Scene::remove(const std::string& name) {
+    if (my_foreign.remove(name))
+        return;
     VObject& gone = object(name);
     my_muted.erase(gone.number());
     Tessan::Counted::destroy(&gone);
@@ -119,8 +121,11 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
                     const std::string& source_object, const std::string& source_parameter) {
     const VParameter& follower_parameter = parameter(object_name, parameter_name);
     VParameter& source = parameter(source_object, source_parameter);
-    if (object(object_name).connectInput(parameter_name, source))
+    VObject& following = object(object_name);
+    if (following.connectInput(parameter_name, source)) {
+        my_foreign.disconnect(following.number(), parameter_name);
         return;
+    }
     const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
     const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
     if (follower_parameter.type() != source.type())
@@ -162,6 +167,7 @@ void Scene::resetParameter(const std::string& object_name, const std::string& pa
 
 void Scene::disconnect(const std::string& object_name, const std::string& parameter_name) {
     parameter(object_name, parameter_name).setSource({});
+    my_foreign.disconnect(object(object_name).number(), parameter_name);
 }
 
 void Scene::setMuted(const std::string& object_name, bool muted) {
@@ -181,6 +187,7 @@ void Scene::solo(const std::string& light) {
     if (!light.empty() && !isLight(object(light)))
         throw Error("\"" + light + "\" is no light, so it cannot shine alone");
     my_solo = light;
+    my_foreign.solo.clear();
     my_revision = nextRevision();
 }
 
@@ -203,12 +210,12 @@ Qelt::ValuePool& Scene::addView(const std::string& name) {
 }
 
 const StrongPtr<Qelt::ValuePool>& Scene::view(const std::string& name) const {
-    std::vector<std::string> known;
-    for (const NamedView& view : my_views) {
+    for (const NamedView& view : my_views)
         if (view.first == name)
             return view.second;
+    std::vector<std::string> known;
+    for (const NamedView& view : my_views)
         known.push_back(view.first);
-    }
     throw Error("unknown view \"" + name + "\": " + nearNames(name, known, "the scene has no views"));
 }
 

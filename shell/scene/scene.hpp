@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/scene/camera.hpp"
+#include "shell/scene/foreign_parts.hpp"
 #include "shell/scene/mesh.hpp"
 
 #include <doltra/renderable.hpp>
@@ -34,7 +35,8 @@ public:
 
     /// Creates an object through the first creator of the type's name in the catalogue.
     /// @param name the object's name; empty for the type's, numbered where that is taken ("Torch", "Torch2").
-    /// Throws Error for an unknown type, and for a name that is taken.
+    /// Throws Error for an unknown type, and for a name that is taken, by an object that is only kept
+    /// included.
     Qelt::VObject& create(const std::string& type, const std::string& name = {});
 
     /// The object of this name, or null.
@@ -42,6 +44,9 @@ public:
 
     /// The object of this name. Throws Error if there is none.
     Qelt::VObject& object(const std::string& name) const;
+
+    /// Whether an object has this name, one that is only kept for its module included.
+    bool isTaken(const std::string& name) const { return find(name) || my_foreign.contains(name); }
 
     /// Deletes an object. Throws Error if there is none of this name.
     void remove(const std::string& name);
@@ -100,6 +105,10 @@ public:
     /// Takes away a view and its values. Throws Error for an unknown view.
     void removeView(const std::string& name);
 
+    /// What the scene keeps for modules that are not loaded.
+    ForeignParts& foreign() noexcept { return my_foreign; }
+    const ForeignParts& foreign() const noexcept { return my_foreign; }
+
     /// The living objects, in the order of their creation.
     const std::vector<Tessan::StrongPtr<Qelt::VObject>>& objects() const;
 
@@ -134,6 +143,7 @@ private:
     std::unordered_set<std::uint64_t> my_muted; ///< by the numbers of the objects
     std::string my_solo;                        ///< the name of the light that shines alone, or empty
     std::vector<NamedView> my_views;
+    ForeignParts my_foreign;
     std::vector<std::shared_ptr<const Mesh>> my_meshes;
     std::optional<Ball> my_meshes_ball;
 };

@@ -73,6 +73,24 @@ TEST_F(ViewTest, FollowsTheSceneFromFrameToFrame) {
     view.endFrame();
 }
 
+TEST_F(ViewTest, LeavesOutWhatIsMutedOrOutshone) {
+    for (const char* const name : {"a", "b", "c"})
+        scene.create("DownwardLight", name);
+    const auto shown = [&] {
+        view.beginFrame(scene, 0);
+        const auto names = memberNames(view);
+        view.endFrame();
+        return names;
+    };
+    scene.setMuted("b", true);
+    EXPECT_THAT(shown(), ElementsAre("a", "c"));
+    scene.solo("b");
+    EXPECT_THAT(shown(), ElementsAre("b"));
+    scene.solo("");
+    scene.setMuted("b", false);
+    EXPECT_THAT(shown(), ElementsAre("a", "b", "c"));
+}
+
 TEST_F(ViewTest, FillsTheUniformsOfShaderLightsOnce) {
     auto& light = dynamic_cast<DownwardLight&>(scene.create("DownwardLight", "a"));
     view.beginFrame(scene, 0);

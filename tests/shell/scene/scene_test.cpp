@@ -195,6 +195,90 @@ TEST_F(SceneTest, BrokenMeshIsRefused) {
     EXPECT_TRUE(scene.meshes().empty());
 }
 
+TEST_F(SceneTest, ViewsHaveValuesOfTheirOwn) {
+    scene.create("Plain", "p");
+    scene.addView("left");
+    scene.addView("right");
+    scene.setParameter("p", "strength", "2");
+    scene.setParameter("p", "strength", "3", "left");
+    const Qelt::VParameter& strength = scene.parameter("p", "strength");
+    EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "3");
+    EXPECT_EQ(strength.getLocalValue(*scene.view("right").get())->Text(), "2");
+    EXPECT_EQ(strength.globalValue().Text(), "2");
+    EXPECT_EQ(errorOf([&] { scene.setParameter("p", "strength", "inf", "left"); }),
+              "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"3\"");
+    scene.resetParameter("p", "strength", "left");
+    EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "2");
+    scene.resetParameter("p", "strength");
+    EXPECT_EQ(strength.globalValue().Text(), "0.5");
+}
+
+TEST_F(SceneTest, ViewsGoByName) {
+    EXPECT_EQ(errorOf([&] { scene.view("left"); }), "unknown view \"left\": the scene has no views");
+    EXPECT_EQ(errorOf([&] { scene.addView(""); }), "a view needs a name");
+    scene.addView("left");
+    scene.addView("right");
+    EXPECT_EQ(errorOf([&] { scene.addView("left"); }),
+              "cannot add the view \"left\": the scene already has one of this name");
+    EXPECT_EQ(errorOf([&] { scene.view("lefd"); }),
+              "unknown view \"lefd\": did you mean \"left\"? There are: left, right.");
+    scene.create("Plain", "p");
+    EXPECT_EQ(errorOf([&] { scene.setParameter("p", "strength", "1", "up"); }),
+              "unknown view \"up\": there are: left, right.");
+    EXPECT_EQ(errorOf([&] { scene.resetParameter("p", "strength", "up"); }),
+              "unknown view \"up\": there are: left, right.");
+    scene.removeView("left");
+    ASSERT_EQ(scene.views().size(), 1u);
+    EXPECT_EQ(scene.views()[0].first, "right");
+    EXPECT_EQ(errorOf([&] { scene.removeView("left"); }), "unknown view \"left\": there are: right.");
+}
+
+TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
+    auto& a = scene.create("DownwardLight", "a");
+    auto& b = scene.create("DownwardLight", "b");
+    auto& plain = scene.create("Plain", "p");
+    auto revision = scene.revision();
+    scene.setMuted("a", true);
+    EXPECT_NE(scene.revision(), revision);
+    EXPECT_TRUE(scene.isMuted(a));
+    EXPECT_FALSE(scene.isEnabled(a));
+    EXPECT_TRUE(scene.isEnabled(b));
+    revision = scene.revision();
+    scene.solo("a"); // muted or not
+    EXPECT_NE(scene.revision(), revision);
+    EXPECT_EQ(scene.soloLight(), &a);
+    EXPECT_TRUE(scene.isEnabled(a));
+    EXPECT_FALSE(scene.isEnabled(b));
+    EXPECT_TRUE(scene.isEnabled(plain)) << "what is no light goes on";
+    scene.solo("");
+    EXPECT_EQ(scene.soloLight(), nullptr);
+    EXPECT_FALSE(scene.isEnabled(a));
+    EXPECT_TRUE(scene.isEnabled(b));
+    scene.setMuted("a", false);
+    EXPECT_TRUE(scene.isEnabled(a));
+    scene.solo("b");
+    scene.remove("b");
+    EXPECT_EQ(scene.soloLight(), nullptr);
+    EXPECT_TRUE(scene.isEnabled(a));
+    EXPECT_EQ(errorOf([&] { scene.solo("p"); }), "\"p\" is no light, so it cannot shine alone");
+    EXPECT_EQ(errorOf([&] { scene.solo("x"); }), "unknown object \"x\": there are: a, p.");
+    EXPECT_EQ(errorOf([&] { scene.setMuted("x", true); }), "unknown object \"x\": there are: a, p.");
+}
+
+TEST_F(SceneTest, ConnectsAndDisconnects) {
+    scene.create("Plain", "p");
+    scene.create("Plain", "q");
+    scene.connect("p", "strength", "q", "strength");
+    EXPECT_EQ(scene.parameter("p", "strength").source(), &scene.parameter("q", "strength"));
+    EXPECT_NE(errorOf([&] { scene.connect("q", "strength", "p", "strength"); }), "no error");
+    EXPECT_NE(errorOf([&] { scene.connect("q", "way", "p", "strength"); }), "no error");
+    scene.disconnect("p", "strength");
+    EXPECT_FALSE(scene.parameter("p", "strength").hasSource());
+    EXPECT_EQ(
+        errorOf([&] { scene.disconnect("p", "strenth"); }),
+        "unknown parameter \"p.strenth\": did you mean \"strength\"? There are: strength, tint, place, way.");
+}
+
 TEST(ValueKind, NamesWhatUsersSee) {
     EXPECT_EQ(korl::valueKind(typeid(double)), "double");
     EXPECT_EQ(korl::valueKind(typeid(Orvid::rgba_float_t)), "color");

@@ -1,0 +1,47 @@
+#include "shell/scene/lighting_rig.hpp"
+
+#include "shell/scene/file_output.hpp"
+#include "shell/scene/scene.hpp"
+#include "shell/scene/scene_reader.hpp"
+#include "shell/scene/scene_writer.hpp"
+
+#include <doltra/vlight_source.hpp>
+
+namespace korl {
+
+namespace {
+
+void removeLights(Scene& scene) {
+    std::vector<std::string> lights;
+    for (const auto& object : scene.objects())
+        if (dynamic_cast<const Qelt::VLightSource*>(object.get()))
+            lights.push_back(object->Name());
+    for (const std::string& light : lights)
+        scene.remove(light);
+}
+
+} // namespace
+
+void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell) {
+    const std::string text = rigText(scene, tell);
+    writeFileAtomically(file, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+std::string rigText(const Scene& scene, const SceneNotes& tell) {
+    return SceneWriter(scene, {}, tell, Part::lights).text();
+}
+
+void loadRig(const std::filesystem::path& file, Scene& scene, bool replace, const SceneNotes& tell) {
+    const JsonText parsed = parseScene(sceneFileText(file), file);
+    if (replace) {
+        // What cannot be read shows before anything is deleted.
+        Scene trial;
+        const SceneReading silent;
+        SceneReader(file, trial, silent, Part::lights).read(parsed.root());
+        removeLights(scene);
+    }
+    const SceneReading reading{tell};
+    SceneReader(file, scene, reading, Part::lights).read(parsed.root());
+}
+
+} // namespace korl
