@@ -52,6 +52,8 @@ int main(int argument_count, char** arguments) {
     addAcceptsCommand(app, program);
     addRenderCommand(app, program);
     addShaderCommand(app, program);
+    addExplainCommand(app, program);
+    addGalleryCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);

@@ -42,5 +42,7 @@ void addDescribeCommand(CLI::App& app, Program& program);
 void addAcceptsCommand(CLI::App& app, Program& program);
 void addRenderCommand(CLI::App& app, Program& program);
 void addShaderCommand(CLI::App& app, Program& program);
+void addExplainCommand(CLI::App& app, Program& program);
+void addGalleryCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli
