@@ -21,6 +21,11 @@ constexpr float low_attenuation = 0.25f;
 /// The cosine to the normal below which light only grazes: about 6 degrees.
 constexpr float grazing_cosine = 0.1f;
 
+/// A light that faces less than this share of what is seen faces away, by and large.
+constexpr float hardly_lit = 0.25f;
+/// One that travels upwards is no cause of darkness where it lights as much as this.
+constexpr float mostly_lit = 0.5f;
+
 float largestComponent(const glm::vec3& value) {
     return std::max({value.x, value.y, value.z});
 }
@@ -123,10 +128,6 @@ Source findSource(const LightSampler& sample, std::size_t part, const glm::vec3&
     return best;
 }
 
-std::string whereFrom(const JudgedPlaces& places) {
-    return places.is_pixel ? "the surface at the pixel" : "all that is seen of the meshes";
-}
-
 void addNotFinite(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
     const std::size_t total = places.points.size(), bad = total - tally.finite;
     if (bad == 0)
@@ -164,24 +165,30 @@ bool addStrength(LightExplanation& light, const Tally& tally, const JudgedPlaces
 }
 
 void addDirection(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
-    const bool is_averted = tally.faced == 0;
+    const float lit = *light.lit_share;
     if (tally.is_directed && tally.is_parallel && tally.travel.z > 0) {
         const std::string angle =
             numberText(glm::degrees(std::asin(std::min(tally.travel.z, 1.0f)))) + " degrees";
         light.findings.push_back(
             {FindingKind::below_horizon,
-             light.type == "Sun" ? "is the sun " + angle + " below the horizon, from where it shines upwards"
-                                 : "shines upwards from " + angle + " below the horizon",
-             is_averted});
+             light.type == "Sun" ? "is " + angle + " below the horizon, from where the sun shines upwards"
+                                 : "shines upwards, from " + angle + " below the horizon",
+             lit < mostly_lit});
     }
-    if (is_averted)
-        light.findings.push_back({FindingKind::facing_away, "faces away from " + whereFrom(places) +
-                                                                ": it falls on the back of the surface"});
-    else if (tally.cosine < grazing_cosine)
+    if (lit < hardly_lit) {
+        const std::string what = places.is_pixel ? "the surface at the pixel"
+                                 : lit == 0      ? "all that is seen of the meshes"
+                                                 : numberText(100 * (1 - lit)) + " % of what is seen";
         light.findings.push_back(
-            {FindingKind::grazing, "only grazes " + whereFrom(places) + ", at most " +
-                                       numberText(glm::degrees(std::asin(tally.cosine))) +
+            {FindingKind::facing_away, "faces away from " + what + ": it falls on the back of the surface"});
+    } else if (tally.cosine < grazing_cosine) {
+        light.findings.push_back(
+            {FindingKind::grazing, "only grazes " +
+                                       std::string(places.is_pixel ? "the surface at the pixel"
+                                                                   : "all that is seen of the meshes") +
+                                       ", at most " + numberText(glm::degrees(std::asin(tally.cosine))) +
                                        " degrees from the surface"});
+    }
 }
 
 } // namespace

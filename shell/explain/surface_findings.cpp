@@ -51,7 +51,7 @@ bool hasOneNormalForAll(const Mesh& mesh) {
         const glm::dvec3 face = faceNormal(mesh, i);
         const double area = glm::length(face);
         all += area;
-        if (std::abs(glm::dot(face, normal)) < 0.5 * area)
+        if (std::abs(glm::dot(face, normal)) < 0.9 * area) // more than about 25 degrees off
             across += area;
     }
     return across > 0.1 * all;
