@@ -32,7 +32,10 @@ class SurfaceMapGLTest : public korl::test::GLTest {
 protected:
     const std::vector<std::shared_ptr<const Mesh>> meshes{square({0, 0, 0}, {1, 0, 0}),
                                                           square({1, 1, 1}, {0, 0.5f, 0})};
-    const SurfaceMap map{meshes, from_above, 8, 8}; ///< two pixels for a unit
+    const SurfaceMap map = [this] {
+        context().makeCurrent();
+        return SurfaceMap(meshes, from_above, 8, 8); // two pixels for a unit
+    }();
 };
 
 TEST_F(SurfaceMapGLTest, FindsTheNearestSurfaceAtThePixelsCentre) {
