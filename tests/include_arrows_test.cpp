@@ -31,6 +31,12 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/session",
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "doltra/",
       "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/explain",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
+      "shell/explain/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/gallery",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
+      "shell/gallery/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 

@@ -56,6 +56,8 @@ int main(int argument_count, char** arguments) {
     addSaveRigCommand(app, program);
     addLoadRigCommand(app, program);
     addScriptCommand(app, program);
+    addExplainCommand(app, program);
+    addGalleryCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);

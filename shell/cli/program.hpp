@@ -46,5 +46,7 @@ void addSaveCommand(CLI::App& app, Program& program);
 void addSaveRigCommand(CLI::App& app, Program& program);
 void addLoadRigCommand(CLI::App& app, Program& program);
 void addScriptCommand(CLI::App& app, Program& program);
+void addExplainCommand(CLI::App& app, Program& program);
+void addGalleryCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli

@@ -56,17 +56,18 @@ void resetLights() {
 
 /// OpenGL scales all of a light by its spot factor, which is 0 everywhere for a cut-off of 0: a light with
 /// that cut-off would not even give its ambient light. Such a light gets its due through the light model
-/// instead, and is off while the frame is drawn.
-void moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
+/// instead, and is off while the frame is drawn. @returns whether the light is such a one.
+bool moveConelessLightToModel(GLenum light, FloatQuad& model_ambient) {
     GLfloat cutoff = 180;
     glGetLightfv(light, GL_SPOT_CUTOFF, &cutoff);
     if (cutoff != 0)
-        return;
+        return false;
     FloatQuad ambient{};
     glGetLightfv(light, GL_AMBIENT, ambient.data());
     for (std::size_t i = 0; i < 3; ++i)
         model_ambient[i] += ambient[i];
     glDisable(light);
+    return true;
 }
 
 /// Whether everything that a set-up light gives is finite. One that is not would spoil all that the others
@@ -95,11 +96,12 @@ void setMaterial() {
 } // namespace
 
 void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone) {
+    using Outcome = FixedLightPlace::Outcome;
     resetLights();
+    my_places.clear();
     FloatQuad model_ambient{0, 0, 0, 1};
     const int most = lightCount();
     int number = 1;
-    my_lit.clear();
     for (const View::Member& member : view.members()) {
         if (number > most)
             break;
@@ -109,8 +111,8 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         member.object->environment_render(view.context());
         requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
-        my_lit.push_back(glIsEnabled(light));
-        if (!my_lit.back()) {
+        if (!glIsEnabled(light)) {
+            my_places.push_back({member.object, Outcome::sets_up_none, 0});
             if (alone && member.source_count > 0)
                 reports.once(member.object->number(), "no OpenGL light", [&] {
                     return "light \"" + member.object->Name() +
@@ -121,9 +123,12 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
             continue;
         }
         if (givesFiniteLight(light)) {
-            moveConelessLightToModel(light, model_ambient);
+            const bool is_coneless = moveConelessLightToModel(light, model_ambient);
+            my_places.push_back(
+                {member.object, is_coneless ? Outcome::ambient_only : Outcome::holds, number});
         } else {
             glDisable(light);
+            my_places.push_back({member.object, Outcome::not_finite, number});
             reports.once(member.object->number(), "OpenGL light not finite", [&] {
                 return "light \"" + member.object->Name() +
                        "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
@@ -134,23 +139,25 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         ++number;
     }
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
-    reportLeftOut(view, reports);
+    const std::size_t called = my_places.size();
+    for (const View::Member& member : view.members().subspan(called))
+        my_places.push_back(
+            {member.object, wouldLight(*member.object) ? Outcome::left_out : Outcome::sets_up_none, 0});
+    reportLeftOut(places().subspan(called), reports);
 }
 
-bool FixedPath::wouldLight(const View::Member& left_out, const View& view) const {
-    const Qelt::RenderAble& object = *left_out.object;
-    if (!dynamic_cast<const Qelt::VLightSource*>(&object))
+bool FixedPath::wouldLight(const Qelt::RenderAble& left_out) const {
+    if (!dynamic_cast<const Qelt::VLightSource*>(&left_out))
         return false;
-    for (std::size_t i = 0; i < my_lit.size(); ++i)
-        if (const Qelt::RenderAble& called = *view.members()[i].object; typeid(called) == typeid(object))
-            return my_lit[i];
+    for (const FixedLightPlace& place : my_places)
+        if (const Qelt::RenderAble& called = *place.object; typeid(called) == typeid(left_out))
+            return place.outcome != FixedLightPlace::Outcome::sets_up_none;
     return true;
 }
 
-void FixedPath::reportLeftOut(const View& view, Reports& reports) {
-    const auto left_out = view.members().subspan(my_lit.size());
-    const auto same = [](const View::Member& member, const Qelt::RenderAble* object) {
-        return member.object == object;
+void FixedPath::reportLeftOut(std::span<const FixedLightPlace> left_out, Reports& reports) {
+    const auto same = [](const FixedLightPlace& place, const Qelt::RenderAble* object) {
+        return place.object == object;
     };
     if (std::equal(left_out.begin(), left_out.end(), my_left_out.begin(), my_left_out.end(), same))
         return; // told already, or nothing to tell
@@ -158,10 +165,10 @@ void FixedPath::reportLeftOut(const View& view, Reports& reports) {
     std::string names;
     std::size_t lights = 0;
     constexpr std::size_t most_names = 20;
-    for (const View::Member& member : left_out) {
-        my_left_out.push_back(member.object);
-        if (wouldLight(member, view) && ++lights <= most_names)
-            names += (names.empty() ? "\"" : ", \"") + member.object->Name() + "\"";
+    for (const FixedLightPlace& place : left_out) {
+        my_left_out.push_back(place.object);
+        if (place.outcome == FixedLightPlace::Outcome::left_out && ++lights <= most_names)
+            names += (names.empty() ? "\"" : ", \"") + place.object->Name() + "\"";
     }
     if (lights > most_names)
         names += " and " + std::to_string(lights - most_names) + " more";

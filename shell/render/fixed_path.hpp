@@ -9,6 +9,21 @@
 
 namespace korl {
 
+/// How an object of a frame fared when the fixed-function lights were set up.
+struct FixedLightPlace {
+    enum class Outcome {
+        holds,        ///< it holds the OpenGL light `number`
+        ambient_only, ///< the same, but with a cut-off of 0: only its ambient light counts
+        sets_up_none, ///< it did not enable an OpenGL light
+        not_finite,   ///< what it gave OpenGL is not finite, and the light was switched off
+        left_out      ///< it was not called: OpenGL's lights were all held before
+    };
+
+    const Qelt::RenderAble* object; ///< of the frame; not to be followed after it
+    Outcome outcome;
+    int number; ///< of the OpenGL light, from 1; 0 where it has none
+};
+
 /// Draws with OpenGL's own lighting, which the lights set up.
 ///
 /// Every frame starts from OpenGL's default light state, since some lights leave values unset on purpose,
@@ -22,6 +37,9 @@ public:
     /// @param alone whether this path is all that is shown: a light that sets up none is then reported, too.
     void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone = false);
 
+    /// How each object fared in the latest set-up, in the order of the frame.
+    std::span<const FixedLightPlace> places() const noexcept { return my_places; }
+
     /// Draws the meshes under these lights, into the framebuffer and viewport that are current. Lighting is
     /// off afterwards.
     void draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes);
@@ -29,13 +47,13 @@ public:
 private:
     /// Names the lights of the frame that found all of OpenGL's held, where they are not the same objects as
     /// in the frame before.
-    void reportLeftOut(const View& view, Reports& reports);
+    void reportLeftOut(std::span<const FixedLightPlace> left_out, Reports& reports);
 
-    /// Whether an object that was left out is a light that would have set up one: what one of its type did
+    /// Whether an object that was not called is a light that would have set up one: what one of its type did
     /// that was called tells; where there was none it is taken to.
-    bool wouldLight(const View::Member& left_out, const View& view) const;
+    bool wouldLight(const Qelt::RenderAble& left_out) const;
 
-    std::vector<bool> my_lit; ///< of each object that was called for the frame, whether it set up a light
+    std::vector<FixedLightPlace> my_places;
     std::vector<const Qelt::RenderAble*> my_left_out; ///< of the latest frame; only compared, never followed
 };
 

@@ -1,0 +1,146 @@
+#include "shell/explain/explanation_text.hpp"
+
+#include "shell/explain/number_text.hpp"
+
+#include <nlohmann/json.hpp>
+
+namespace korl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// A text of several lines, each after the first indented.
+std::string indented(const std::string& text, const std::string& indent) {
+    std::string result;
+    for (const char c : text) {
+        result += c;
+        if (c == '\n')
+            result += indent;
+    }
+    return result;
+}
+
+std::string pathName(RenderPath path) {
+    return path == RenderPath::fixed ? "fixed" : "shader";
+}
+
+std::string pixelText(const PixelExplanation& pixel) {
+    std::string text = "\nPixel " + std::to_string(pixel.x) + "," + std::to_string(pixel.y) + ": colour " +
+                       std::to_string(pixel.color[0]) + " " + std::to_string(pixel.color[1]) + " " +
+                       std::to_string(pixel.color[2]) + " of 255\n";
+    if (!pixel.surface)
+        return text + "  shows the background\n";
+    return text + "  shows the mesh \"" + pixel.mesh + "\" at " + numberText(pixel.surface->position) +
+           ", normal " + numberText(pixel.surface->normal) + ", own colour " +
+           numberText(pixel.surface->color) + "\n  all lights together give it " + numberText(pixel.sum) +
+           "\n";
+}
+
+std::string lightText(const LightExplanation& light) {
+    std::string text = "  " + light.name + " (" + light.type + ")\n";
+    for (const Finding& finding : light.findings)
+        text +=
+            "    " + std::string(finding.is_cause ? "" : "note: ") + indented(finding.text, "      ") + "\n";
+    if (light.intensity)
+        text += "    gives an intensity of at most " + numberText(*light.intensity) +
+                (light.attenuation ? ", " + numberText(*light.attenuation) +
+                                         " of its strength, at a distance of " + numberText(*light.distance)
+                                   : "") +
+                "; faces " + numberText(100 * *light.lit_share) + " % of what was looked at\n";
+    if (light.contribution)
+        text += "    adds to the pixel: diffuse " + numberText(light.contribution->diffuse) + ", specular " +
+                numberText(light.contribution->specular) + "\n";
+    return text + "    " + light.opengl_light + "\n";
+}
+
+Json vector(const glm::vec3& value) {
+    return Json::array({value.x, value.y, value.z});
+}
+
+Json findings(const std::vector<Finding>& list) {
+    Json json = Json::array();
+    for (const Finding& finding : list)
+        json.push_back({{"kind", nameOf(finding.kind)}, {"cause", finding.is_cause}, {"text", finding.text}});
+    return json;
+}
+
+template <class Value>
+Json orNull(const std::optional<Value>& value) {
+    return value ? Json(*value) : Json();
+}
+
+Json lightJson(const LightExplanation& light) {
+    Json json{{"name", light.name},
+              {"type", light.type},
+              {"findings", findings(light.findings)},
+              {"opengl_light", light.opengl_number > 0 ? Json(light.opengl_number) : Json()},
+              {"opengl_text", light.opengl_light},
+              {"intensity", orNull(light.intensity)},
+              {"attenuation", orNull(light.attenuation)},
+              {"distance", orNull(light.distance)},
+              {"lit_share", orNull(light.lit_share)}};
+    if (light.contribution)
+        json["contribution"] = {{"diffuse", vector(light.contribution->diffuse)},
+                                {"specular", vector(light.contribution->specular)}};
+    return json;
+}
+
+Json pixelJson(const PixelExplanation& pixel) {
+    Json json{{"x", pixel.x}, {"y", pixel.y}, {"color", pixel.color}};
+    if (const auto& surface = pixel.surface) {
+        json["mesh"] = pixel.mesh;
+        json["position"] = vector(surface->position);
+        json["normal"] = vector(surface->normal);
+        json["surface_color"] = vector(surface->color);
+        json["sum"] = vector(pixel.sum);
+    }
+    return json;
+}
+
+} // namespace
+
+std::string toText(const Explanation& explanation) {
+    std::string text = explanation.summary + "\n";
+    if (!explanation.failure.empty())
+        text += "\n" + explanation.failure + "\n";
+    if (explanation.pixel)
+        text += pixelText(*explanation.pixel);
+    text += explanation.lights.empty() ? "\nLights: none\n" : "\nLights\n";
+    for (const LightExplanation& light : explanation.lights)
+        text += lightText(light);
+    text += "\nScene, " + std::to_string(explanation.width) + "x" + std::to_string(explanation.height) +
+            " pixels on the " + (explanation.path == RenderPath::fixed ? "fixed-function" : "shader") +
+            " path" + (explanation.view.empty() ? "" : ", in the view \"" + explanation.view + "\"") +
+            "\n  " + numberText(100 * explanation.coverage) + " % of the picture shows a mesh\n";
+    for (const Finding& finding : explanation.scene)
+        text += "  " + std::string(finding.is_cause ? "" : "note: ") + finding.text + "\n";
+    return text;
+}
+
+std::string toJson(const Explanation& explanation) {
+    Json causes = Json::array(), lights = Json::array();
+    for (const FindingKind cause : explanation.causes)
+        causes.push_back(nameOf(cause));
+    for (const LightExplanation& light : explanation.lights)
+        lights.push_back(lightJson(light));
+    Json json{{"summary", explanation.summary},
+              {"dark", explanation.is_dark},
+              {"causes", causes},
+              {"path", pathName(explanation.path)},
+              {"width", explanation.width},
+              {"height", explanation.height},
+              {"view", explanation.view},
+              {"brightness", explanation.brightness},
+              {"coverage", explanation.coverage},
+              {"lights", lights},
+              {"scene", findings(explanation.scene)}};
+    if (explanation.pixel)
+        json["pixel"] = pixelJson(*explanation.pixel);
+    if (!explanation.failure.empty())
+        json["failure"] = explanation.failure;
+    // Texts of a driver need not be UTF-8.
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+} // namespace korl

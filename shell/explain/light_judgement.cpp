@@ -1,0 +1,233 @@
+#include "shell/explain/light_judgement.hpp"
+
+#include "shell/error.hpp"
+#include "shell/explain/number_text.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <glm/common.hpp>
+#include <glm/geometric.hpp>
+#include <glm/trigonometric.hpp>
+#include <limits>
+
+namespace korl {
+
+namespace {
+
+/// Below this a light does not make anything bright by itself.
+constexpr float weak_intensity = 0.1f;
+/// A light of which less than this is left is called too far away.
+constexpr float low_attenuation = 0.25f;
+/// The cosine to the normal below which light only grazes: about 6 degrees.
+constexpr float grazing_cosine = 0.1f;
+
+/// A light that faces less than this share of what is seen faces away, by and large.
+constexpr float hardly_lit = 0.25f;
+/// One that travels upwards is no cause of darkness where it lights as much as this.
+constexpr float mostly_lit = 0.5f;
+
+float largestComponent(const glm::vec3& value) {
+    return std::max({value.x, value.y, value.z});
+}
+
+/// What the samples of a light at the judged places have in common.
+struct Tally {
+    std::size_t finite = 0;         ///< places where all that it gives is finite
+    std::size_t faced = 0;          ///< places of which it faces the front
+    float intensity = 0;            ///< the largest component of all
+    float lowest = 0;               ///< the smallest component of all, 0 or below
+    float specular = 0;             ///< likewise of the highlights
+    float cosine = -1;              ///< the largest
+    std::size_t brightest_part = 0; ///< where the largest intensity is found
+    std::size_t brightest_place = 0;
+    glm::vec3 travel{0};      ///< the direction of the first directed sample, of unit length
+    bool is_directed = false; ///< at least one sample has a direction
+    bool is_parallel = true;  ///< all directed samples have the same one
+};
+
+Tally tallyOf(const LightParts& parts, std::span<const SurfacePoint> points) {
+    Tally tally;
+    float most = -std::numeric_limits<float>::infinity();
+    for (std::size_t place = 0; place < points.size(); ++place) {
+        const bool is_finite =
+            std::all_of(parts.begin(), parts.end(), [&](const auto& part) { return part[place].isFinite(); });
+        if (!is_finite)
+            continue;
+        ++tally.finite;
+        bool is_faced = false;
+        for (std::size_t part = 0; part < parts.size(); ++part) {
+            const LightSample& light = parts[part][place];
+            const float strength = largestComponent(light.intensity);
+            if (strength > most) {
+                most = strength;
+                tally.brightest_part = part;
+                tally.brightest_place = place;
+            }
+            tally.intensity = std::max(tally.intensity, strength);
+            tally.lowest = std::min({tally.lowest, light.intensity.x, light.intensity.y, light.intensity.z});
+            tally.specular = std::max(tally.specular, largestComponent(light.specular_intensity));
+            const bool gives_any =
+                light.intensity != glm::vec3(0) || light.specular_intensity != glm::vec3(0);
+            if (!gives_any)
+                continue;
+            const float cosine = cosineOfIncidence(points[place], light);
+            is_faced = is_faced || cosine > 0;
+            tally.cosine = std::max(tally.cosine, cosine);
+            if (light.incidence == glm::vec3(0)) {
+                tally.is_parallel = false;
+                continue;
+            }
+            const glm::vec3 travel = glm::normalize(light.incidence);
+            if (!tally.is_directed)
+                tally.travel = travel;
+            tally.is_directed = true;
+            tally.is_parallel = tally.is_parallel && glm::distance(tally.travel, travel) < 1e-4f;
+        }
+        tally.faced += is_faced ? 1 : 0;
+    }
+    return tally;
+}
+
+/// Where a light has all of its strength, found by going from a point against its direction.
+struct Source {
+    float strength; ///< the largest intensity on the way
+    float distance; ///< of the place where it is found
+};
+
+/// Tries distances that double from a fraction of the scene's size on, then looks closer between the
+/// neighbours of the best one. No more is taken for granted than that the intensity rises on the way to the
+/// source.
+Source findSource(const LightSampler& sample, std::size_t part, const glm::vec3& from,
+                  const glm::vec3& travel, float size) {
+    std::vector<float> distances{0};
+    for (int doublings = -10; doublings <= 30; ++doublings)
+        distances.push_back(std::ldexp(size, doublings));
+    Source best{0, 0};
+    for (int round = 0; round < 4; ++round) {
+        std::vector<glm::vec3> points;
+        for (const float distance : distances)
+            points.push_back(from - distance * travel);
+        const auto samples = sample(points).at(part);
+        std::size_t best_at = 0;
+        float strongest = -1;
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            if (const float strength = largestComponent(samples[i].intensity);
+                samples[i].isFinite() && strength > strongest) {
+                strongest = strength;
+                best_at = i;
+            }
+        if (strongest > best.strength)
+            best = {strongest, distances[best_at]};
+        const float near = distances[best_at == 0 ? 0 : best_at - 1];
+        const float far = distances[std::min(best_at + 1, distances.size() - 1)];
+        constexpr int steps = 64;
+        distances.clear();
+        for (int step = 0; step <= steps; ++step)
+            distances.push_back(near + (far - near) * static_cast<float>(step) / steps);
+    }
+    return best;
+}
+
+void addNotFinite(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
+    const std::size_t total = places.points.size(), bad = total - tally.finite;
+    if (bad == 0)
+        return;
+    const std::string where = places.is_pixel ? "at the pixel"
+                              : bad == total  ? "everywhere on the meshes"
+                                              : "at " + std::to_string(bad) + " of " + std::to_string(total) +
+                                                   " places on the meshes";
+    light.findings.push_back({FindingKind::not_finite,
+                              "gives numbers that are not finite " + where + ", and so adds nothing there",
+                              2 * bad > total});
+}
+
+/// What there is to say of a light's strength. @returns whether there is any that could fall on a surface.
+bool addStrength(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
+    const std::string at = places.is_pixel ? "the pixel" : "the meshes";
+    if (tally.lowest < 0)
+        light.findings.push_back(
+            {FindingKind::negative_intensity,
+             "takes light away: its intensity is " + numberText(tally.lowest) + " at " + at});
+    const bool is_far = light.attenuation && *light.attenuation < low_attenuation;
+    if (is_far && tally.intensity < weak_intensity)
+        light.findings.push_back(
+            {FindingKind::too_far, "is too far away: at a distance of " + numberText(*light.distance) +
+                                       " its light is down to " + numberText(*light.attenuation) +
+                                       " of its strength, an intensity of " + numberText(tally.intensity)});
+    else if (tally.intensity == 0 && tally.lowest == 0)
+        light.findings.push_back(
+            {FindingKind::zero_intensity, std::string("has zero intensity") +
+                                              (tally.specular > 0 ? "; only its highlights have any" : "")});
+    else if (tally.intensity < weak_intensity && tally.lowest == 0)
+        light.findings.push_back({FindingKind::weak, "is weak: its intensity is at most " +
+                                                         numberText(tally.intensity) + " at " + at});
+    return tally.intensity > 0;
+}
+
+void addDirection(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
+    const float lit = *light.lit_share;
+    if (tally.is_directed && tally.is_parallel && tally.travel.z > 0) {
+        const std::string angle =
+            numberText(glm::degrees(std::asin(std::min(tally.travel.z, 1.0f)))) + " degrees";
+        light.findings.push_back(
+            {FindingKind::below_horizon,
+             light.type == "Sun" ? "is " + angle + " below the horizon, from where the sun shines upwards"
+                                 : "shines upwards, from " + angle + " below the horizon",
+             lit < mostly_lit});
+    }
+    if (lit < hardly_lit) {
+        const std::string what = places.is_pixel ? "the surface at the pixel"
+                                 : lit == 0      ? "all that is seen of the meshes"
+                                                 : numberText(100 * (1 - lit)) + " % of what is seen";
+        light.findings.push_back(
+            {FindingKind::facing_away, "faces away from " + what + ": it falls on the back of the surface"});
+    } else if (tally.cosine < grazing_cosine) {
+        light.findings.push_back(
+            {FindingKind::grazing, "only grazes " +
+                                       std::string(places.is_pixel ? "the surface at the pixel"
+                                                                   : "all that is seen of the meshes") +
+                                       ", at most " + numberText(glm::degrees(std::asin(tally.cosine))) +
+                                       " degrees from the surface"});
+    }
+}
+
+} // namespace
+
+void judgeLight(LightExplanation& light, const LightSampler& sample, const JudgedPlaces& places) {
+    if (places.points.empty())
+        return;
+    std::vector<glm::vec3> positions;
+    for (const SurfacePoint& point : places.points)
+        positions.push_back(point.position);
+    try {
+        const LightParts parts = sample(positions);
+        const Tally tally = tallyOf(parts, places.points);
+        if (places.is_pixel) {
+            light.contribution.emplace();
+            for (const auto& part : parts)
+                *light.contribution += reflect(places.points.front(), part.front(), places.eye);
+        }
+        addNotFinite(light, tally, places);
+        if (tally.finite == 0 || parts.empty())
+            return;
+        light.intensity = tally.intensity;
+        light.lit_share = static_cast<float>(tally.faced) / static_cast<float>(tally.finite);
+        const glm::vec3 incidence = parts[tally.brightest_part][tally.brightest_place].incidence;
+        if (incidence != glm::vec3(0)) {
+            const Source source = findSource(sample, tally.brightest_part, positions[tally.brightest_place],
+                                             glm::normalize(incidence), places.size);
+            // A light that is as strong here as anywhere has no place from which it weakens.
+            if (source.strength > 1.001f * std::max(tally.intensity, 0.0f)) {
+                light.attenuation = std::max(tally.intensity, 0.0f) / source.strength;
+                light.distance = source.distance;
+            }
+        }
+        if (addStrength(light, tally, places))
+            addDirection(light, tally, places);
+    } catch (const Error& error) {
+        light.findings.push_back({FindingKind::shader_failed,
+                                  std::string("has a shader that the driver refuses: ") + error.what()});
+    }
+}
+
+} // namespace korl

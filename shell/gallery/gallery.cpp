@@ -1,0 +1,54 @@
+#include "shell/gallery/gallery.hpp"
+
+#include "shell/error.hpp"
+#include "shell/gallery/gallery_page.hpp"
+#include "shell/scene/builtin_scene.hpp"
+#include "shell/scene/file_output.hpp"
+#include "shell/session/shell.hpp"
+
+#include <sorvik/creator.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace korl {
+
+namespace {
+
+constexpr int picture_width = 480, picture_height = 360;
+
+/// The names of the types that can be created, each once, in the order of the catalogue.
+std::vector<std::string> typeNames() {
+    std::vector<std::string> names;
+    for (const Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue())
+        if (std::find(names.begin(), names.end(), creator->Name()) == names.end())
+            names.push_back(creator->Name());
+    return names;
+}
+
+} // namespace
+
+std::filesystem::path writeGallery(Shell& shell, const std::filesystem::path& folder) {
+    Scene scene;
+    for (Mesh& mesh : builtinScene())
+        scene.addMesh(std::move(mesh));
+    std::vector<TypeSheet> sheets;
+    for (const std::string& type : typeNames())
+        sheets.push_back(sheetOf(type, scene, shell.context(), picture_width, picture_height));
+    if (sheets.empty())
+        throw Error("there are no types to show: no module is loaded; name one with --plugin or set "
+                    "KORL_PLUGIN_PATH");
+    std::error_code problem;
+    std::filesystem::create_directories(folder, problem);
+    if (problem)
+        throw Error("cannot make the folder " + folder.string() + ": " + problem.message());
+    const std::string page = galleryPage(sheets);
+    const std::filesystem::path file = folder / "index.html";
+    writeFileAtomically(file, std::span(reinterpret_cast<const std::uint8_t*>(page.data()), page.size()));
+    return file;
+}
+
+} // namespace korl
