@@ -33,6 +33,9 @@ public:
     /// The OpenGL context, made at its first use. Throws Error where there is no OpenGL to be had.
     GLContext& context();
 
+    /// Leaves this thread without the OpenGL context, so that another thread can go on with the shell.
+    void releaseContext();
+
     /// What draws the scene, made with its context at its first use.
     Renderer& renderer();
 

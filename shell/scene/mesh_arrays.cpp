@@ -1,0 +1,48 @@
+#include "shell/scene/mesh_arrays.hpp"
+
+#include "shell/error.hpp"
+
+#include <algorithm>
+#include <glm/geometric.hpp>
+
+namespace korl {
+
+namespace {
+
+/// Where a normal has no direction, it is left as it is, to be found by `validate`.
+glm::vec3 unitNormal(const glm::vec3& normal) {
+    const glm::dvec3 exact(normal); // the squares of floats neither overflow nor vanish in double
+    const double length = glm::length(exact);
+    return length > 0 ? glm::vec3(exact / length) : normal;
+}
+
+} // namespace
+
+Mesh meshFromArrays(const std::string& name, const MeshArrays& arrays) {
+    if (arrays.positions.empty() || arrays.triangles.empty())
+        throw InvalidValue("the mesh \"" + name + "\" has " + std::to_string(arrays.positions.size()) +
+                           " positions and " + std::to_string(arrays.triangles.size()) +
+                           " triangles; give it some of both");
+    Mesh mesh;
+    mesh.name = name;
+    mesh.positions.assign(arrays.positions.begin(), arrays.positions.end());
+    mesh.colors.assign(arrays.colors.begin(), arrays.colors.end());
+    mesh.triangles.reserve(arrays.triangles.size() * 3);
+    for (const glm::uvec3& triangle : arrays.triangles)
+        mesh.triangles.insert(mesh.triangles.end(), {triangle.x, triangle.y, triangle.z});
+    const bool smooth = arrays.normals.empty();
+    if (smooth)
+        mesh.normals.resize(mesh.positions.size(),
+                            glm::vec3(0, 0, 1)); // until the triangles are known to be good
+    else
+        std::transform(arrays.normals.begin(), arrays.normals.end(), std::back_inserter(mesh.normals),
+                       unitNormal);
+    validate(mesh);
+    if (smooth) {
+        mesh.normals.clear();
+        addMissingNormals(mesh);
+    }
+    return mesh;
+}
+
+} // namespace korl
