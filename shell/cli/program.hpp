@@ -42,5 +42,6 @@ void addDescribeCommand(CLI::App& app, Program& program);
 void addAcceptsCommand(CLI::App& app, Program& program);
 void addRenderCommand(CLI::App& app, Program& program);
 void addShaderCommand(CLI::App& app, Program& program);
+void addRunCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli

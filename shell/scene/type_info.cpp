@@ -15,6 +15,15 @@ std::optional<std::string> propertyText(const Qelt::VParameter& parameter, const
     return property ? std::optional(property->Text()) : std::nullopt;
 }
 
+/// Modules declare no units; these are of the parameters that have one of the same name everywhere.
+std::optional<std::string> unitOf(const Qelt::VParameter& parameter) {
+    if (parameter.Name() == "latitude")
+        return "degrees";
+    if (parameter.Name() == "timeofday")
+        return "hours";
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object) {
@@ -22,8 +31,7 @@ std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object) {
     for (const auto& [parameter, expert_level] : object.parameters())
         described.push_back({parameter->Name(), valueKind(parameter->type()),
                              parameter->DefaultValue().Text(), propertyText(*parameter.get(), "min"),
-                             propertyText(*parameter.get(), "max"), propertyText(*parameter.get(), "unit"),
-                             expert_level});
+                             propertyText(*parameter.get(), "max"), unitOf(*parameter.get()), expert_level});
     return described;
 }
 

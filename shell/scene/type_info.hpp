@@ -14,7 +14,7 @@ struct ParameterInfo {
     std::string kind; ///< "double", "color", "point", "vector", or the name of another type
     std::string default_text;
     std::optional<std::string> minimum, maximum; ///< where the type declares them; nothing is clamped
-    std::optional<std::string> unit;             ///< where the type declares one
+    std::optional<std::string> unit;             ///< where it is known, such as "degrees"
     int expert_level;                            ///< 0 is for every user; the higher, the more expert
 };
 
