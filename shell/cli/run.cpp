@@ -47,7 +47,7 @@ void requireNoShellOptions(const Program& program) {
 void addRunCommand(CLI::App& app, Program& program) {
     CLI::App* const command =
         app.add_subcommand("run", "Run a Python script with the module korl: run SCRIPT.py [ARGUMENT...]");
-    command->prefix_command(); // all from the script on is the script's
+    command->fallthrough(false)->prefix_command(); // all from the script on is the script's
     command->callback([&program, command] {
         program.command = [&program, arguments = command->remaining()] {
             requireNoShellOptions(program);
