@@ -1,28 +1,24 @@
 #include "shell/scene/mesh_arrays.hpp"
 
-#include "shell/error.hpp"
-
 #include <algorithm>
+#include <cmath>
 #include <glm/geometric.hpp>
 
 namespace korl {
 
 namespace {
 
-/// Where a normal has no direction, it is left as it is, to be found by `validate`.
+/// A normal that is of unit length already, as a mesh takes it, stays to the bit; so does one that has no
+/// direction, to be found by `validate`.
 glm::vec3 unitNormal(const glm::vec3& normal) {
     const glm::dvec3 exact(normal); // the squares of floats neither overflow nor vanish in double
     const double length = glm::length(exact);
-    return length > 0 ? glm::vec3(exact / length) : normal;
+    return length > 0 && std::abs(length - 1) > 0.001 ? glm::vec3(exact / length) : normal;
 }
 
 } // namespace
 
 Mesh meshFromArrays(const std::string& name, const MeshArrays& arrays) {
-    if (arrays.positions.empty() || arrays.triangles.empty())
-        throw InvalidValue("the mesh \"" + name + "\" has " + std::to_string(arrays.positions.size()) +
-                           " positions and " + std::to_string(arrays.triangles.size()) +
-                           " triangles; give it some of both");
     Mesh mesh;
     mesh.name = name;
     mesh.positions.assign(arrays.positions.begin(), arrays.positions.end());

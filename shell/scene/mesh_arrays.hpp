@@ -17,9 +17,9 @@ struct MeshArrays {
     std::span<const glm::vec3> colors;     ///< one for each position, 0 to 1; none for a white mesh
 };
 
-/// A valid mesh with copies of the arrays. Normals that are given are brought to unit length; where there are
-/// none at all, smooth ones are made. Throws InvalidValue for arrays that `validate` refuses, and for no
-/// positions or no triangles at all.
+/// A valid mesh with copies of the arrays. Normals that are given are brought to unit length where they
+/// are not within 0.001 of it; where there are none at all, smooth ones are made. Throws InvalidValue for
+/// arrays that `validate` refuses.
 Mesh meshFromArrays(const std::string& name, const MeshArrays& arrays);
 
 } // namespace korl

@@ -25,17 +25,18 @@ public:
     /// Loads the plug-ins, then those of the directories. Throws Error as PluginSet does.
     SharedShell(const std::vector<std::filesystem::path>& plugins,
                 const std::vector<std::filesystem::path>& directories);
-    ~SharedShell() { close(); }
+    ~SharedShell();
     SharedShell(const SharedShell&) = delete;
     SharedShell& operator=(const SharedShell&) = delete;
 
-    /// Lets go of the shell with all that it has; once is enough.
-    void close() noexcept;
+    /// Lets go of the shell with all that it has; once is enough. Throws Error within work with a shared
+    /// shell on the same thread.
+    void close();
     bool isClosed() const;
 
-    /// Does a piece of work with the shell, when it is this thread's turn. It must not use a shared shell
-    /// itself, and nothing of the shell may be kept beyond it. What a module throws becomes an Error, while
-    /// the module is still there. Throws ClosedShell after `close`.
+    /// Does a piece of work with the shell, when it is this thread's turn. Nothing of the shell may be
+    /// kept beyond it. What a module throws becomes an Error, while the module is still there. Throws
+    /// ClosedShell after `close`, and Error within work with a shared shell on the same thread.
     template <class Work>
     auto use(Work work) -> decltype(work(std::declval<Shell&>())) {
         const Turn turn(*this);
@@ -58,7 +59,7 @@ private:
     class Turn {
     public:
         explicit Turn(SharedShell& shared);
-        ~Turn() { my_shared.my_shell->releaseContext(); }
+        ~Turn();
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
         Shell& shell() const { return *my_shared.my_shell; }

@@ -32,6 +32,18 @@ TEST(MeshArraysTest, BringsNormalsToUnitLength) {
               (std::vector<glm::vec3>{{0, 0, 1}, {0, 1, 0}, {1, 0, 0}}));
 }
 
+TEST(MeshArraysTest, LeavesNormalsOfUnitLengthToTheBit) {
+    const std::array<glm::vec3, 3> normals{
+        glm::vec3(0.6f, 0.8f, 0), {0, 0, 1.0005f}, {0.57735f, 0.57735f, 0.57735f}};
+    EXPECT_EQ(meshFromArrays("", {corners, triangle, normals, {}}).normals,
+              std::vector<glm::vec3>(normals.begin(), normals.end()));
+}
+
+TEST(MeshArraysTest, MayHaveNoTriangles) {
+    EXPECT_TRUE(meshFromArrays("points", {corners, {}, {}, {}}).triangles.empty());
+    EXPECT_TRUE(meshFromArrays("nothing", {}).positions.empty());
+}
+
 TEST(MeshArraysTest, RefusesWhatMakesNoMesh) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const std::array<glm::uvec3, 1> beyond{glm::uvec3(0, 1, 3)};

@@ -66,6 +66,17 @@ TEST(SharedShellTest, WhateverIsThrownBecomesAnErrorAndTheShellGoesOn) {
     shell->use(fill);
 }
 
+TEST(SharedShellTest, WorkWithinWorkIsRefusedInsteadOfWaitingForItself) {
+    const auto shell = newShell(), other = newShell();
+    shell->use([&](Shell&) {
+        EXPECT_THROW(shell->use(fill), korl::Error);
+        EXPECT_THROW(other->use(fill), korl::Error);
+        EXPECT_THROW(other->close(), korl::Error);
+        EXPECT_THROW(newShell(), korl::Error);
+    });
+    other->use(fill);
+}
+
 TEST(SharedShellTest, ThreadsTakeTurnsAcrossShells) {
     const std::vector<std::unique_ptr<SharedShell>> shells = [] {
         std::vector<std::unique_ptr<SharedShell>> made;
