@@ -215,21 +215,31 @@ class Shell(Strict):
         one picture of each side by side, twice as wide. What the user should know about the picture comes as
         a korl.Warning, once for each light. Other threads of Python go on meanwhile.
         """
-        if path not in _PATHS:
-            near = _korl.near_names(str(path), list(_PATHS), "")
-            raise InvalidValueError(f"unknown path {path!r}: {near}")
-        for size in (width, height):
-            if isinstance(size, bool) or not hasattr(size, "__index__"):
-                raise WrongTypeError(f"a picture's size is in whole pixels, found {size!r}")
-            if not 0 < size < 2**31:
-                raise InvalidValueError(f"a picture has at least 1 pixel each way, found {size}")
-        pixels = self._session.render(width, height, _PATHS[path], view_name(view))
-        for report in self._session.take_reports():
-            warnings.warn(report, Warning, stacklevel=2)
+        pixels = self._session.render(*_size(width, height), _path(path), view_name(view))
+        self._tell()
         return Image(pixels)
+
+    def _tell(self):
+        for report in self._session.take_reports():
+            warnings.warn(report, Warning, stacklevel=3)
 
     def __repr__(self):
         return "<korl.Shell, closed>" if self.closed else f"<korl.Shell of {len(self)} objects>"
+
+
+def _path(path):
+    if path not in _PATHS:
+        raise InvalidValueError(f"unknown path {path!r}: {_korl.near_names(str(path), list(_PATHS), '')}")
+    return _PATHS[path]
+
+
+def _size(width, height):
+    for size in (width, height):
+        if isinstance(size, bool) or not hasattr(size, "__index__"):
+            raise WrongTypeError(f"a picture's size is in whole pixels, found {size!r}")
+        if not 0 < size < 2**31:
+            raise InvalidValueError(f"a picture has at least 1 pixel each way, and not {size}")
+    return width, height
 
 
 def _rows(name, values, type_):
