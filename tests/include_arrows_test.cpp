@@ -37,6 +37,9 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/gallery",
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
       "shell/gallery/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/python",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "doltra/",
+      "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 

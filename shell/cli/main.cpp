@@ -1,4 +1,5 @@
 #include "shell/cli/program.hpp"
+#include "shell/cli/python.hpp"
 
 #include "shell/scene/near_names.hpp"
 
@@ -24,6 +25,15 @@ std::string problemOf(const CLI::App& app, const CLI::Error& error) {
     for (const CLI::App* const command : app.get_subcommands({}))
         commands.push_back(command->get_name());
     return "unknown command \"" + *word + "\": " + korl::nearNames(*word, commands, "");
+}
+
+/// The names of the commands, as a sentence lists them.
+std::string commandsOf(const CLI::App& app) {
+    std::string listed;
+    const auto commands = app.get_subcommands({});
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        listed += (i == 0 ? "" : i + 1 < commands.size() ? ", " : " and ") + commands[i]->get_name();
+    return listed;
 }
 
 } // namespace
@@ -58,11 +68,14 @@ int main(int argument_count, char** arguments) {
     addScriptCommand(app, program);
     addExplainCommand(app, program);
     addGalleryCommand(app, program);
+    addRunCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);
+        if (!program.command && isOnTerminal())
+            openPrompt(program);
         if (!program.command)
-            throw UsageError("no command was given; there are types, describe, accepts, render and shader");
+            throw UsageError("no command was given; there are " + commandsOf(app));
         program.command();
         if (std::fflush(stdout) != 0)
             throw korl::Error(std::string("cannot write to standard output: ") + std::strerror(errno));

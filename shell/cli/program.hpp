@@ -48,5 +48,6 @@ void addLoadRigCommand(CLI::App& app, Program& program);
 void addScriptCommand(CLI::App& app, Program& program);
 void addExplainCommand(CLI::App& app, Program& program);
 void addGalleryCommand(CLI::App& app, Program& program);
+void addRunCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli

@@ -43,6 +43,14 @@ void* openLibrary(const std::filesystem::path& file) noexcept {
     return open(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
+/// Whether this very library is loaded in the process, by whomever and under whatever name.
+bool isLoaded(const std::filesystem::path& file) {
+    void* const handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+    if (handle)
+        ::dlclose(handle);
+    return handle != nullptr;
+}
+
 Error refusedByLoader(const std::filesystem::path& file) {
     const char* reason = ::dlerror();
     return pluginError(file, "a library that the system's loader accepts",
@@ -164,7 +172,7 @@ void PluginSet::requireNewModule(const PluginInspection& inspection) const {
     const bool is_announced = std::any_of(announced.begin(), announced.end(), [&](const auto& plugin) {
         return plugin.name == inspection.module_name;
     });
-    if (!holder && !is_announced)
+    if (!holder && (!is_announced || isLoaded(inspection.file)))
         return;
     const auto where = holder ? ", loaded from \"" + holder->file().string() + "\"" : std::string();
     throw pluginError(inspection.file, "a module that is not loaded yet",

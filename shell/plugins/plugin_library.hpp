@@ -37,7 +37,8 @@ private:
     std::unique_ptr<void, Close> my_handle;
 };
 
-/// The plug-ins of a shell, each module once. They go in the reverse of the order in which they came.
+/// The plug-ins of a shell, each module once. They go in the reverse of the order in which they came. Several
+/// sets share a library that each of them loads: it comes with the first, and goes with the last.
 class PluginSet {
 public:
     PluginSet() = default;

@@ -6,12 +6,10 @@
 
 namespace korl {
 
-std::vector<std::filesystem::path> pluginSearchPath() {
-    return pluginSearchPath(std::getenv("KORL_PLUGIN_PATH"), std::filesystem::read_symlink("/proc/self/exe"));
-}
+namespace {
 
-std::vector<std::filesystem::path> pluginSearchPath(const char* listed,
-                                                    const std::filesystem::path& program) {
+/// @param listed the value of the variable; null where it is not set.
+std::vector<std::filesystem::path> searchPath(const char* listed, const std::filesystem::path& prefix) {
     std::vector<std::filesystem::path> directories;
     if (listed) {
         std::istringstream elements(listed);
@@ -20,10 +18,25 @@ std::vector<std::filesystem::path> pluginSearchPath(const char* listed,
                 directories.emplace_back(element);
         return directories;
     }
-    const auto beside_program = program.parent_path().parent_path() / KORL_MODULE_DIR;
-    if (std::filesystem::is_directory(beside_program))
-        directories.push_back(beside_program);
+    const auto modules = prefix / KORL_MODULE_DIR;
+    if (std::filesystem::is_directory(modules))
+        directories.push_back(modules);
     return directories;
+}
+
+} // namespace
+
+std::vector<std::filesystem::path> pluginSearchPath() {
+    return pluginSearchPath(std::getenv("KORL_PLUGIN_PATH"), std::filesystem::read_symlink("/proc/self/exe"));
+}
+
+std::vector<std::filesystem::path> pluginSearchPath(const char* listed,
+                                                    const std::filesystem::path& program) {
+    return searchPath(listed, program.parent_path().parent_path());
+}
+
+std::vector<std::filesystem::path> pluginSearchPathBelow(const std::filesystem::path& prefix) {
+    return searchPath(std::getenv("KORL_PLUGIN_PATH"), prefix);
 }
 
 } // namespace korl

@@ -15,4 +15,8 @@ std::vector<std::filesystem::path> pluginSearchPath();
 /// "/usr/bin/korl".
 std::vector<std::filesystem::path> pluginSearchPath(const char* listed, const std::filesystem::path& program);
 
+/// The same for code that lies elsewhere: without the variable, the modules' directory below a folder that
+/// holds a whole build or installation.
+std::vector<std::filesystem::path> pluginSearchPathBelow(const std::filesystem::path& prefix);
+
 } // namespace korl

@@ -43,7 +43,7 @@ std::string text(const glm::dvec3& value) {
 
 void requireFinite(const std::string& what, const glm::dvec3& value) {
     if (!isFinite(value))
-        throw Error("the camera's " + what + " is " + text(value) + ", expected three finite numbers");
+        throw InvalidValue("the camera's " + what + " is " + text(value) + ", expected three finite numbers");
 }
 
 } // namespace
@@ -69,21 +69,21 @@ void validate(const Camera& camera) {
     requireFinite("up direction", camera.up);
     // Both conditions are needed: not-a-number meets neither.
     if (!(camera.fov_degrees > 0 && camera.fov_degrees < 180))
-        throw Error("the camera's field of view is " +
-                    Qelt::componentsToText(std::array{camera.fov_degrees}) +
-                    " degrees, expected more than 0 and less than 180");
+        throw InvalidValue("the camera's field of view is " +
+                           Qelt::componentsToText(std::array{camera.fov_degrees}) +
+                           " degrees, expected more than 0 and less than 180");
     const glm::dvec3 sight = camera.target - camera.position;
     if (sight == glm::dvec3(0))
-        throw Error("the camera's position and target are both " + text(camera.target) +
-                    ", so that it has no line of sight; move one of them");
+        throw InvalidValue("the camera's position and target are both " + text(camera.target) +
+                           ", so that it has no line of sight; move one of them");
     if (!isFinite(sight))
-        throw Error("the camera's position " + text(camera.position) + " and target " + text(camera.target) +
-                    " are too far apart; move them closer together");
+        throw InvalidValue("the camera's position " + text(camera.position) + " and target " +
+                           text(camera.target) + " are too far apart; move them closer together");
     if (camera.up == glm::dvec3(0))
-        throw Error("the camera's up direction is \"0 0 0\", which leads nowhere; give another one");
+        throw InvalidValue("the camera's up direction is \"0 0 0\", which leads nowhere; give another one");
     if (glm::length(glm::cross(directionOf(sight), directionOf(camera.up))) < 1e-6)
-        throw Error("the camera's up direction " + text(camera.up) +
-                    " lies along its line of sight; give one across it");
+        throw InvalidValue("the camera's up direction " + text(camera.up) +
+                           " lies along its line of sight; give one across it");
 }
 
 Camera fitCamera(const Ball& ball, double aspect, double fov_degrees) {

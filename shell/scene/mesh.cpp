@@ -37,7 +37,7 @@ std::string text(const glm::vec3& value) {
 }
 
 [[noreturn]] void fail(const Mesh& mesh, const std::string& what) {
-    throw Error("the mesh \"" + mesh.name + "\" is damaged: " + what);
+    throw InvalidValue("the mesh \"" + mesh.name + "\" is damaged: " + what);
 }
 
 void requireAsManyAsPositions(const Mesh& mesh, std::size_t count, const std::string& what) {

@@ -63,8 +63,8 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
         for (const VCreatorBase* const listed : VCreatorBase::catalogue())
             if (std::find(known.begin(), known.end(), listed->Name()) == known.end())
                 known.push_back(listed->Name());
-        throw Error("unknown type \"" + type + "\": " +
-                    nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
+        throw UnknownName("unknown type \"" + type + "\": " +
+                          nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
     }
     if (!name.empty() && isTaken(name))
         throw Error("cannot create \"" + name + "\" as " + type +
@@ -93,7 +93,8 @@ VObject& Scene::object(const std::string& name) const {
     std::vector<std::string> known;
     for (const auto& held : objects())
         known.push_back(held->Name());
-    throw Error("unknown object \"" + name + "\": " + nearNames(name, known, "the scene has no objects"));
+    throw UnknownName("unknown object \"" + name +
+                      "\": " + nearNames(name, known, "the scene has no objects"));
 }
 
 void Scene::remove(const std::string& name) {
@@ -113,8 +114,8 @@ VParameter& Scene::parameter(const std::string& object_name, const std::string& 
     std::vector<std::string> known;
     for (const auto& entry : owner.parameters())
         known.push_back(entry.parameter->Name());
-    throw Error("unknown parameter \"" + owner.Name() + "." + name +
-                "\": " + nearNames(name, known, "the object has no parameters"));
+    throw UnknownName("unknown parameter \"" + owner.Name() + "." + name +
+                      "\": " + nearNames(name, known, "the object has no parameters"));
 }
 
 void Scene::connect(const std::string& object_name, const std::string& parameter_name,
@@ -129,8 +130,8 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
     const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
     const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
     if (follower_parameter.type() != source.type())
-        throw Error(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
-                    " is " + valueForm(source.type()) + "; they stay unconnected");
+        throw WrongType(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
+                        " is " + valueForm(source.type()) + "; they stay unconnected");
     throw Error(follower + " cannot follow " + followed +
                 ": that one follows it already, or the input takes no connections");
 }
@@ -146,10 +147,10 @@ void Scene::setParameter(const std::string& object_name, const std::string& para
         return held ? "; it keeps \"" + held->Text() + "\"" : std::string();
     };
     if (!value->setValueFromText(text))
-        throw Error("\"" + full_name + "\" takes " + valueForm(changed.type()) + ", found \"" + text + "\"" +
-                    kept());
+        throw InvalidValue("\"" + full_name + "\" takes " + valueForm(changed.type()) + ", found \"" + text +
+                           "\"" + kept());
     if (saysNotFinite(value->Text()))
-        throw Error("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"" + kept());
+        throw InvalidValue("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"" + kept());
     if (pool)
         pool->createVariable(changed, value);
     else
@@ -185,7 +186,7 @@ bool Scene::isMuted(const VObject& object) const {
 
 void Scene::solo(const std::string& light) {
     if (!light.empty() && !isLight(object(light)))
-        throw Error("\"" + light + "\" is no light, so it cannot shine alone");
+        throw WrongType("\"" + light + "\" is no light, so it cannot shine alone");
     my_solo = light;
     my_foreign.solo.clear();
     my_revision = nextRevision();
@@ -216,7 +217,7 @@ const StrongPtr<Qelt::ValuePool>& Scene::view(const std::string& name) const {
     std::vector<std::string> known;
     for (const NamedView& view : my_views)
         known.push_back(view.first);
-    throw Error("unknown view \"" + name + "\": " + nearNames(name, known, "the scene has no views"));
+    throw UnknownName("unknown view \"" + name + "\": " + nearNames(name, known, "the scene has no views"));
 }
 
 void Scene::removeView(const std::string& name) {

@@ -17,6 +17,11 @@ GLContext& Shell::context() {
     return *my_context;
 }
 
+void Shell::releaseContext() {
+    if (my_context)
+        my_context->release();
+}
+
 Renderer& Shell::renderer() {
     if (!my_renderer)
         my_renderer = std::make_unique<Renderer>(context(), my_report);

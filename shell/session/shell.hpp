@@ -33,6 +33,15 @@ public:
     /// The OpenGL context, made at its first use. Throws Error where there is no OpenGL to be had.
     GLContext& context();
 
+    /// Tells the user something, as reports on pictures are told.
+    void report(const std::string& text) const {
+        if (my_report)
+            my_report(text);
+    }
+
+    /// Leaves this thread without the OpenGL context, so that another thread can go on with the shell.
+    void releaseContext();
+
     /// What draws the scene, made with its context at its first use.
     Renderer& renderer();
 

@@ -164,7 +164,7 @@ TEST_F(BadInput, WrongUsage) {
     const std::string size =
         "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
     expectError({}, 2,
-                "no command was given; there are types, describe, accepts, render and shader" + usage_hint);
+                "no command was given; there are types, describe, accepts, render, shader and run" + usage_hint);
     expectError({"frobnicate"}, 2,
                 "unknown command \"frobnicate\": there are: types, describe, accepts, render, shader." +
                     usage_hint);

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <utility>
 
 namespace korl {
@@ -126,12 +127,33 @@ TEST(PluginSetTest, PassesOverOtherCopiesOnTheSearchPath) {
     EXPECT_EQ(set.libraries().front().file(), copy);
 }
 
-TEST(PluginSetTest, RefusesAModuleThatIsAnnouncedOutsideTheSet) {
+TEST(PluginSetTest, SharesALibraryWithAnotherSetUntilBothHaveGone) {
+    const TemporaryDirectory directory;
+    const auto link = directory.path() / "link.so";
+    std::filesystem::create_symlink(good / "alder.so", link);
+    std::optional<PluginSet> first(std::in_place), second(std::in_place);
+    first->load(good / "alder.so");
+    second->load(link);
+    EXPECT_THAT(moduleNames(*second), ElementsAre("alder"));
+    EXPECT_THAT(announcedNames(), ElementsAre("alder"));
+    testing::internal::CaptureStdout();
+    first.reset();
+    EXPECT_THAT(announcedNames(), ElementsAre("alder"));
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    second.reset();
+    EXPECT_THAT(announcedNames(), ElementsAre());
+}
+
+TEST(PluginSetTest, RefusesAnotherCopyOfAModuleThatIsLoadedOutsideTheSet) {
+    const TemporaryDirectory directory;
+    const auto copy = directory.path() / "copy.so";
+    std::filesystem::copy_file(good / "alder.so", copy);
     const auto elsewhere = PluginLibrary::load(good / "alder.so");
     PluginSet set;
     EXPECT_EQ(
-        errorOf([&] { set.load(good / "alder.so"); }),
-        refusal(good / "alder.so",
+        errorOf([&] { set.load(copy); }),
+        refusal(copy,
                 "a module that is not loaded yet, found another copy of alder.\nLeave out one of the two."));
 }
 

@@ -1,0 +1,264 @@
+"""Shells."""
+
+import warnings
+from typing import NamedTuple
+
+import numpy
+
+from . import _korl
+from ._camera import Camera
+from ._errors import InvalidValueError, Warning, WrongTypeError
+from ._image import Image
+from ._objects import Object, ParameterType, Type, View, view_name
+from ._strict import Strict
+from ._values import numbers_in, path_of, text_of
+
+_PATHS = _korl.RenderPath.__members__
+
+
+class Plugin(NamedTuple):
+    """A module that a shell has loaded."""
+
+    name: str
+    file: str
+
+
+class MeshInfo(NamedTuple):
+    """A mesh of a scene, and how many vertices and triangles it has."""
+
+    name: str
+    vertices: int
+    triangles: int
+
+
+class Shell(Strict):
+    """A shell: modules, a scene that is built with them, and what draws it.
+
+    It takes the plug-ins given, then those on the search path. Calls from several threads take turns. A `with`
+    statement closes the shell at its end; whatever it is asked for then raises ClosedError.
+    """
+
+    __slots__ = ("_session",)
+
+    def __init__(self, plugins=()):
+        if isinstance(plugins, (str, bytes)):
+            raise WrongTypeError(f"plugins takes a list of files, found {plugins!r}")
+        object.__setattr__(self, "_session", _korl.Session([path_of(file) for file in plugins]))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exception):
+        self.close()
+
+    def close(self):
+        """Lets go of the scene, its objects and the modules. Images stay."""
+        self._session.close()
+
+    closed = property(lambda self: self._session.is_closed(), doc="Whether the shell was closed.")
+
+    # Modules and what they bring.
+
+    def load(self, file):
+        """Loads one more module from a library file."""
+        self._session.load(path_of(file))
+
+    @property
+    def plugins(self):
+        """The modules that are loaded, in the order of loading."""
+        return tuple(Plugin(name, str(file)) for name, file in self._session.plugins())
+
+    @property
+    def types(self):
+        """The types of objects that there are, by name."""
+        return {
+            info.name: Type(
+                info.name,
+                info.category,
+                info.doc,
+                tuple(ParameterType._of(parameter) for parameter in info.parameters),
+            )
+            for info in self._session.types()
+        }
+
+    # The objects of the scene.
+
+    def create(self, type, name="", **parameters):
+        """Creates an object of a type. Without a name it gets the type's, numbered where that is taken.
+
+        Parameters are set from the keywords; where one of them is refused, no object is left behind.
+        """
+        for text, what in ((type, "type"), (name, "name")):
+            if not isinstance(text, str):
+                raise WrongTypeError(f"an object's {what} is a text, found {text!r}")
+        created = Object(self._session, self._session.create(type, name))
+        try:
+            for parameter, value in parameters.items():
+                created.set(parameter, value)
+        except Exception:
+            self._session.remove(created.name)
+            raise
+        return created
+
+    def __getitem__(self, name):
+        if not isinstance(name, str):
+            raise WrongTypeError(f"an object's name is a text, found {name!r}")
+        return Object(self._session, self._session.find(name))
+
+    def __delitem__(self, name):
+        if not isinstance(name, str):
+            raise WrongTypeError(f"an object's name is a text, found {name!r}")
+        self._session.remove(name)
+
+    def __contains__(self, name):
+        return any(handle.name == name for handle, _ in self._session.objects())
+
+    def __iter__(self):
+        """The objects in the order of their creation, as they are now."""
+        return iter([Object(self._session, handle) for handle, _ in self._session.objects()])
+
+    def __len__(self):
+        return len(self._session.objects())
+
+    def __bool__(self):
+        return True  # a shell without objects is a shell
+
+    def solo(self, light=None):
+        """Lets one light alone shine, whatever is muted; without one, all shine again."""
+        if light is None:
+            self._session.end_solo()
+            return
+        found = self[light] if isinstance(light, str) else light
+        if not isinstance(found, Object):
+            raise WrongTypeError(f"solo takes a light, its name or nothing, found {light!r}")
+        if found._session is not self._session:
+            raise InvalidValueError(f"{found!r} belongs to another shell")
+        self._session.solo(found._handle)
+
+    @property
+    def solo_light(self):
+        """The light that shines alone, or None."""
+        handle = self._session.solo_light()
+        return handle and Object(self._session, handle)
+
+    # What is seen, and how.
+
+    def add_view(self, name):
+        """A new view of the scene, in which parameters can have values of their own."""
+        if not isinstance(name, str):
+            raise WrongTypeError(f"a view's name is a text, found {name!r}")
+        self._session.add_view(name)
+        return View(self._session, name)
+
+    def remove_view(self, view):
+        """Takes away a view and its values."""
+        self._session.remove_view(view_name(view))
+
+    @property
+    def views(self):
+        """The views of the scene by name."""
+        return {name: View(self._session, name) for name in self._session.views()}
+
+    def add_mesh(self, mesh, triangles=None, normals=None, colors=None, *, up="y", name="mesh"):
+        """Adds a mesh to the scene: from a model file, or from arrays.
+
+        A model (OBJ, PLY, STL, glTF, 3DS) is turned so that its axis `up` is z and scaled to a radius of 0.5
+        around the origin. Arrays are taken as they are, in scene space: N x 3 vertices; M x 3 triangles, by
+        the vertices' indices from 0, counter-clockwise seen from the front; normals and colours (0 to 1), N x 3.
+        Without normals, smooth ones are made. Arrays of float32 and uint32 in C order are read where they lie.
+        """
+        if triangles is None:
+            if normals is not None or colors is not None:
+                raise WrongTypeError("vertices without triangles make no mesh; give triangles too")
+            self._session.add_model(path_of(mesh), up)
+            return
+        vertices = _rows("vertices", mesh, numpy.float32)
+        none = numpy.empty((0, 3), numpy.float32)
+        self._session.add_mesh(
+            name,
+            vertices,
+            _rows("triangles", triangles, numpy.uint32),
+            none if normals is None else _rows_for(vertices, "normals", normals),
+            none if colors is None else _rows_for(vertices, "colors", colors),
+        )
+
+    def add_landscape(self):
+        """Adds the program's own meshes: hilly land, a column and a sphere, in a radius of 0.6 about the origin."""
+        self._session.add_landscape()
+
+    @property
+    def meshes(self):
+        """The meshes of the scene, in the order of their coming."""
+        return tuple(MeshInfo(*mesh) for mesh in self._session.meshes())
+
+    @property
+    def camera(self):
+        """Where the scene is seen from."""
+        return Camera(self._session)
+
+    @property
+    def background(self):
+        """The colour where nothing is: red, green, blue and alpha, 0 to 1; set also as "#rrggbb"."""
+        return tuple(float(word) for word in self._session.background().split())
+
+    @background.setter
+    def background(self, color):
+        if not isinstance(color, str):
+            count = 3 if hasattr(color, "__len__") and len(color) == 3 else 4
+            color = text_of(numbers_in(color, count, "the background takes (red, green, blue) or with alpha"))
+        self._session.set_background(color)
+
+    def render(self, width=640, height=480, path="shader", view=None):
+        """Draws the scene: an Image, which is an array of height x width x 4 bytes.
+
+        `path` says by what the lights shine: "shader" by their GLSL, "fixed" as OpenGL's own lights, "both" with
+        one picture of each side by side, twice as wide. What the user should know about the picture comes as
+        a korl.Warning, once for each light. Other threads of Python go on meanwhile.
+        """
+        pixels = self._session.render(*_size(width, height), _path(path), view_name(view))
+        self._tell()
+        return Image(pixels)
+
+    def _tell(self):
+        for report in self._session.take_reports():
+            warnings.warn(report, Warning, stacklevel=3)
+
+    def __repr__(self):
+        return "<korl.Shell, closed>" if self.closed else f"<korl.Shell of {len(self)} objects>"
+
+
+def _path(path):
+    if path not in _PATHS:
+        raise InvalidValueError(f"unknown path {path!r}: {_korl.near_names(str(path), list(_PATHS), '')}")
+    return _PATHS[path]
+
+
+def _size(width, height):
+    for size in (width, height):
+        if isinstance(size, bool) or not hasattr(size, "__index__"):
+            raise WrongTypeError(f"a picture's size is in whole pixels, found {size!r}")
+        if not 0 < size < 2**31:
+            raise InvalidValueError(f"a picture has at least 1 pixel each way, and not {size}")
+    return width, height
+
+
+def _rows(name, values, type_):
+    """An array of rows of three, of a type: where it is one already, in C order, the same array."""
+    array = numpy.asarray(values)
+    if array.ndim != 2 or array.shape[1] != 3:
+        raise InvalidValueError(f"{name} takes an array of N x 3 numbers, found the shape {array.shape}")
+    allowed = "iu" if type_ is numpy.uint32 else "fiu"
+    if array.dtype.kind not in allowed:
+        what = "whole numbers" if allowed == "iu" else "numbers"
+        raise WrongTypeError(f"{name} takes an array of {what}, found one of {array.dtype}")
+    if type_ is numpy.uint32 and array.size and (array.min() < 0 or array.max() >= 2**32):
+        raise InvalidValueError(f"{name} takes indices from 0, found {array.min()} to {array.max()}")
+    with numpy.errstate(over="ignore"):  # what is too large becomes infinite, and is refused as such
+        return numpy.ascontiguousarray(array, type_)
+
+
+def _rows_for(vertices, name, values):
+    rows = _rows(name, values, numpy.float32)
+    if len(rows) != len(vertices):
+        raise InvalidValueError(f"{name} takes one row for each of the {len(vertices)} vertices, found {len(rows)}")
+    return rows

@@ -1,0 +1,75 @@
+"""Values of parameters: numbers and tuples in Python, text forms in the shell."""
+
+import numbers
+import os
+
+import numpy
+
+from ._errors import InvalidValueError, WrongTypeError
+
+_COUNTS = {"double": 1, "point": 3, "vector": 3, "color": 4}
+_FORMS = {
+    "double": "a double, one number",
+    "point": "a point, three numbers (x, y, z)",
+    "vector": "a vector, three numbers (x, y, z)",
+    "color": "a color, four numbers (red, green, blue, alpha)",
+}
+
+
+def numbers_in(value, count, what):
+    """The numbers of a value as floats: of one number or, where count is not 1, of that many in a row.
+
+    Raises WrongTypeError for anything else, and InvalidValueError for numbers that are not finite.
+    """
+    if isinstance(value, numpy.ndarray) and (value.ndim == 0) == (count == 1):
+        value = value.tolist()
+    parts = [value] if count == 1 else value
+    if isinstance(parts, (str, bytes)) or not hasattr(parts, "__len__") or not hasattr(parts, "__iter__"):
+        raise WrongTypeError(f"{what}, found {value!r}")
+    parts = list(parts)
+    if not all(isinstance(part, numbers.Real) for part in parts):
+        raise WrongTypeError(f"{what}, found {value!r}")
+    if len(parts) != count:
+        raise InvalidValueError(f"{what}, found {len(parts)} numbers, {value!r}")
+    try:
+        found = [float(part) for part in parts]
+    except OverflowError:
+        found = [float("inf")]
+    if not numpy.isfinite(found).all():
+        raise InvalidValueError(f"{what}, and finite ones, found {value!r}")
+    return found
+
+
+def triple(value, what):
+    """Three finite numbers, as of a point or a direction."""
+    return numbers_in(value, 3, f"{what} takes three numbers (x, y, z)")
+
+
+def text_of(floats):
+    """The shortest text that reads back as the same numbers."""
+    return " ".join(repr(number) for number in floats)
+
+
+def to_text(kind, value, name):
+    """The text form of a value for a parameter of a kind; of another kind than the four only text is taken."""
+    if kind in _COUNTS:
+        return text_of(numbers_in(value, _COUNTS[kind], f'"{name}" takes {_FORMS[kind]}'))
+    if not isinstance(value, str):
+        raise WrongTypeError(f'"{name}" takes the text form of a {kind}, found {value!r}')
+    return value
+
+
+def from_text(kind, text):
+    """A float, a tuple of floats or, for another kind than the four, the text itself; None for no value."""
+    if text is None or kind not in _COUNTS:
+        return text
+    floats = tuple(float(word) for word in text.split())
+    return floats[0] if kind == "double" else floats
+
+
+def path_of(file):
+    """A file as the system's text for it; WrongTypeError for what is no path."""
+    try:
+        return os.fsdecode(file)
+    except TypeError:
+        raise WrongTypeError(f"expected the path of a file, found {file!r}") from None

@@ -1,0 +1,110 @@
+// The extension module below the Python package korl: the shell's library as Python calls it, one function
+// for each thing to do. Objects go by their name and number, values by their text forms; the package's
+// Python files make attributes and types of them. Each call lets go of the interpreter while it waits for its
+// turn and while it works.
+
+#include "shell/python/session_class.hpp"
+
+#include "shell/plugins/plugin_search_path.hpp"
+#include "shell/render/png.hpp"
+#include "shell/scene/file_output.hpp"
+#include "shell/scene/near_names.hpp"
+
+#include <sorvik/vprintf.hpp>
+
+#include <dlfcn.h>
+#include <pybind11/numpy.h>
+
+namespace korl::python {
+
+const std::filesystem::path& homeFolder() {
+    static const std::filesystem::path home = [] {
+        Dl_info info;
+        ::dladdr(reinterpret_cast<const void*>(&homeFolder), &info);
+        std::filesystem::path folder = std::filesystem::canonical(info.dli_fname).parent_path().parent_path();
+        for ([[maybe_unused]] const auto& part : std::filesystem::path(KORL_PYTHON_DIR))
+            folder = folder.parent_path();
+        return folder;
+    }();
+    return home;
+}
+
+namespace {
+
+py::bytes encode(const py::array_t<std::uint8_t, py::array::c_style>& pixels,
+                 const std::vector<std::pair<std::string, std::string>>& text) {
+    const Image image{static_cast<int>(pixels.shape(1)), static_cast<int>(pixels.shape(0)),
+                      std::vector(pixels.data(), pixels.data() + pixels.size())};
+    std::vector<std::uint8_t> png;
+    {
+        const py::gil_scoped_release released;
+        png = encodePng(image, text);
+    }
+    return {reinterpret_cast<const char*>(png.data()), png.size()};
+}
+
+/// Each kind of error as the exception of its kind in korl/_errors.py.
+void translateError(std::exception_ptr thrown) {
+    const auto raise = [](const char* type, const std::exception& error) {
+        PyErr_SetString(py::module_::import("korl._errors").attr(type).ptr(), error.what());
+    };
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const ClosedShell& error) {
+        raise("ClosedError", error);
+    } catch (const UnknownName& error) {
+        raise("UnknownNameError", error);
+    } catch (const InvalidValue& error) {
+        raise("InvalidValueError", error);
+    } catch (const WrongType& error) {
+        raise("WrongTypeError", error);
+    } catch (const Error& error) {
+        raise("Error", error);
+    }
+}
+
+std::vector<std::pair<std::string, std::filesystem::path>> plugins(Shell& shell) {
+    std::vector<std::pair<std::string, std::filesystem::path>> loaded;
+    for (const PluginLibrary& library : shell.plugins().libraries())
+        loaded.emplace_back(library.moduleName(), library.file());
+    return loaded;
+}
+
+} // namespace
+
+} // namespace korl::python
+
+PYBIND11_MODULE(_korl, module) {
+    using namespace korl;
+    using namespace korl::python;
+    homeFolder(); // while the path of this library still leads to it
+    py::register_exception_translator(translateError);
+    py::enum_<RenderPath>(module, "RenderPath")
+        .value("shader", RenderPath::shader)
+        .value("fixed", RenderPath::fixed)
+        .value("both", RenderPath::both);
+
+    Session session(module, "Session");
+    session.def(py::init([](const std::vector<std::filesystem::path>& files) {
+                    return Holder(new SharedShell(files, pluginSearchPathBelow(homeFolder())));
+                }),
+                Released());
+    session.def("close", &SharedShell::close, Released());
+    session.def("is_closed", &SharedShell::isClosed, Released());
+    session.def("take_reports", &SharedShell::takeReports, Released());
+    add(session, "plugins", plugins);
+    add(session, "load", [](Shell& shell, const std::filesystem::path& file) { shell.plugins().load(file); });
+    defineObjects(module, session);
+    defineScene(module, session);
+
+    module.def("encode_png", &encode);
+    module.def(
+        "write_file",
+        [](const std::filesystem::path& file, std::string_view bytes) {
+            writeFileAtomically(file,
+                                std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+        },
+        Released());
+    module.def("near_names", &nearNames);
+    module.def("set_verbosity", &Qelt::setVerbosity);
+}
