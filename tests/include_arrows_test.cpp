@@ -38,8 +38,8 @@ const std::map<std::string, std::vector<std::string>> arrows{
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
       "shell/gallery/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/python",
-     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "doltra/",
-      "palune/", "sorvik/", "tessan/", "orvid/"}},
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "shell/python/",
+      "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 
