@@ -51,7 +51,6 @@ TEST(MeshArraysTest, RefusesWhatMakesNoMesh) {
     const std::array<glm::vec3, 3> bright{glm::vec3(2), glm::vec3(2), glm::vec3(2)};
     const std::span<const glm::vec3> two(corners.data(), 2);
     for (const MeshArrays& arrays : std::initializer_list<MeshArrays>{{{}, triangle, {}, {}},
-                                                                      {corners, {}, {}, {}},
                                                                       {corners, beyond, {}, {}},
                                                                       {broken, triangle, {}, {}},
                                                                       {corners, triangle, zero, {}},
