@@ -122,11 +122,12 @@ private:
                 path = pointerInto(path, level.key);
                 continue;
             }
+            // Up to the item that is open, or to the end of those that are whole.
+            const std::size_t end = depth + 1 < my_depth ? my_levels[depth + 1].node : my_nodes.size();
             std::size_t count = 0;
-            for (std::size_t item = level.node + 1; item < my_nodes.size(); item = my_nodes[item].next)
+            for (std::size_t item = level.node + 1; item < end; item = my_nodes[item].next)
                 ++count;
-            const bool inside = depth + 1 < my_depth; // the last item is the one that is open
-            path = pointerInto(path, std::to_string(inside ? count - 1 : count));
+            path = pointerInto(path, std::to_string(count));
         }
         return path.empty() ? "/" : path;
     }
@@ -201,16 +202,24 @@ std::vector<JsonValue> JsonValue::items() const {
 }
 
 std::optional<JsonValue> JsonValue::find(std::string_view key) const {
-    for (std::uint32_t found = my_node + 1; found < node().next; found = at(found + 1).node().next)
-        if (at(found).text() == key)
+    for (std::uint32_t found = my_node + 1; found < node().next; found = at(found + 1).node().next) {
+        const std::string_view quoted = at(found).source();
+        const bool escaped = quoted.find('\\') != std::string_view::npos;
+        if (escaped ? at(found).text() == key : quoted.substr(1, quoted.size() - 2) == key)
             return at(found + 1);
+    }
     return std::nullopt;
 }
 
 std::string pointerInto(const std::string& pointer, std::string_view key) {
-    std::string path = pointer + '/';
+    std::string path;
+    path.reserve(pointer.size() + key.size() + 1);
+    path.append(pointer).append("/");
     for (const char letter : key)
-        path += letter == '~' ? "~0" : letter == '/' ? "~1" : std::string(1, letter);
+        if (letter == '~' || letter == '/')
+            path += letter == '~' ? "~0" : "~1";
+        else
+            path += letter;
     return path;
 }
 
