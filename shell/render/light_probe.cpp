@@ -36,9 +36,9 @@ public:
         glPushAttrib(GL_ENABLE_BIT | GL_VIEWPORT_BIT);
         glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &my_draw_framebuffer);
         glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &my_read_framebuffer);
-        for (const GLenum test :
+        for (const int test :
              {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST, GL_CULL_FACE})
-            glDisable(test);
+            glDisable(static_cast<GLenum>(test));
         // A compatibility context may otherwise clamp floats to 0..1 on their way.
         glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
     }
