@@ -183,16 +183,17 @@ void SceneReader::readObjects(const JsonValue& root) {
         for (std::size_t i = 0; i < objects.size(); ++i)
             readObject(objects[i], place.inside(i));
     });
-    for (const Created& made : my_created) {
+    for (const Created& made : my_created)
         made.place.ifPresent(made.value, "connections", [&](const auto& value, const auto& place) {
             readConnections(value, place, *made.object);
         });
+    connectLinks();
+    for (const Created& made : my_created)
         made.place.ifPresent(made.value, "views", [&](const auto& value, const auto& place) {
             value.forEachMember([&](const std::string& view, const JsonValue& values) {
                 readValues(values, place.inside(view), made.object->Name(), view);
             });
         });
-    }
 }
 
 void SceneReader::requireShape(const JsonValue& object, const ScenePlace& place) const {
@@ -291,7 +292,11 @@ void SceneReader::readConnections(const JsonValue& connections, const ScenePlace
         const std::string followed = where.textOf(source, "parameter");
         const auto own = my_names.find(object);
         if (own != my_names.end()) {
-            where.during([&] { my_scene.connect(follower.Name(), parameter, own->second, followed); });
+            where.during([&] {
+                const auto* const follows = &my_scene.parameter(follower.Name(), parameter);
+                my_followed[follows] = &my_scene.parameter(own->second, followed);
+                my_links.push_back({where, follows, {follower.Name(), parameter}, {own->second, followed}});
+            });
         } else if (my_scene.foreign().contains(object)) {
             where.during([&] { my_scene.parameter(follower.Name(), parameter); });
             my_scene.foreign().connect(follower.number(), parameter, {object, followed});
@@ -307,6 +312,23 @@ void SceneReader::readConnections(const JsonValue& connections, const ScenePlace
                                         "\": " + nearNames(object, names, "the file has no objects"));
         }
     });
+}
+
+void SceneReader::connectLinks() {
+    // Reading a value goes up the chain, step by step, and so does each connection.
+    constexpr int longest_chain = 100;
+    for (const Link& link : my_links) {
+        int length = 0;
+        for (auto next = my_followed.find(link.follows);
+             next != my_followed.end() && next->second != link.follows; next = my_followed.find(next->second))
+            if (++length > longest_chain)
+                link.place.fail("it would follow another parameter through more than " +
+                                std::to_string(longest_chain) + " others");
+        link.place.during([&] {
+            my_scene.connect(link.follower.object, link.follower.parameter, link.source.object,
+                             link.source.parameter);
+        });
+    }
 }
 
 void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/scene/foreign_parts.hpp"
 #include "shell/scene/scene_file.hpp"
 #include "shell/scene/scene_json.hpp"
 
@@ -13,7 +14,8 @@
 
 namespace Qelt {
 class VObject;
-}
+class VParameter;
+} // namespace Qelt
 
 namespace korl {
 
@@ -62,12 +64,22 @@ private:
         Qelt::VObject* object;
     };
 
+    /// A parameter that will follow another one.
+    struct Link {
+        ScenePlace place;
+        const Qelt::VParameter* follows;
+        ForeignParts::Source follower, source;
+    };
+    void connectLinks();
+
     const std::filesystem::path& my_file;
     Scene& my_scene;
     const SceneReading& my_reading;
     Part my_part;
     ScenePlace my_root;
     std::vector<Created> my_created;
+    std::vector<Link> my_links;
+    std::unordered_map<const Qelt::VParameter*, const Qelt::VParameter*> my_followed;
     std::unordered_map<std::string, std::string> my_names; ///< the objects' own by those in the file
     std::unordered_set<std::string> my_file_names;         ///< all that the file gives
     std::unordered_map<std::string, bool> my_makes_lights; ///< by type

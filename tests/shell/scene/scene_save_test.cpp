@@ -236,12 +236,45 @@ TEST_F(SceneSaveTest, AKeptConnectionEndsWhenAnotherIsMade) {
     EXPECT_EQ(written(scene).find("lamp"), std::string::npos);
 }
 
+TEST_F(SceneSaveTest, EndlessChainsOfConnectionsAreRefused) {
+    std::string text = R"({"korl": 1, "objects": [{"type": "Plain", "name": "p0"})";
+    const auto follow = [&](int i) {
+        text += R"(, {"type": "Plain", "name": "p)" + std::to_string(i) +
+                R"(", "connections": {"way": {"object": "p)" + std::to_string(i - 1) +
+                R"(", "parameter": "way"}}})";
+    };
+    for (int i = 1; i <= 100; ++i)
+        follow(i);
+    read(text + "]}", scene);
+    EXPECT_EQ(scene.parameter("p100", "way").source(), &scene.parameter("p99", "way"));
+    for (int i = 101; i < 5000; ++i)
+        follow(i);
+    Scene other;
+    try {
+        read(text + "]}", other);
+        FAIL() << "the chain was read";
+    } catch (const korl::Error& error) {
+        EXPECT_THAT(error.what(),
+                    HasSubstr("/objects/101/connections/way: it would follow another parameter through "
+                              "more than 100 others"));
+    }
+    try {
+        read(R"({"korl": 1, "objects": [
+            {"type": "Plain", "name": "a", "connections": {"way": {"object": "b", "parameter": "way"}}},
+            {"type": "Plain", "name": "b", "connections": {"way": {"object": "a", "parameter": "way"}}}]})",
+             other);
+        FAIL() << "the circle was read";
+    } catch (const korl::Error& error) {
+        EXPECT_THAT(error.what(), HasSubstr("/objects/1/connections/way: \"b.way\" cannot follow \"a.way\""));
+    }
+}
+
 TEST_F(SceneSaveTest, AHundredThousandObjectsLoadWithinTwoSeconds) {
-    std::string text = R"({"korl": 1, "views": ["left"], "objects": [)";
-    for (int i = 0; i < 100000; ++i) {
-        const std::string number = std::to_string(i);
-        text +=
-            (i == 0 ? "" : ",") + std::string(R"({"type": "DownwardLight", "name": "light)") + number + "\"}";
+    std::string text = R"({"korl": 1, "views": ["left"], "objects": [{"type": "Plain", "name": "p0"})";
+    for (int i = 1; i < 100000; ++i) {
+        text += R"(,{"type": "Plain", "name": "p)" + std::to_string(i) +
+                R"(", "parameters": {"strength": "2"}, "views": {"left": {"strength": "3"}}, )" +
+                R"("connections": {"way": {"object": "p0", "parameter": "way"}}})";
     }
     text += "]}";
     const auto start = std::chrono::steady_clock::now();

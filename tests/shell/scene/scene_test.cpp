@@ -236,7 +236,7 @@ TEST_F(SceneTest, ViewsGoByName) {
 TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
     auto& a = scene.create("DownwardLight", "a");
     auto& b = scene.create("DownwardLight", "b");
-    auto& plain = scene.create("Plain", "p");
+    const auto& no_light = scene.create("Plain", "p");
     auto revision = scene.revision();
     scene.setMuted("a", true);
     EXPECT_NE(scene.revision(), revision);
@@ -249,7 +249,7 @@ TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
     EXPECT_EQ(scene.soloLight(), &a);
     EXPECT_TRUE(scene.isEnabled(a));
     EXPECT_FALSE(scene.isEnabled(b));
-    EXPECT_TRUE(scene.isEnabled(plain)) << "what is no light goes on";
+    EXPECT_TRUE(scene.isEnabled(no_light)) << "what is no light goes on";
     scene.solo("");
     EXPECT_EQ(scene.soloLight(), nullptr);
     EXPECT_FALSE(scene.isEnabled(a));
