@@ -122,11 +122,12 @@ private:
                 path = pointerInto(path, level.key);
                 continue;
             }
+            // Up to the item that is open, or to the end of those that are whole.
+            const std::size_t end = depth + 1 < my_depth ? my_levels[depth + 1].node : my_nodes.size();
             std::size_t count = 0;
-            for (std::size_t item = level.node + 1; item < my_nodes.size(); item = my_nodes[item].next)
+            for (std::size_t item = level.node + 1; item < end; item = my_nodes[item].next)
                 ++count;
-            const bool inside = depth + 1 < my_depth; // the last item is the one that is open
-            path = pointerInto(path, std::to_string(inside ? count - 1 : count));
+            path = pointerInto(path, std::to_string(count));
         }
         return path.empty() ? "/" : path;
     }

@@ -7,7 +7,7 @@
 #include "shell/scene/scene_file.hpp"
 
 #include <bit>
-#include <chrono>
+#include <ctime>
 #include <gmock/gmock.h>
 #include <limits>
 
@@ -198,7 +198,11 @@ const std::string with_absent = R"({
   "views": ["left"],
   "solo": "lamp",
   "objects": [
-    {"type": "Plain", "name": "p", "connections": {"strength": {"object": "lamp", "parameter": "power"}}},
+    {
+      "type": "Plain",
+      "name": "p",
+      "connections": {"strength": {"object": "lamp", "parameter": "power"}}
+    },
     {  "name": "lamp", "type": "AbsentLamp",   "views": {"left": {"power": "1e2"}},
        "connections": {"aim": {"object": "q", "parameter": "way"}} },
     {"type": "Plain", "name": "q"}
@@ -277,14 +281,14 @@ TEST_F(SceneSaveTest, AHundredThousandObjectsLoadWithinTwoSeconds) {
                 R"("connections": {"way": {"object": "p0", "parameter": "way"}}})";
     }
     text += "]}";
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock(); // of this process alone, however busy the machine is
     read(text, scene);
-    const auto taken = std::chrono::steady_clock::now() - start;
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     EXPECT_EQ(scene.objects().size(), 100000u);
 #ifndef KORL_SANITIZED
-    EXPECT_LT(taken, std::chrono::seconds(2));
+    EXPECT_LT(seconds, 2);
 #else
-    (void)taken;
+    (void)seconds;
 #endif
 }
 
