@@ -202,16 +202,24 @@ std::vector<JsonValue> JsonValue::items() const {
 }
 
 std::optional<JsonValue> JsonValue::find(std::string_view key) const {
-    for (std::uint32_t found = my_node + 1; found < node().next; found = at(found + 1).node().next)
-        if (at(found).text() == key)
+    for (std::uint32_t found = my_node + 1; found < node().next; found = at(found + 1).node().next) {
+        const std::string_view quoted = at(found).source();
+        const bool escaped = quoted.find('\\') != std::string_view::npos;
+        if (escaped ? at(found).text() == key : quoted.substr(1, quoted.size() - 2) == key)
             return at(found + 1);
+    }
     return std::nullopt;
 }
 
 std::string pointerInto(const std::string& pointer, std::string_view key) {
-    std::string path = pointer + '/';
+    std::string path;
+    path.reserve(pointer.size() + key.size() + 1);
+    path.append(pointer).append("/");
     for (const char letter : key)
-        path += letter == '~' ? "~0" : letter == '/' ? "~1" : std::string(1, letter);
+        if (letter == '~' || letter == '/')
+            path += letter == '~' ? "~0" : "~1";
+        else
+            path += letter;
     return path;
 }
 

@@ -62,7 +62,7 @@ std::string ScenePlace::textOf(const JsonValue& object, std::string_view key) co
     const auto value = object.find(key);
     if (!value)
         fail("lacks \"" + std::string(key) + "\"");
-    return inside(key).text(*value);
+    return value->is(JsonValue::Kind::text) ? value->text() : inside(key).text(*value);
 }
 
 namespace {

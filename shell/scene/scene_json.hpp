@@ -32,6 +32,16 @@ public:
         }
     }
 
+    /// The same one step further inside; where that is, is put together only for an error.
+    template <class Step>
+    void duringInside(std::string_view key, Step step) const {
+        try {
+            step();
+        } catch (const Error& error) {
+            inside(key).fail(error.what());
+        }
+    }
+
     /// Each throws Error where the value is of another kind, with what was expected and what was found.
     void requireObject(const JsonValue& value) const;
     void requireObject(const JsonValue& value, const std::vector<std::string>& keys) const;

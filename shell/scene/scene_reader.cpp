@@ -175,6 +175,8 @@ void SceneReader::readViews(const JsonValue& root) {
 void SceneReader::readObjects(const JsonValue& root) {
     my_root.ifPresent(root, "objects", [&](const auto& value, const auto& place) {
         const std::vector<JsonValue> objects = place.list(value);
+        my_created.reserve(objects.size());
+        my_names.reserve(objects.size());
         for (std::size_t i = 0; i < objects.size(); ++i) {
             requireShape(objects[i], place.inside(i));
             if (const auto name = objects[i].find("name"))
@@ -183,17 +185,11 @@ void SceneReader::readObjects(const JsonValue& root) {
         for (std::size_t i = 0; i < objects.size(); ++i)
             readObject(objects[i], place.inside(i));
     });
-    for (const Created& made : my_created)
-        made.place.ifPresent(made.value, "connections", [&](const auto& value, const auto& place) {
-            readConnections(value, place, *made.object);
-        });
+    // Only now are all objects there.
+    for (std::size_t i = 0; i < my_created.size(); ++i)
+        if (const auto connections = my_created[i].value.find("connections"))
+            readConnections(*connections, i);
     connectLinks();
-    for (const Created& made : my_created)
-        made.place.ifPresent(made.value, "views", [&](const auto& value, const auto& place) {
-            value.forEachMember([&](const std::string& view, const JsonValue& values) {
-                readValues(values, place.inside(view), made.object->Name(), view);
-            });
-        });
 }
 
 void SceneReader::requireShape(const JsonValue& object, const ScenePlace& place) const {
@@ -206,22 +202,25 @@ void SceneReader::requireShape(const JsonValue& object, const ScenePlace& place)
     place.ifPresent(object, "muted", [](const auto& muted, const auto& where) { where.boolean(muted); });
     const auto requireTexts = [](const JsonValue& values, const ScenePlace& where) {
         where.requireObject(values);
-        values.forEachMember(
-            [&](const std::string& key, const JsonValue& text) { where.inside(key).text(text); });
+        values.forEachMember([&](const std::string& key, const JsonValue& text) {
+            if (!text.is(JsonValue::Kind::text))
+                where.inside(key).text(text);
+        });
     };
     place.ifPresent(object, "parameters", requireTexts);
     place.ifPresent(object, "connections", [](const auto& connections, const auto& where) {
         where.requireObject(connections);
         connections.forEachMember([&](const std::string& key, const JsonValue& source) {
-            where.inside(key).requireObject(source, scene_keys::source);
+            const ScenePlace there = where.inside(key);
+            there.requireObject(source, scene_keys::source);
             for (const std::string& part : scene_keys::source)
-                where.inside(key).textOf(source, part);
+                there.textOf(source, part);
         });
     });
     place.ifPresent(object, "views", [&](const auto& views, const auto& where) {
         where.requireObject(views);
         views.forEachMember([&](const std::string& view, const JsonValue& values) {
-            where.inside(view).during([&] { my_scene.view(view); });
+            where.duringInside(view, [&] { my_scene.view(view); });
             requireTexts(values, where.inside(view));
         });
     });
@@ -255,7 +254,7 @@ void SceneReader::create(const JsonValue& value, const std::string& type, const 
             own = name + std::to_string(number);
     VObject& object = place.during([&]() -> VObject& { return my_scene.create(type, own); });
     my_created.push_back({value, place, &object});
-    my_names.emplace(name.empty() ? object.Name() : name, object.Name());
+    my_names.emplace(name.empty() ? object.Name() : name, &object);
     my_latest = object.number();
     place.ifPresent(value, "muted", [&](const auto& muted, const auto& where) {
         if (where.boolean(muted))
@@ -263,6 +262,11 @@ void SceneReader::create(const JsonValue& value, const std::string& type, const 
     });
     place.ifPresent(value, "parameters", [&](const auto& values, const auto& where) {
         readValues(values, where, object.Name(), {});
+    });
+    place.ifPresent(value, "views", [&](const auto& views, const auto& where) {
+        views.forEachMember([&](const std::string& view, const JsonValue& values) {
+            readValues(values, where.inside(view), object.Name(), view);
+        });
     });
 }
 
@@ -280,36 +284,44 @@ void SceneReader::keep(const JsonValue& value, const std::string& type, const st
 void SceneReader::readValues(const JsonValue& values, const ScenePlace& place, const std::string& object,
                              const std::string& view) {
     values.forEachMember([&](const std::string& parameter, const JsonValue& value) {
-        place.inside(parameter).during([&] { my_scene.setParameter(object, parameter, value.text(), view); });
+        place.duringInside(parameter, [&] { my_scene.setParameter(object, parameter, value.text(), view); });
     });
 }
 
-void SceneReader::readConnections(const JsonValue& connections, const ScenePlace& place,
-                                  const VObject& follower) {
-    connections.forEachMember([&](const std::string& parameter, const JsonValue& source) {
-        const ScenePlace where = place.inside(parameter);
-        const std::string object = where.textOf(source, "object");
-        const std::string followed = where.textOf(source, "parameter");
+ScenePlace SceneReader::placeOf(std::size_t made, const std::string& connection) const {
+    return my_created[made].place.inside("connections").inside(connection);
+}
+
+void SceneReader::readConnections(const JsonValue& connections, std::size_t made) {
+    VObject& follower = *my_created[made].object;
+    connections.forEachMember([&](const std::string& name, const JsonValue& source) {
+        const std::string object = source.find("object")->text();
+        const std::string followed = source.find("parameter")->text();
+        const auto parameterOf = [&](const VObject& owner, const std::string& parameter) {
+            if (auto* const found = owner.findParameter(parameter))
+                return found;
+            return placeOf(made, name).during([&] { return &my_scene.parameter(owner.Name(), parameter); });
+        };
+        auto* const parameter = parameterOf(follower, name);
         const auto own = my_names.find(object);
         if (own != my_names.end()) {
-            where.during([&] {
-                const auto* const follows = &my_scene.parameter(follower.Name(), parameter);
-                my_followed[follows] = &my_scene.parameter(own->second, followed);
-                my_links.push_back({where, follows, {follower.Name(), parameter}, {own->second, followed}});
-            });
+            auto* const followed_parameter = parameterOf(*own->second, followed);
+            my_followed[parameter] = followed_parameter;
+            my_links.push_back({made, parameter, followed_parameter, own->second});
         } else if (my_scene.foreign().contains(object)) {
-            where.during([&] { my_scene.parameter(follower.Name(), parameter); });
-            my_scene.foreign().connect(follower.number(), parameter, {object, followed});
+            my_scene.foreign().connect(follower.number(), name, {object, followed});
         } else if (my_left_out.contains(object)) {
             if (my_reading.tell)
-                my_reading.tell("\"" + follower.Name() + "." + parameter + "\" followed \"" + object + "." +
+                my_reading.tell("\"" + follower.Name() + "." + name + "\" followed \"" + object + "." +
                                 followed + "\", which is no light's; it keeps a value of its own");
         } else {
             std::vector<std::string> names;
-            for (const Created& made : my_created)
-                names.push_back(made.object->Name());
-            where.inside("object").fail("unknown object \"" + object +
-                                        "\": " + nearNames(object, names, "the file has no objects"));
+            for (const Created& other : my_created)
+                names.push_back(other.object->Name());
+            placeOf(made, name)
+                .inside("object")
+                .fail("unknown object \"" + object +
+                      "\": " + nearNames(object, names, "the file has no objects"));
         }
     });
 }
@@ -318,23 +330,27 @@ void SceneReader::connectLinks() {
     // Reading a value goes up the chain, step by step, and so does each connection.
     constexpr int longest_chain = 100;
     for (const Link& link : my_links) {
+        const std::string& name = link.follower->Name();
         int length = 0;
-        for (auto next = my_followed.find(link.follows);
-             next != my_followed.end() && next->second != link.follows; next = my_followed.find(next->second))
+        for (auto next = my_followed.find(link.follower);
+             next != my_followed.end() && next->second != link.follower;
+             next = my_followed.find(next->second))
             if (++length > longest_chain)
-                link.place.fail("it would follow another parameter through more than " +
-                                std::to_string(longest_chain) + " others");
-        link.place.during([&] {
-            my_scene.connect(link.follower.object, link.follower.parameter, link.source.object,
-                             link.source.parameter);
-        });
+                placeOf(link.made, name)
+                    .fail("it would follow another parameter through more than " +
+                          std::to_string(longest_chain) + " others");
+        VObject& object = *my_created[link.made].object;
+        if (!object.connectInput(name, *link.source)) // why not, the scene says
+            placeOf(link.made, name).during([&] {
+                my_scene.connect(object.Name(), name, link.source_object->Name(), link.source->Name());
+            });
     }
 }
 
 void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {
     const auto own = my_names.find(name);
     if (own != my_names.end())
-        return place.during([&] { my_scene.solo(own->second); });
+        return place.during([&] { my_scene.solo(own->second->Name()); });
     if (!my_scene.foreign().contains(name))
         place.fail("the file has no object \"" + name + "\", so it cannot shine alone");
     my_scene.foreign().solo = name;

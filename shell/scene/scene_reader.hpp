@@ -51,7 +51,7 @@ private:
     void requireShape(const JsonValue& object, const ScenePlace& place) const;
     void readValues(const JsonValue& values, const ScenePlace& place, const std::string& object,
                     const std::string& view);
-    void readConnections(const JsonValue& object, const ScenePlace& place, const Qelt::VObject& follower);
+    void readConnections(const JsonValue& connections, std::size_t made);
     void readViews(const JsonValue& root);
     void readSolo(const std::string& name, const ScenePlace& place);
     void readPlugins(const JsonValue& root);
@@ -64,12 +64,13 @@ private:
         Qelt::VObject* object;
     };
 
-    /// A parameter that will follow another one.
+    /// A parameter that is to follow another one.
     struct Link {
-        ScenePlace place;
-        const Qelt::VParameter* follows;
-        ForeignParts::Source follower, source;
+        std::size_t made; ///< the number of its object among those created
+        Qelt::VParameter *follower, *source;
+        Qelt::VObject* source_object;
     };
+    ScenePlace placeOf(std::size_t made, const std::string& connection) const;
     void connectLinks();
 
     const std::filesystem::path& my_file;
@@ -80,11 +81,11 @@ private:
     std::vector<Created> my_created;
     std::vector<Link> my_links;
     std::unordered_map<const Qelt::VParameter*, const Qelt::VParameter*> my_followed;
-    std::unordered_map<std::string, std::string> my_names; ///< the objects' own by those in the file
-    std::unordered_set<std::string> my_file_names;         ///< all that the file gives
-    std::unordered_map<std::string, bool> my_makes_lights; ///< by type
-    std::unordered_set<std::string> my_left_out;           ///< the names in the file of what is no light
-    std::uint64_t my_latest = 0;                           ///< the number of the object created last
+    std::unordered_map<std::string, Qelt::VObject*> my_names; ///< by the names that the file gives
+    std::unordered_set<std::string> my_file_names;            ///< all that the file gives
+    std::unordered_map<std::string, bool> my_makes_lights;    ///< by type
+    std::unordered_set<std::string> my_left_out;              ///< the names in the file of what is no light
+    std::uint64_t my_latest = 0;                              ///< the number of the object created last
     std::map<std::string, std::vector<std::string>> my_foreign_names; ///< by type
     struct Before;
     std::unique_ptr<Before> my_before; ///< what to come back to; nothing when there is no need to any more
