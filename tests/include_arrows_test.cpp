@@ -40,6 +40,9 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/python",
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "shell/python/",
       "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/sequence",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
+      "shell/sequence/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 

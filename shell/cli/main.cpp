@@ -14,6 +14,14 @@ namespace {
 
 enum ExitCode : int { done = 0, failed = 1, wrong_usage = 2 };
 
+std::vector<std::string> commandsOf(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands({}))
+        if (!command->get_group().empty()) // one that the program alone starts
+            names.push_back(command->get_name());
+    return names;
+}
+
 /// What is wrong with the command line. A word in the place of the command gets a guess at what was meant.
 std::string problemOf(const CLI::App& app, const CLI::Error& error) {
     const std::vector<std::string> not_understood = app.remaining();
@@ -21,18 +29,14 @@ std::string problemOf(const CLI::App& app, const CLI::Error& error) {
                                    [](const std::string& left) { return !left.starts_with('-'); });
     if (!app.get_subcommands().empty() || word == not_understood.end())
         return error.what();
-    std::vector<std::string> commands;
-    for (const CLI::App* const command : app.get_subcommands({}))
-        commands.push_back(command->get_name());
-    return "unknown command \"" + *word + "\": " + korl::nearNames(*word, commands, "");
+    return "unknown command \"" + *word + "\": " + korl::nearNames(*word, commandsOf(app), "");
 }
 
 /// The names of the commands, as a sentence lists them.
-std::string commandsOf(const CLI::App& app) {
+std::string sentenceOf(const std::vector<std::string>& names) {
     std::string listed;
-    const auto commands = app.get_subcommands({});
-    for (std::size_t i = 0; i < commands.size(); ++i)
-        listed += (i == 0 ? "" : i + 1 < commands.size() ? ", " : " and ") + commands[i]->get_name();
+    for (std::size_t i = 0; i < names.size(); ++i)
+        listed += (i == 0 ? "" : i + 1 < names.size() ? ", " : " and ") + names[i];
     return listed;
 }
 
@@ -69,13 +73,15 @@ int main(int argument_count, char** arguments) {
     addExplainCommand(app, program);
     addGalleryCommand(app, program);
     addRunCommand(app, program);
+    addAnimateCommand(app, program);
+    addSequenceWorkerCommand(app, program);
 
     try {
         app.parse(argument_count, arguments);
         if (!program.command && isOnTerminal())
             openPrompt(program);
         if (!program.command)
-            throw UsageError("no command was given; there are " + commandsOf(app));
+            throw UsageError("no command was given; there are " + sentenceOf(commandsOf(app)));
         program.command();
         if (std::fflush(stdout) != 0)
             throw korl::Error(std::string("cannot write to standard output: ") + std::strerror(errno));

@@ -49,5 +49,7 @@ void addScriptCommand(CLI::App& app, Program& program);
 void addExplainCommand(CLI::App& app, Program& program);
 void addGalleryCommand(CLI::App& app, Program& program);
 void addRunCommand(CLI::App& app, Program& program);
+void addAnimateCommand(CLI::App& app, Program& program);
+void addSequenceWorkerCommand(CLI::App& app, Program& program);
 
 } // namespace korl::cli

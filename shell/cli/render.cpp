@@ -6,7 +6,6 @@
 
 #include <sorvik/vprintf.hpp>
 
-#include <map>
 #include <memory>
 
 namespace korl::cli {
@@ -21,9 +20,6 @@ struct RenderOptions {
     bool uniforms = false;
 };
 
-const std::map<std::string, RenderPath> paths{
-    {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
-
 void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size,
             const PictureOutput& output) {
     const auto [width, height] = size;
@@ -32,7 +28,7 @@ void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size
     const GLContext::Info& info = shell.context().info();
     Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", info.renderer.c_str(), info.version.c_str(),
                   info.how.c_str());
-    const Image image = shell.render({width, height, paths.at(options.path)});
+    const Image image = shell.render({width, height, renderPaths().at(options.path)});
     if (options.uniforms)
         for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view()))
             std::printf("%s\n", line.c_str());
@@ -49,9 +45,7 @@ void addRenderCommand(CLI::App& app, Program& program) {
         app.add_subcommand("render", "Render a scene, or a model under lights, to a PNG file");
     const auto options = std::make_shared<RenderOptions>();
     addSceneOptions(*command, options->scene);
-    command->add_option("--path", options->path, "shader, fixed, or both side by side")
-        ->check(CLI::IsMember({"shader", "fixed", "both"}))
-        ->capture_default_str();
+    addPathOption(*command, options->path);
     command->add_option("--size", options->size, "WIDTHxHEIGHT in pixels, of the picture of one path")
         ->capture_default_str();
     command->add_option("-o,--output", options->output, "The PNG file; - for standard output")

@@ -181,6 +181,18 @@ void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
     setCamera(parsed, options.fov, aspect, scene);
 }
 
+const std::map<std::string, RenderPath>& renderPaths() {
+    static const std::map<std::string, RenderPath> paths{
+        {"shader", RenderPath::shader}, {"fixed", RenderPath::fixed}, {"both", RenderPath::both}};
+    return paths;
+}
+
+void addPathOption(CLI::App& command, std::string& path) {
+    command.add_option("--path", path, "shader, fixed, or both side by side")
+        ->check(CLI::IsMember({"shader", "fixed", "both"}))
+        ->capture_default_str();
+}
+
 std::pair<int, int> parseSize(const std::string& text) {
     int width = 0, height = 0;
     const char* const end = text.data() + text.size();

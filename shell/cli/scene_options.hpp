@@ -2,6 +2,7 @@
 
 #include "shell/cli/program.hpp"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -30,6 +31,12 @@ void addSceneOptions(CLI::App& command, SceneOptions& options);
 /// @param aspect width of the picture by its height, for a camera that is fitted.
 /// Throws UsageError for an option of the wrong form, Error for what cannot be done.
 void fillScene(const SceneOptions& options, double aspect, Scene& scene);
+
+/// What `--path` takes.
+const std::map<std::string, RenderPath>& renderPaths();
+
+/// Adds `--path`, to be looked up in `renderPaths`.
+void addPathOption(CLI::App& command, std::string& path);
 
 /// Reads a size such as "640x480", in pixels. Throws UsageError for any other form, and for a side of no
 /// pixels.

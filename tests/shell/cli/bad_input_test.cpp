@@ -164,15 +164,14 @@ TEST_F(BadInput, WrongUsage) {
     const std::string size =
         "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"";
     expectError({}, 2,
-                "no command was given; there are types, describe, accepts, render, shader and run" + usage_hint);
-    expectError({"frobnicate"}, 2,
-                "unknown command \"frobnicate\": there are: types, describe, accepts, render, shader." +
+                "no command was given; there are types, describe, accepts, render, shader, save, save-rig, "
+                "load-rig, script, explain, gallery, run and animate" +
                     usage_hint);
+    const std::string commands = "here are: types, describe, accepts, render, shader, save, save-rig, "
+                                 "load-rig, script, explain, gallery, run, animate.";
+    expectError({"frobnicate"}, 2, "unknown command \"frobnicate\": t" + commands + usage_hint);
     expectError({"descibe", "Sun"}, 2,
-                "unknown command \"descibe\": did you mean \"describe\"? There are: types, describe, "
-                "accepts, render, "
-                "shader." +
-                    usage_hint);
+                "unknown command \"descibe\": did you mean \"describe\"? T" + commands + usage_hint);
     expectError({"render", "--model", ""}, 2, "--model: it is empty" + usage_hint);
     expectError({"render", "--frob"}, 2, "The following argument was not expected: --frob" + usage_hint);
     expectError({"describe"}, 2, "TYPE is required" + usage_hint);

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <utility>
+#include <vector>
+
+namespace korl {
+
+/// How a program is started.
+struct ProcessStart {
+    std::filesystem::path program;      ///< a path, or a name to be looked up on the PATH
+    std::vector<std::string> arguments; ///< without the program's own name
+    std::vector<std::pair<std::string, std::string>> environment{}; ///< beside what this process has
+    std::filesystem::path folder{};                                 ///< to work in; empty for this process's
+    int input = -1;              ///< its descriptor 0; -1 for nothing to read
+    std::filesystem::path log{}; ///< takes its outputs; empty for standard error
+};
+
+/// A program that runs beside this one, in a process group of its own: a Ctrl-C on the terminal ends it only
+/// through this process. Started without a fork that this process's threads, locks and drivers would have to
+/// stand.
+class ChildProcess {
+public:
+    /// Throws Error where the program cannot be started.
+    explicit ChildProcess(const ProcessStart& start);
+    /// Ends the program if it still runs, and waits for that.
+    ~ChildProcess();
+    ChildProcess(ChildProcess&& other) noexcept : my_id(std::exchange(other.my_id, -1)) {}
+    ChildProcess& operator=(ChildProcess&&) = delete;
+
+    /// Asks the program to end.
+    void terminate() noexcept;
+
+    /// Waits for the program's end. @returns what `waitpid` tells of it.
+    int wait() noexcept;
+
+    /// The same without waiting: nothing where the program still runs.
+    std::optional<int> poll() noexcept;
+
+private:
+    pid_t my_id;
+};
+
+/// How a program ended, for users: "exit code 3", "signal 11 (Segmentation fault)".
+std::string endText(int wait_status);
+
+/// The program that this process runs.
+std::filesystem::path thisProgram();
+
+} // namespace korl

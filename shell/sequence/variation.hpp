@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+namespace korl {
+
+class Scene;
+
+/// A parameter that goes from one value to another over the frames of a sequence.
+struct Variation {
+    std::string object, parameter;
+    std::string from, to; ///< text forms, of the first and the last frame
+};
+
+/// Reads "NAME.PARAM=FROM:TO", such as "sun.timeofday=6:18" or "light.direction=0 0 -1:1 0 -1". The object's
+/// name may have dots in it, the parameter's has none. Throws Error for any other form.
+Variation parseVariation(const std::string& text);
+
+/// The variation of the time of day of the scene's first Sun. Throws Error for a scene without one, and for a
+/// text that is not "FROM:TO".
+/// @param hours such as "6:18".
+Variation sunTime(const Scene& scene, const std::string& hours);
+
+/// Throws Error where the scene has no such object or parameter, where one of the ends is no finite value of
+/// the parameter's type, and where the parameter follows another one, so that its own value has no effect.
+/// @param view the view that is to be drawn, which may have values of its own; may be empty.
+void validate(const Variation& variation, const Scene& scene, const std::string& view);
+
+/// The value of a frame in text form, each component by itself: a + (b - a)·k/(n - 1) in double precision.
+/// The first and the last frame have the texts of the ends, exactly; a single frame has that of the first.
+/// The variation must be valid.
+/// @param frame k, counted from 0.
+/// @param frames n, at least 1.
+std::string valueAt(const Variation& variation, int frame, int frames);
+
+/// Whether the parameter is the time of day of a Sun: hours of solar time on the day of an equinox.
+bool isSolarTime(const Variation& variation, const Scene& scene);
+
+} // namespace korl

@@ -1,0 +1,114 @@
+#include "shell/sequence/worker.hpp"
+
+#include "shell/error.hpp"
+#include "shell/render/png.hpp"
+#include "shell/scene/file_output.hpp"
+#include "shell/scene/scene_file.hpp"
+#include "shell/sequence/frame_stamp.hpp"
+#include "shell/sequence/worker_protocol.hpp"
+#include "shell/session/shell.hpp"
+
+#include <sorvik/vprintf.hpp>
+
+#include <atomic>
+#include <csignal>
+#include <exception>
+#include <unistd.h>
+
+namespace korl {
+
+namespace {
+
+constexpr int ended_by_request = 128 + SIGTERM;
+
+/// Read and written by the handler, which may run in any thread.
+std::atomic<bool> is_writing{false};
+std::atomic<bool> is_to_end{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void onTerminate(int) {
+    is_to_end = true;
+    if (!is_writing)
+        ::_exit(ended_by_request); // nothing that is drawn is worth waiting for
+}
+
+/// While one lives, a SIGTERM waits: no frame is left half written, and no temporary file stays.
+class WritingFile {
+public:
+    WritingFile() { is_writing = true; }
+    ~WritingFile() {
+        is_writing = false;
+        if (is_to_end)
+            ::_exit(ended_by_request);
+    }
+    WritingFile(const WritingFile&) = delete;
+    WritingFile& operator=(const WritingFile&) = delete;
+};
+
+/// What the exception that is being handled says. A module's own must be asked while the module is loaded.
+std::string textOfException() {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "a module threw something that is no exception; it has to be mended by its maker";
+    }
+}
+
+void makeFrame(Shell& shell, const FrameRequest& request, const WorkerJob& job) {
+    for (const auto& [object, parameter, text] : request.values)
+        shell.scene().setParameter(object, parameter, text, job.view);
+    const Image image = shell.render(job.picture, job.view);
+    std::vector<std::pair<std::string, std::string>> texts{{"Software", "korl " KORL_VERSION}};
+    if (!request.description.empty())
+        texts.emplace_back("Comment", request.description);
+    texts.emplace_back(frame_stamp_keyword, request.stamp);
+    const auto bytes = encodePng(image, texts);
+    const WritingFile writing;
+    writeFileAtomically(request.file, bytes);
+}
+
+void setUp(Shell& shell, const WorkerJob& job, const MessageSocket& socket) {
+    Qelt::setVerbosity(job.verbosity);
+    for (const std::string& plugin : job.plugins)
+        shell.plugins().load(plugin);
+    readSceneFile(job.scene_file, shell.scene());
+    const GLContext::Info& info = shell.context().info();
+    if (job.verbosity > 0)
+        socket.send(
+            {report_word, "renderer: " + info.renderer + ", OpenGL " + info.version + ", " + info.how});
+    socket.send({ready_word});
+}
+
+void makeFrames(Shell& shell, const WorkerJob& job, const MessageSocket& socket) {
+    while (const auto message = socket.receive()) {
+        const FrameRequest request = FrameRequest::from(*message);
+        try {
+            makeFrame(shell, request, job);
+            socket.send({done_word});
+        } catch (...) {
+            socket.send({failed_word, textOfException()});
+        }
+    }
+}
+
+} // namespace
+
+void runSequenceWorker(int descriptor) {
+    std::signal(SIGTERM, onTerminate);
+    const MessageSocket socket(descriptor);
+    const auto message = socket.receive();
+    if (!message)
+        throw Error("no frames to make were sent; workers are started by korl animate itself");
+    Shell shell([&](const std::string& text) { socket.send({report_word, text}); });
+    try {
+        const WorkerJob job = WorkerJob::from(*message);
+        setUp(shell, job, socket);
+        makeFrames(shell, job, socket);
+    } catch (...) {
+        socket.send({failed_word, textOfException()});
+    }
+}
+
+} // namespace korl

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "shell/sequence/child_process.hpp"
+#include "shell/sequence/worker_protocol.hpp"
+
+#include <cstddef>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <list>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korl {
+
+/// Has frames made by worker programs, each of which has a modules' and a driver's process of its own: what
+/// crashes there ends one frame, and nothing here.
+class WorkerPool {
+public:
+    struct Settings {
+        std::filesystem::path program;                  ///< the korl program
+        int jobs = 1;                                   ///< how many workers at once, at least 1
+        std::function<void(const std::string&)> report; ///< takes what the workers tell users, each text once
+        /// Hears how many frames are done and how many have failed, at least ten times a second; it may
+        /// throw to end it all.
+        std::function<void(int done, int failed)> progress;
+    };
+
+    WorkerPool(Settings settings, WorkerJob job, std::vector<FrameRequest> frames);
+
+    /// Makes all frames. One that fails, by an error or by its worker's end, is tried once more.
+    /// @returns the reasons of the frames that failed twice, by their numbers.
+    /// Throws Error where a worker cannot be started or cannot set up the job.
+    std::map<int, std::string> run();
+
+private:
+    struct Frame {
+        FrameRequest request;
+        bool has_failed = false;
+    };
+    struct Worker {
+        ChildProcess process;
+        MessageSocket socket; ///< closed before the process is waited for
+        bool is_ready = false;
+        std::optional<Frame> frame{}; ///< that it makes now
+    };
+
+    void startWorkers();
+    void startWorker();
+    void handOutFrames();
+    void waitForMessages();
+    /// @returns false where the worker has gone.
+    bool hear(Worker& worker);
+    void takeFailure(Worker& worker, const std::string& reason);
+    bool isIdle() const;
+
+    Settings my_settings;
+    WorkerJob my_job;
+    std::deque<Frame> my_waiting;
+    std::list<Worker> my_workers;
+    int my_done = 0;
+    std::map<int, std::string> my_failed;
+    std::vector<std::string> my_reported;
+};
+
+} // namespace korl

@@ -1,0 +1,70 @@
+// A module with a type whose objects spoil the frames that they are in, each in the way that their parameter
+// tells.
+
+#include <doltra/renderable.hpp>
+#include <sorvik/creator.hpp>
+#include <sorvik/typed_slot.hpp>
+#include <sorvik/value_pool.hpp>
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+/// What "mood" tells.
+constexpr double good = 0, throwing = 1, deadly = 2, deadly_once = 3, slow = 4;
+
+/// @returns whether it is the first in this test to ask; the test names a file that isn't there yet.
+bool isFirst() {
+    const char* const marker = std::getenv("KORL_TEST_MARKER");
+    const int file = marker ? ::open(marker, O_WRONLY | O_CREAT | O_EXCL, 0600) : -1;
+    if (file >= 0)
+        ::close(file);
+    return file >= 0;
+}
+
+struct Moody : Qelt::RenderAble {
+    Moody(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : RenderAble(name, 0, preferences) {
+        Qelt::TypedSlot<double>::creators_registered = true;
+        enableRequestProcessing();
+    }
+
+    bool update(Qelt::VRequest& request, double) override {
+        double value = 0;
+        if (const auto* const held =
+                dynamic_cast<const Qelt::VTypedValueBase<double>*>(mood.getValueBase(request.pool())))
+            held->getValue(value);
+        if (value == throwing)
+            throw std::runtime_error("in no mood for it");
+        if (value == deadly || (value == deadly_once && isFirst()))
+            std::raise(SIGKILL);
+        if (value == slow)
+            ::usleep(200'000);
+        return true;
+    }
+
+    Qelt::TypedSlot<double> mood{this, "mood", good};
+};
+
+struct Module {
+    Module() { VInitialization::initPlugin(0, "failing_frames", VInitialization::interfaceKey); }
+    ~Module() { VInitialization::initPlugin(1, "failing_frames", VInitialization::interfaceKey); }
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    Qelt::VCreator<Moody, void> moody{std::string("Moody"), 0};
+};
+
+const Module module_of_this_library;
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) bool
+KORL_API_2026_JAN_22__failing_frames(VInitialization* shell) {
+    return shell->IsCompatible(VInitialization::interfaceKey);
+}

@@ -1,0 +1,62 @@
+#include "shell/sequence/child_process.hpp"
+
+#include "tests/support/temporary_folder.hpp"
+
+#include "shell/error.hpp"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace korl {
+namespace {
+
+class ChildProcessTest : public testing::Test {
+protected:
+    /// How a shell script ends.
+    std::string run(const std::string& script) const {
+        ProcessStart start{"/bin/sh", {"-c", script}};
+        start.folder = folder.path();
+        start.log = folder / "log";
+        start.environment = {{"KORL_WORD", "spoken"}};
+        return endText(ChildProcess(start).wait());
+    }
+
+    const test::TemporaryFolder folder;
+};
+
+TEST_F(ChildProcessTest, WorksInItsFolderWithItsLogAndEnvironment) {
+    EXPECT_EQ(run("pwd; echo $KORL_WORD >&2; cat"), "exit code 0"); // nothing to read for cat
+    EXPECT_EQ(test::bytesOf(folder / "log"), folder.path().string() + "\nspoken\n");
+}
+
+TEST_F(ChildProcessTest, TellsHowItEnded) {
+    EXPECT_EQ(run("exit 3"), "exit code 3");
+    EXPECT_EQ(run("kill -SEGV $$"), "signal 11 (Segmentation fault)");
+}
+
+TEST_F(ChildProcessTest, AProgramThatIsNotThereIsAnError) {
+    try {
+        const ChildProcess process({"/nowhere/korl", {}});
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_STREQ(error.what(), "cannot start the program /nowhere/korl: No such file or directory");
+    }
+}
+
+TEST_F(ChildProcessTest, EndsWithItsOwner) {
+    const auto start = std::chrono::steady_clock::now();
+    {
+        ChildProcess process({"sleep", {"60"}});
+        EXPECT_EQ(process.poll(), std::nullopt);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
+TEST_F(ChildProcessTest, IsInAGroupOfItsOwn) {
+    // The group's number is the sixth field of /proc/PID/stat's, the fifth behind the number itself.
+    EXPECT_EQ(run("set -- $(cat /proc/$$/stat); test $1 = $5"), "exit code 0");
+}
+
+} // namespace
+} // namespace korl

@@ -1,0 +1,114 @@
+#include "tests/shell/sequence/animate_support.hpp"
+
+#include "shell/render/png.hpp"
+
+#include <algorithm>
+
+namespace {
+
+using korl::Image;
+using korl::test::ProgramResult;
+using korl::test::runProgram;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class FilmGLTest : public korl::test::Animating {
+protected:
+    /// What the film says about its pictures.
+    std::string facts(const std::string& film) const {
+        return runProgram("/usr/bin/ffprobe",
+                          {"-v", "error", "-count_frames", "-show_entries",
+                           "stream=codec_name,width,height,pix_fmt,r_frame_rate,nb_read_frames", "-of",
+                           "csv=p=0", folder / film})
+            .output;
+    }
+
+    Image frame(const std::string& film, int number) const {
+        const std::string file = folder / "decoded.png";
+        runProgram("/usr/bin/ffmpeg",
+                   {"-v", "error", "-y", "-i", folder / film, "-vf",
+                    "select=eq(n\\," + std::to_string(number) + ")", "-frames:v", "1", file});
+        const std::string png = korl::test::bytesOf(file);
+        return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
+    }
+
+    const Words colors{"--light",  "AmbientLight:a", "--vary",   "a.Color=0.9 0.1 0.2 1:0.1 0.3 0.8 1",
+                       "--camera", "0 0 0.3",        "--target", "0 0 0",
+                       "--up",     "0 1 0",          "--frames", "3"};
+};
+
+TEST_F(FilmGLTest, AnMp4PlaysInBrowsers) {
+    size = "41x31";
+    const ProgramResult result = animate(joined(colors, {"--fps", "12.5"}), "f.mp4");
+    ASSERT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_THAT(result.errors, HasSubstr("korl: wrote " + (folder / "f.mp4").string() + ", 3 frames\n"));
+    EXPECT_THAT(files(), ElementsAre("f.mp4"));
+    EXPECT_EQ(facts("f.mp4"), "h264,42,32,yuv420p,25/2,3\n");
+    const std::string film = bytes("f.mp4");
+    EXPECT_LT(film.find("moov"), film.find("mdat")); // plays before all of it has come
+}
+
+TEST_F(FilmGLTest, FilmsHaveTheFramesColorsInTheirOrder) {
+    ASSERT_EQ(animate(colors, "f_#.png").exit_code, 0);
+    for (const std::string film : {"f.mp4", "f.gif"}) {
+        ASSERT_EQ(animate(colors, film).exit_code, 0);
+        for (int number = 0; number < 3; ++number) {
+            const Image shown = frame(film, number);
+            const std::string png = bytes("f_" + std::to_string(number + 1) + ".png");
+            const Image drawn =
+                korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
+            ASSERT_EQ(shown.pixels.size(), drawn.pixels.size());
+            const std::size_t middle = 4 * (8 * 24 + 12);
+            for (std::size_t channel = 0; channel < 3; ++channel)
+                EXPECT_NEAR(shown.pixels[middle + channel], drawn.pixels[middle + channel], 14)
+                    << film << " " << number << " " << channel;
+        }
+    }
+}
+
+TEST_F(FilmGLTest, AGifIsRepeatedForEver) {
+    ASSERT_EQ(animate(joined(colors, {"--fps", "10"}), "f.gif").exit_code, 0);
+    EXPECT_EQ(facts("f.gif"), "gif,24,16,bgra,10/1,3\n");
+    EXPECT_THAT(bytes("f.gif"), HasSubstr(std::string("NETSCAPE2.0\x03\x01\0\0", 15)));
+}
+
+TEST_F(FilmGLTest, FramesOfAFilmThatFailedAreKeptForTheNextTry) {
+    std::filesystem::create_directory(folder / "bin");
+    const auto program = folder.write("bin/ffmpeg", "#!/bin/sh\necho no film today >&2\nexit 3\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    folder.write("f.mp4", "an old film");
+    const std::string path = std::getenv("PATH");
+    environment = {{"PATH", (folder / "bin").string() + ":" + path}};
+    const ProgramResult failed = animate(joined(colors, {"--quiet"}), "f.mp4");
+    EXPECT_EQ(failed.exit_code, 1);
+    EXPECT_EQ(failed.errors, "korl: cannot make the film " + (folder / "f.mp4").string() +
+                                 ": ffmpeg ended with exit code 3 and said:\nno film today\n");
+    EXPECT_EQ(bytes("f.mp4"), "an old film");
+    EXPECT_THAT(files("f.mp4.frames"), testing::Contains("frame_000003.png"));
+
+    environment = {};
+    const ProgramResult resumed = animate(joined(colors, {"--resume"}), "f.mp4");
+    EXPECT_THAT(resumed.errors, HasSubstr("3 frames; 3 of them were there already\n"));
+    EXPECT_THAT(files(), ElementsAre("bin", "f.mp4"));
+    EXPECT_EQ(facts("f.mp4"), "h264,24,16,yuv420p,25/1,3\n");
+}
+
+TEST_F(FilmGLTest, FilesOfOthersBesideTheFramesStay) {
+    std::filesystem::create_directory(folder / "f.gif.frames");
+    folder.write("f.gif.frames/mine.txt", "mine");
+    ASSERT_EQ(animate(colors, "f.gif").exit_code, 0);
+    EXPECT_THAT(files("f.gif.frames"), ElementsAre("mine.txt"));
+}
+
+TEST_F(FilmGLTest, WithoutFfmpegNothingIsBegun) {
+    environment = {{"PATH", folder.path()}};
+    const ProgramResult result = animate(colors, "f.mp4");
+    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_EQ(result.errors,
+              "korl: cannot make the film " + (folder / "f.mp4").string() +
+                  ": there is no ffmpeg on the PATH; install it (on Debian the package ffmpeg), "
+                  "or write pictures, such as \"day_####.png\"\n");
+    EXPECT_THAT(files(), ElementsAre());
+}
+
+} // namespace
