@@ -37,12 +37,13 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/gallery",
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
       "shell/gallery/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
-    {"shell/python",
-     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/", "shell/python/",
-      "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/sequence",
      {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
       "shell/sequence/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/python",
+     {"shell/error.hpp", "shell/plugins/", "shell/scene/", "shell/render/", "shell/session/",
+      "shell/sequence/", "shell/explain/", "shell/python/", "doltra/", "palune/", "sorvik/", "tessan/",
+      "orvid/"}},
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 

@@ -96,6 +96,7 @@ PYBIND11_MODULE(_korl, module) {
     add(session, "load", [](Shell& shell, const std::filesystem::path& file) { shell.plugins().load(file); });
     defineObjects(module, session);
     defineScene(module, session);
+    defineWork(module, session);
 
     module.def("encode_png", &encode);
     module.def(

@@ -50,4 +50,7 @@ void defineObjects(py::module_& module, Session& session);
 /// Adds the methods for what is seen: views, meshes, camera, background, pictures.
 void defineScene(py::module_& module, Session& session);
 
+/// Adds the methods for scene files, rigs, scripts, sequences and explanations.
+void defineWork(py::module_& module, Session& session);
+
 } // namespace korl::python

@@ -15,12 +15,13 @@ from ._errors import ClosedError, Error, InvalidValueError, UnknownNameError, Wa
 from ._image import Image
 from ._korl import set_verbosity
 from ._objects import Number, Numbers, Object, Parameter, Parameters, ParameterType, Text, Type, View
-from ._shell import MeshInfo, Plugin, Shell
+from ._shell import Explanation, MeshInfo, Plugin, Shell
 
 __all__ = [
     "Camera",
     "ClosedError",
     "Error",
+    "Explanation",
     "Image",
     "InvalidValueError",
     "MeshInfo",

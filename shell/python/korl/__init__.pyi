@@ -1,7 +1,6 @@
 import os
-from collections.abc import Iterable, Iterator, Mapping, Sequence
-from types import TracebackType
-from typing import Any, ClassVar, Literal, NamedTuple, Self, SupportsIndex, Union, final
+from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
+from typing import Any, Literal, NamedTuple, Self, Union
 
 import numpy
 from numpy.typing import ArrayLike, NDArray
@@ -10,6 +9,7 @@ __all__ = [
     "Camera",
     "ClosedError",
     "Error",
+    "Explanation",
     "Image",
     "InvalidValueError",
     "MeshInfo",
@@ -192,6 +192,10 @@ class Camera:
     ) -> None: ...
     def fit(self, aspect: float = ...) -> None: ...
 
+class Explanation(dict[str, Any]):
+    text: str
+    def __init__(self, text: str, found: str) -> None: ...
+
 class Shell:
     __slots__ = ("_session",)
     def __init__(self, plugins: Iterable[_Path] = ()) -> None: ...
@@ -245,3 +249,32 @@ class Shell:
         path: Literal["shader", "fixed", "both"] = "shader",
         view: View | str | None = None,
     ) -> Image: ...
+    def save(self, file: _Path) -> None: ...
+    def load_scene(self, file: _Path) -> None: ...
+    def save_rig(self, file: _Path) -> None: ...
+    def load_rig(self, file: _Path, replace: bool = False) -> None: ...
+    def script(self) -> str: ...
+    def animate(
+        self,
+        output: _Path,
+        vary: Mapping[Parameter | str, tuple[_Value, _Value]] | None = None,
+        frames: int = 25,
+        width: int = 640,
+        height: int = 480,
+        path: Literal["shader", "fixed", "both"] = "shader",
+        view: View | str | None = None,
+        *,
+        sun_time: tuple[float, float] | None = None,
+        fps: float = 25,
+        jobs: int = 0,
+        resume: bool = False,
+        progress: Callable[[int, int], object] | None = None,
+    ) -> int: ...
+    def explain(
+        self,
+        width: int = 640,
+        height: int = 480,
+        path: Literal["shader", "fixed", "both"] = "shader",
+        pixel: tuple[int, int] | None = None,
+        view: View | str | None = None,
+    ) -> Explanation: ...

@@ -1,5 +1,6 @@
 """Shells."""
 
+import json
 import warnings
 from typing import NamedTuple
 
@@ -9,9 +10,9 @@ from . import _korl
 from ._camera import Camera
 from ._errors import InvalidValueError, Warning, WrongTypeError
 from ._image import Image
-from ._objects import Object, ParameterType, Type, View, view_name
+from ._objects import Object, Parameter, ParameterType, Type, View, view_name
 from ._strict import Strict
-from ._values import numbers_in, path_of, text_of
+from ._values import numbers_in, path_of, text_of, to_text
 
 _PATHS = _korl.RenderPath.__members__
 
@@ -29,6 +30,17 @@ class MeshInfo(NamedTuple):
     name: str
     vertices: int
     triangles: int
+
+
+class Explanation(dict):
+    """Why a picture is as dark as it is: what was found, and as a text the same in words."""
+
+    def __init__(self, text, found):
+        super().__init__(json.loads(found))
+        self.text = text
+
+    def __str__(self):
+        return self.text
 
 
 class Shell(Strict):
@@ -222,6 +234,88 @@ class Shell(Strict):
     def _tell(self):
         for report in self._session.take_reports():
             warnings.warn(report, Warning, stacklevel=3)
+
+    # Files, sequences, explanations.
+
+    def save(self, file):
+        """Writes the scene into a scene file, whole or not at all."""
+        self._session.save(path_of(file))
+        self._tell()
+
+    def load_scene(self, file):
+        """Adds what a scene file describes to the scene; where it is refused, the scene is as it was."""
+        self._session.load_scene(path_of(file))
+        self._tell()
+
+    def save_rig(self, file):
+        """Writes the lights alone into a file, to be put into another scene."""
+        self._session.save_rig(path_of(file))
+        self._tell()
+
+    def load_rig(self, file, replace=False):
+        """Adds the lights of a scene file; with `replace`, in the place of those that there are."""
+        self._session.load_rig(path_of(file), bool(replace))
+        self._tell()
+
+    def script(self):
+        """The text of a Python script that builds this scene."""
+        return self._session.script()
+
+    def animate(
+        self,
+        output,
+        vary=None,
+        frames=25,
+        width=640,
+        height=480,
+        path="shader",
+        view=None,
+        *,
+        sun_time=None,
+        fps=25,
+        jobs=0,
+        resume=False,
+        progress=None,
+    ):
+        """Renders a sequence in which parameters go from one value to another.
+
+        `output` is "NAME_####.png" for pictures, numbered from 1, or a film, .mp4 or .gif. `vary` is a dict
+        from parameters, given as such or as "NAME.PARAMETER", to pairs of the first and the last value;
+        `sun_time` is a pair of hours for the scene's first Sun. Frames are made by `jobs` processes, 0 for one
+        on each core; with `resume`, those that are there already stay. `progress` is called with the number of
+        frames that are there and of all; it must not use a shell. Returns how many frames were made.
+        """
+        settings = _korl.SequenceSettings(path_of(output), frames, fps, jobs, bool(resume))
+        settings.show(*_size(width, height), _path(path), view_name(view))
+        for key, ends in (vary or {}).items():
+            parameter = key if isinstance(key, Parameter) else self._parameter(key)
+            if isinstance(ends, str) or not hasattr(ends, "__len__") or len(ends) != 2:
+                raise WrongTypeError(f'"{parameter}" varies over a pair of values, found {ends!r}')
+            texts = [to_text(parameter.kind, end, parameter) for end in ends]
+            settings.vary(parameter.object.name, parameter.name, *texts)
+        if sun_time is not None:
+            hours = numbers_in(sun_time, 2, "sun_time takes two numbers, the first and the last hour")
+            sun_time = ":".join(repr(hour) for hour in hours)
+        made, _, _ = self._session.animate(settings, sun_time, progress)
+        self._tell()
+        return made
+
+    def explain(self, width=640, height=480, path="shader", pixel=None, view=None):
+        """Says why the picture is as dark as it is: a dict, whose text (str, print) says it in words.
+
+        `pixel` is one to look at, (x, y) from the left and the top, from 0.
+        """
+        if pixel is not None:
+            pixel = tuple(pixel)
+        found = self._session.explain(*_size(width, height), _path(path), pixel, view_name(view))
+        self._tell()
+        return Explanation(*found)
+
+    def _parameter(self, full_name):
+        if not isinstance(full_name, str) or "." not in full_name:
+            raise WrongTypeError(f'expected a parameter or "NAME.PARAMETER", found {full_name!r}')
+        name, _, parameter = full_name.rpartition(".")
+        return self[name].parameters[parameter]
 
     def __repr__(self):
         return "<korl.Shell, closed>" if self.closed else f"<korl.Shell of {len(self)} objects>"

@@ -1,0 +1,118 @@
+#include "shell/python/session_class.hpp"
+
+#include "shell/explain/explain.hpp"
+#include "shell/explain/explanation_text.hpp"
+#include "shell/scene/lighting_rig.hpp"
+#include "shell/scene/scene_file.hpp"
+#include "shell/scene/scene_script.hpp"
+#include "shell/sequence/animate.hpp"
+
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace korl::python {
+
+namespace {
+
+SceneNotes notesOf(Shell& shell) {
+    return [&shell](const std::string& text) { shell.report(text); };
+}
+
+void defineFiles(Session& session) {
+    add(session, "save", [](Shell& shell, const std::filesystem::path& file) {
+        saveScene(file, shell.scene(), notesOf(shell));
+    });
+    add(session, "load_scene", [](Shell& shell, const std::filesystem::path& file) {
+        readSceneFile(file, shell.scene(), {.tell = notesOf(shell)});
+    });
+    add(session, "save_rig", [](Shell& shell, const std::filesystem::path& file) {
+        saveRig(file, shell.scene(), notesOf(shell));
+    });
+    add(session, "load_rig", [](Shell& shell, const std::filesystem::path& file, bool replace) {
+        loadRig(file, shell.scene(), replace, notesOf(shell));
+    });
+    add(session, "script", [](Shell& shell) { return sceneScript(shell.scene()); });
+}
+
+using Progress = std::tuple<int, int, int>; ///< frames that are made, that were there already, and all
+
+/// Makes a sequence, and tells `progress` of it. An exception of Python's, from there or a Ctrl-C, ends it.
+Progress animateScene(SharedShell& shared, const SequenceSettings& settings,
+                      const std::optional<std::string>& sun_time, const py::object& progress) {
+    std::optional<py::error_already_set> stopped;
+    SequenceProgress latest;
+    const auto listen = [&](const SequenceProgress& now) {
+        const py::gil_scoped_acquire acquired;
+        try {
+            if (PyErr_CheckSignals() != 0)
+                throw py::error_already_set();
+            if (!progress.is_none())
+                progress(now.made + now.kept, now.frames);
+        } catch (py::error_already_set& thrown) {
+            stopped.emplace(thrown);
+            throw Error("stopped"); // what is thrown through the shell must be its own
+        }
+    };
+    try {
+        const py::gil_scoped_release released;
+        shared.use([&](Shell& shell) {
+            SequenceSettings all = settings;
+            if (sun_time)
+                all.variations.push_back(sunTime(shell.scene(), *sun_time));
+            latest = animate(shell, all, {.progress = listen, .report = notesOf(shell)});
+        });
+    } catch (const Error&) {
+        if (!stopped)
+            throw;
+    }
+    if (stopped)
+        throw py::error_already_set(*stopped);
+    return {latest.made, latest.kept, latest.frames};
+}
+
+void defineSequences(py::module_& module, Session& session) {
+    py::class_<SequenceSettings>(module, "SequenceSettings")
+        .def(py::init(
+            [](std::filesystem::path output, int frames, double frames_per_second, int jobs, bool resume) {
+                SequenceSettings settings;
+                settings.output = std::move(output);
+                settings.frames = frames;
+                settings.frames_per_second = frames_per_second;
+                settings.jobs = jobs;
+                settings.resume = resume;
+                settings.program = homeFolder() / "bin/korl";
+                return settings;
+            }))
+        .def("vary",
+             [](SequenceSettings& settings, const std::string& object, const std::string& parameter,
+                const std::string& from, const std::string& to) {
+                 settings.variations.push_back({object, parameter, from, to});
+             })
+        .def("show",
+             [](SequenceSettings& settings, int width, int height, RenderPath path, const std::string& view) {
+                 settings.picture = {width, height, path};
+                 settings.view = view;
+             });
+    session.def("animate", &animateScene);
+}
+
+void defineExplanations(Session& session) {
+    add(session, "explain",
+        [](Shell& shell, int width, int height, RenderPath path,
+           const std::optional<std::pair<int, int>>& pixel, const std::string& view) {
+            const Explanation explanation = explain(shell, {width, height, path, pixel, view});
+            return std::pair(toText(explanation), toJson(explanation));
+        });
+}
+
+} // namespace
+
+void defineWork(py::module_& module, Session& session) {
+    defineFiles(session);
+    defineSequences(module, session);
+    defineExplanations(session);
+}
+
+} // namespace korl::python
