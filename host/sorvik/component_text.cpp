@@ -15,7 +15,7 @@ constexpr std::size_t most_components = 4;
 template <class Number>
 std::string toText(std::span<const Number> components) {
     std::string text;
-    std::array<char, 32> buffer;
+    std::array<char, 32> buffer{};
     for (const Number component : components) {
         if (!text.empty())
             text += ' ';

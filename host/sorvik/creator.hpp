@@ -135,7 +135,7 @@ public:
     Tessan::StrongPtr<VObject> create(const std::string& name, VContext* context = nullptr,
                                       const VCreationPreferences& preferences = {}) override {
         Vprintf(100, "VCreator::create(%s)\n", name.c_str());
-        const Tessan::StrongPtr<VObject> object(
+        Tessan::StrongPtr<VObject> object(
             new T(name.empty() ? Name() : name, VCreationPreferences(this->preferences(), preferences)));
         Vprintf(100, "VCreator::create(%s) got derived object\n", name.c_str());
         object->setCreator(Tessan::WeakPtr<VCreatorBase>(this));

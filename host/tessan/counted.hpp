@@ -71,6 +71,7 @@ class TESSAN_EXPORT Counted {
 public:
     Counted();
     Counted(const Counted&) : Counted() {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assigns nothing, the block stays with its object
     Counted& operator=(const Counted&) noexcept { return *this; }
 
     /// Called when the last strong pointer has gone, before the object is deleted. An object that wants to
