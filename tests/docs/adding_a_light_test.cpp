@@ -104,7 +104,7 @@ TEST_F(AddingALightGLTest, ModuleOfItsOwnIsBuiltListedAndRendered) {
         }
     const std::size_t all = half * static_cast<std::size_t>(image.height);
     EXPECT_GT(bright, all / 100); // most of it is background
-    EXPECT_LT(unlike, all / 50); // the snippet and the fixed-function light show the same
+    EXPECT_LT(unlike, all / 50);  // the snippet and the fixed-function light show the same
 
     run("cmake --install lamp/build --prefix '" + installation + "'\n");
     EXPECT_THAT(run("'" + installation + "/bin/korl' types\n"), HasSubstr("\nLamp "));
