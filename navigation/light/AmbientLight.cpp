@@ -60,8 +60,7 @@ void	getLight_$$(in vec3 vertex,
 class AmbientLight final : public VLightSource {
 public:
     AmbientLight(const std::string& name, const VCreationPreferences& preferences)
-        : VLightSource(name, light_priority, preferences),
-          my_color(this, color_name, color_default, color_expert_level) {}
+        : VLightSource(name, light_priority, preferences) {}
 
     class MyLightSource final : public LightSource {
     public:

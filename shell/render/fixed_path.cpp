@@ -4,13 +4,13 @@
 #include "shell/render/material.hpp"
 
 #include <doltra/vlight_source.hpp>
+#include <sorvik/creator.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <glm/gtc/type_ptr.hpp>
 #include <string>
-#include <typeinfo>
 
 namespace korl {
 
@@ -93,6 +93,21 @@ void setMaterial() {
     glEnable(GL_COLOR_MATERIAL);
 }
 
+/// The number of the creator that made an object, which stands for its type; 0 where there is none.
+std::uint64_t typeOf(const Qelt::RenderAble& object) {
+    const Qelt::VCreatorBase* const creator = object.creator().get();
+    return creator ? creator->number() : 0;
+}
+
+void reportWithoutLight(const Qelt::RenderAble& object, Reports& reports) {
+    reports.once(object.number(), "no OpenGL light", [&] {
+        return "light \"" + object.Name() +
+               "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
+               "path "
+               "shows it";
+    });
+}
+
 } // namespace
 
 void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone) {
@@ -111,15 +126,12 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         member.object->environment_render(view.context());
         requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
-        if (!glIsEnabled(light)) {
+        const bool is_lit = glIsEnabled(light);
+        my_lighting_types[typeOf(*member.object)] = is_lit;
+        if (!is_lit) {
             my_places.push_back({member.object, Outcome::sets_up_none, 0});
             if (alone && member.source_count > 0)
-                reports.once(member.object->number(), "no OpenGL light", [&] {
-                    return "light \"" + member.object->Name() +
-                           "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; "
-                           "the shader "
-                           "path shows it";
-                });
+                reportWithoutLight(*member.object, reports);
             continue;
         }
         if (givesFiniteLight(light)) {
@@ -132,44 +144,38 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
             reports.once(member.object->number(), "OpenGL light not finite", [&] {
                 return "light \"" + member.object->Name() +
                        "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
-                       "check its "
-                       "parameters";
+                       "check "
+                       "its parameters";
             });
         }
         ++number;
     }
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, model_ambient.data());
     const std::size_t called = my_places.size();
-    for (const View::Member& member : view.members().subspan(called))
-        my_places.push_back(
-            {member.object, wouldLight(*member.object) ? Outcome::left_out : Outcome::sets_up_none, 0});
+    for (const View::Member& member : view.members().subspan(called)) {
+        const bool is_left_out = wouldLight(*member.object);
+        my_places.push_back({member.object, is_left_out ? Outcome::left_out : Outcome::sets_up_none, 0});
+        if (alone && member.source_count > 0 && !is_left_out)
+            reportWithoutLight(*member.object, reports);
+    }
     reportLeftOut(places().subspan(called), reports);
 }
 
-bool FixedPath::wouldLight(const Qelt::RenderAble& left_out) const {
-    if (!dynamic_cast<const Qelt::VLightSource*>(&left_out))
+bool FixedPath::wouldLight(const Qelt::RenderAble& object) const {
+    if (!dynamic_cast<const Qelt::VLightSource*>(&object))
         return false;
-    for (const FixedLightPlace& place : my_places)
-        if (const Qelt::RenderAble& called = *place.object; typeid(called) == typeid(left_out))
-            return place.outcome != FixedLightPlace::Outcome::sets_up_none;
-    return true;
+    const auto known = my_lighting_types.find(typeOf(object));
+    return known == my_lighting_types.end() || known->second;
 }
 
-void FixedPath::reportLeftOut(std::span<const FixedLightPlace> left_out, Reports& reports) {
-    const auto same = [](const FixedLightPlace& place, const Qelt::RenderAble* object) {
-        return place.object == object;
-    };
-    if (std::equal(left_out.begin(), left_out.end(), my_left_out.begin(), my_left_out.end(), same))
-        return; // told already, or nothing to tell
-    my_left_out.clear();
+void FixedPath::reportLeftOut(std::span<const FixedLightPlace> uncalled, Reports& reports) {
     std::string names;
     std::size_t lights = 0;
     constexpr std::size_t most_names = 20;
-    for (const FixedLightPlace& place : left_out) {
-        my_left_out.push_back(place.object);
-        if (place.outcome == FixedLightPlace::Outcome::left_out && ++lights <= most_names)
+    for (const FixedLightPlace& place : uncalled)
+        if (place.outcome == FixedLightPlace::Outcome::left_out &&
+            reports.isFirst(place.object->number(), "left out") && ++lights <= most_names)
             names += (names.empty() ? "\"" : ", \"") + place.object->Name() + "\"";
-    }
     if (lights > most_names)
         names += " and " + std::to_string(lights - most_names) + " more";
     if (lights > 0)

@@ -5,6 +5,9 @@
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
 
+#include <cstdint>
+#include <map>
+#include <span>
 #include <vector>
 
 namespace korl {
@@ -45,16 +48,16 @@ public:
     void draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes);
 
 private:
-    /// Names the lights of the frame that found all of OpenGL's held, where they are not the same objects as
-    /// in the frame before.
-    void reportLeftOut(std::span<const FixedLightPlace> left_out, Reports& reports);
+    /// Names the lights that found all of OpenGL's held, each of them once.
+    void reportLeftOut(std::span<const FixedLightPlace> uncalled, Reports& reports);
 
-    /// Whether an object that was not called is a light that would have set up one: what one of its type did
-    /// that was called tells; where there was none it is taken to.
-    bool wouldLight(const Qelt::RenderAble& left_out) const;
+    /// Whether an object that was not called is a light that would have set up one: what others of its type
+    /// did tells; where none was called so far it is taken to.
+    bool wouldLight(const Qelt::RenderAble& object) const;
 
     std::vector<FixedLightPlace> my_places;
-    std::vector<const Qelt::RenderAble*> my_left_out; ///< of the latest frame; only compared, never followed
+    /// Whether the types that were called so far set up a light, by the numbers of their creators.
+    std::map<std::uint64_t, bool> my_lighting_types;
 };
 
 } // namespace korl

@@ -31,6 +31,45 @@ int floatsOf(std::string_view type) {
     return found == vectors.end() ? 0 : static_cast<int>(found - vectors.begin()) + 1;
 }
 
+/// Whether a line is for the preprocessor and more than a pragma.
+bool hasMacros(std::string_view uncommented) {
+    for (int line = 1; line <= lineCount(uncommented); ++line) {
+        std::string_view rest = trimmed(lineOf(uncommented, line));
+        if (!rest.starts_with('#'))
+            continue;
+        rest.remove_prefix(1);
+        if (!takeWord(rest, "pragma"))
+            return true;
+    }
+    return false;
+}
+
+/// Whether a declaration outside brackets is of a variable: neither a uniform, nor a constant, nor a
+/// function.
+bool hasGlobalVariables(std::string_view uncommented) {
+    std::string text; // without the lines of the preprocessor, line breaks as blanks
+    for (int line = 1; line <= lineCount(uncommented); ++line)
+        if (const std::string_view code = lineOf(uncommented, line); !trimmed(code).starts_with('#'))
+            text.append(code) += ' ';
+    int depth = 0;
+    std::string statement; // what of it stands outside brackets
+    for (const char c : text) {
+        depth -= c == ')' || c == '}' || c == ']' ? 1 : 0;
+        if (depth == 0 && c == ';') {
+            std::string_view rest = trimmed(statement);
+            const bool is_function = rest.ends_with(')') && rest.find('=') == std::string_view::npos;
+            if (!rest.empty() && !is_function && !takeWord(rest, "uniform") && !takeWord(rest, "const"))
+                return true;
+        }
+        if (depth == 0 && (c == ';' || c == '}'))
+            statement.clear();
+        else if (depth == 0)
+            statement += c;
+        depth += c == '(' || c == '{' || c == '[' ? 1 : 0;
+    }
+    return false;
+}
+
 } // namespace
 
 bool isNameCharacter(char c) {
@@ -100,8 +139,8 @@ UncommentedText withoutComments(std::string_view source) {
 
 std::optional<std::vector<UniformDeclaration>> floatUniforms(std::string_view snippet) {
     const std::string text = withoutComments(snippet).text;
-    if (text.find("#define") != std::string::npos || text.find("#if") != std::string::npos)
-        return {}; // what is declared depends on more than the declarations
+    if (hasMacros(text) || hasGlobalVariables(text))
+        return {};
     std::vector<UniformDeclaration> declarations;
     constexpr std::string_view keyword = "uniform";
     for (std::size_t at = text.find(keyword); at != std::string::npos; at = text.find(keyword, at + 1)) {

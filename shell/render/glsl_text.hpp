@@ -41,7 +41,8 @@ struct UniformDeclaration {
 };
 
 /// The uniforms that a snippet declares; none where one of them is more than a plain float or vector, one
-/// name to a declaration.
+/// name to a declaration, where it has other variables outside functions, whose values may come from the
+/// uniforms, or macros, which may hide any of that.
 std::optional<std::vector<UniformDeclaration>> floatUniforms(std::string_view snippet);
 
 } // namespace korl

@@ -29,7 +29,7 @@ bool areFinite(const glm::vec3& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
 
-/// Keeps the state that the probe changes, sets what it needs, and brings the state back.
+/// Keeps framebuffer, viewport and tests, sets what the probe needs, and brings them back.
 class ProbeState {
 public:
     ProbeState() {
@@ -39,7 +39,8 @@ public:
         for (const int test :
              {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST, GL_CULL_FACE})
             glDisable(static_cast<GLenum>(test));
-        // A compatibility context may otherwise clamp floats to 0..1 on their way.
+        // A compatibility context may otherwise clamp floats to 0..1 on their way; it stays so, as every
+        // reader of floats sets it.
         glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
     }
     ~ProbeState() {
@@ -77,19 +78,6 @@ bool LightSample::isFinite() const {
     return areFinite(incidence) && areFinite(intensity) && areFinite(specular_intensity);
 }
 
-void LightProbe::upload(const Declared& uniform) {
-    switch (uniform.size) {
-    case 1:
-        return glUniform1fv(uniform.location, 1, uniform.value.data());
-    case 2:
-        return glUniform2fv(uniform.location, 1, uniform.value.data());
-    case 3:
-        return glUniform3fv(uniform.location, 1, uniform.value.data());
-    default:
-        return glUniform4fv(uniform.location, 1, uniform.value.data());
-    }
-}
-
 std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
                                             std::span<const glm::vec3> points, const glm::vec3& eye) {
     const Buffer buffer;
@@ -105,11 +93,9 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     std::vector<LightSample> samples(static_cast<std::size_t>(count));
     if (samples.empty())
         return samples;
-    GLint most_texels = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most_texels);
-    if (count > most_texels / 3)
+    if (count > mostPoints())
         throw Error("light \"" + light_name + "\" cannot be evaluated at " + std::to_string(count) +
-                    " points at once: this driver's buffers hold at most " + std::to_string(most_texels / 3));
+                    " points at once: this driver's buffers hold at most " + std::to_string(mostPoints()));
     const ProbeState state;
     const Probe& probe = probeFor(source, light_name);
     bindTarget(count);
@@ -118,7 +104,7 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     glUniform1i(probe.program.uniformLocation("korl_target_width"), target_width);
     glUniform1i(probe.program.uniformLocation("korl_points"), 0);
     for (const Declared& uniform : probe.declared) // another light may have left its values there
-        upload(uniform);
+        uploadFloats(uniform.location, {uniform.size, uniform.value});
     for (const auto& [name, value] : source.uniforms())
         uploadUniform(probe.program.uniformLocation(applySuffix(name, probe.suffix)), value);
     if (glGetError() != GL_NO_ERROR)
@@ -141,6 +127,12 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
             std::span(samples).subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(drawn)));
     }
     return samples;
+}
+
+int LightProbe::mostPoints() {
+    GLint most_texels = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most_texels);
+    return most_texels / 3; // a texel for each coordinate
 }
 
 std::array<float, 4> LightProbe::declaredValue(const LightSource& source, const std::string& light_name,

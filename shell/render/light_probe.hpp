@@ -40,6 +40,9 @@ public:
                                     const std::string& light_name, const Buffer& points, int count,
                                     const glm::vec3& eye);
 
+    /// The most points that the driver of the current context can take at once.
+    static int mostPoints();
+
     /// The value that a uniform of floats has as the light source's snippet declares it, before any is set;
     /// zeros where the program does without it.
     /// @param uniform its name, with "$$".
@@ -65,7 +68,6 @@ private:
         std::vector<Declared> declared;
     };
 
-    static void upload(const Declared& uniform);
     Probe& probeFor(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name);
     void bindTarget(int count);
 

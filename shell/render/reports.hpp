@@ -22,9 +22,15 @@ public:
     /// @param text makes the report; called only when it is told.
     template <class Text>
     void once(std::uint64_t object, const char* kind, Text text) {
-        if (my_told.insert({object, kind}).second && my_sink)
+        if (isFirst(object, kind) && my_sink)
             my_sink(text());
     }
+
+    /// Whether this kind of thing was not told of the object before; from now on it counts as told.
+    bool isFirst(std::uint64_t object, const char* kind) { return my_told.insert({object, kind}).second; }
+
+    /// Whether this kind of thing was told of the object.
+    bool wasTold(std::uint64_t object, const char* kind) const { return my_told.contains({object, kind}); }
 
     /// Tells something that is of no single object. The caller sees to it that it is told once.
     void tell(const std::string& report) {

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace korl {
 
@@ -14,6 +17,7 @@ using Qelt::RenderNamespace::UniformMap;
 namespace {
 
 constexpr std::size_t most_remembered = 4096;
+constexpr const char* not_finite = "result not finite";
 
 bool sameValues(const UniformMap& a, const UniformMap& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
@@ -46,41 +50,60 @@ std::string reportText(const std::string& light, const Failures& failures) {
            ": its result is not finite there, at (" + text(failures.first_at) + ") the direction (" +
            text(failures.first.incidence) + "), the intensity (" + text(failures.first.intensity) +
            ") and the specular intensity (" + text(failures.first.specular_intensity) +
-           "); check its parameters";
+           "); check its parameters and where it stands";
 }
 
 } // namespace
 
 void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBufferCache& meshes,
                         LightProbe& probe, Reports& reports) {
-    if (my_checked.size() > most_remembered + view.sources().size())
+    const std::size_t count = view.sources().size();
+    if (my_checked.size() > most_remembered + count)
         my_checked.clear(); // most are of light sources long gone
-    for (std::size_t i = 0; i < view.sources().size(); ++i) {
+    bool has_evaluated_again = false;
+    for (std::size_t step = 0; step < count; ++step) {
+        const std::size_t i = (my_turn + step) % count;
         const auto& source = *view.sources()[i].get();
-        const auto [known, is_new] = my_checked.try_emplace(source.serialNumber());
+        const auto [known, is_new] = my_checked.try_emplace({source.serialNumber(), &view});
         Checked& checked = known->second;
-        if (!is_new && checked.meshes_revision == meshes.revision() &&
-            sameValues(checked.uniforms, source.uniforms()))
+        const bool has_changed = checked.meshes_revision != meshes.revision() ||
+                                 (checked.depends_on_eye && checked.eye != eye) ||
+                                 !sameValues(checked.uniforms, source.uniforms());
+        if (!is_new && (!has_changed || has_evaluated_again))
             continue;
-        checked = {source.uniforms(), meshes.revision()};
-        if (!areFinite(source.uniforms()))
+        if (is_new)
+            checked.depends_on_eye = source.snippet().find("getViewDir") != std::string::npos;
+        checked.uniforms = source.uniforms();
+        checked.meshes_revision = meshes.revision();
+        checked.eye = eye;
+        if (!areFinite(source.uniforms()) || reports.wasTold(view.ownerOf(i).number(), not_finite))
             continue;
-        const Qelt::RenderAble& light = view.ownerOf(i);
-        Failures failures;
-        for (const auto& [mesh, buffers] : meshes.entries()) {
-            const std::vector<LightSample> samples =
-                probe.sample(source, light.Name(), buffers->positions(), buffers->positionCount(), eye);
-            failures.vertices += samples.size();
-            for (std::size_t k = 0; k < samples.size(); ++k)
-                if (!samples[k].isFinite() && failures.count++ == 0) {
-                    failures.first_at = mesh->positions[k];
-                    failures.first = samples[k];
-                }
+        evaluate(view, i, eye, meshes, probe, reports);
+        if (!is_new) {
+            has_evaluated_again = true;
+            my_turn = i + 1;
         }
-        if (failures.count > 0)
-            reports.once(light.number(), "result not finite",
-                         [&] { return reportText(light.Name(), failures); });
     }
+}
+
+void ResultCheck::evaluate(const View& view, std::size_t source, const glm::vec3& eye,
+                           const MeshBufferCache& meshes, LightProbe& probe, Reports& reports) {
+    const Qelt::RenderAble& light = view.ownerOf(source);
+    Failures failures;
+    for (const auto& [mesh, buffers] : meshes.entries()) {
+        if (buffers->positionCount() > LightProbe::mostPoints())
+            continue;
+        const std::vector<LightSample> samples = probe.sample(
+            *view.sources()[source].get(), light.Name(), buffers->positions(), buffers->positionCount(), eye);
+        failures.vertices += samples.size();
+        for (std::size_t k = 0; k < samples.size(); ++k)
+            if (!samples[k].isFinite() && failures.count++ == 0) {
+                failures.first_at = mesh->positions[k];
+                failures.first = samples[k];
+            }
+    }
+    if (failures.count > 0)
+        reports.once(light.number(), not_finite, [&] { return reportText(light.Name(), failures); });
 }
 
 } // namespace korl

@@ -188,9 +188,27 @@ void ShaderPath::reportNotFinite(const View& view, Reports& reports) const {
                              });
 }
 
+void ShaderPath::declareAgain(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name,
+                              Section& section) {
+    for (auto& [name, uniform] : section.uniforms) {
+        if (!uniform.uploaded || source.uniforms().contains(name))
+            continue;
+        const std::optional<UniformFloats> held = floatsOf(uniform.value);
+        if (!held)
+            continue;
+        uploadFloats(uniform.location, {held->size, my_probe.declaredValue(source, light_name, name)});
+        uniform.uploaded = false;
+    }
+}
+
 void ShaderPath::uploadSingle(const View& view, std::size_t source, const LightingProgram& lighting,
                               Section& section) {
-    for (const auto& [name, value] : view.sources()[source]->uniforms()) {
+    const auto& light_source = *view.sources()[source].get();
+    if (section.served != light_source.serialNumber()) {
+        section.served = light_source.serialNumber();
+        declareAgain(light_source, view.ownerOf(source).Name(), section);
+    }
+    for (const auto& [name, value] : light_source.uniforms()) {
         auto uniform = section.uniforms.find(name);
         if (uniform == section.uniforms.end()) {
             const GLint location = lighting.program.uniformLocation(applySuffix(name, section.suffix));

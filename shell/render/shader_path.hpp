@@ -63,6 +63,7 @@ private:
         std::string suffix;
         bool is_repeated = false;
         std::map<std::string, Uniform, std::less<>> uniforms; ///< by name with its "$$"; not repeated
+        std::uint64_t served = 0; ///< the serial number of the source whose values these are; 0 for none
         /// What a repeated one has instead: its variables and the values that they are declared with.
         std::vector<UniformDeclaration> variables;
         std::vector<std::array<float, 4>> declared_values;
@@ -96,6 +97,10 @@ private:
                                            std::span<const LightSnippet> snippets, const View& view,
                                            const std::vector<std::vector<std::size_t>>& sources);
     void reportNotFinite(const View& view, Reports& reports) const;
+    /// Brings the uniforms that a section's last light source has set, and this one does not, back to the
+    /// values that the snippet declares.
+    void declareAgain(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name,
+                      Section& section);
     void uploadSingle(const View& view, std::size_t source, const LightingProgram& lighting,
                       Section& section);
     void gatherRepeated(const View& view, const std::vector<std::size_t>& sources, const Section& section);

@@ -134,6 +134,19 @@ std::optional<UniformFloats> floatsOf(const UniformValue& value) {
     return std::visit([](const auto& held) { return readFloats(held); }, value);
 }
 
+void uploadFloats(GLint location, const UniformFloats& floats) {
+    switch (floats.size) {
+    case 1:
+        return glUniform1fv(location, 1, floats.values.data());
+    case 2:
+        return glUniform2fv(location, 1, floats.values.data());
+    case 3:
+        return glUniform3fv(location, 1, floats.values.data());
+    default:
+        return glUniform4fv(location, 1, floats.values.data());
+    }
+}
+
 bool isFinite(const UniformValue& value) {
     return withComponents(value, []<class T, std::size_t N>(std::span<const T, N> components) {
         return std::all_of(components.begin(), components.end(),

@@ -17,6 +17,9 @@ struct UniformFloats {
 };
 std::optional<UniformFloats> floatsOf(const Qelt::RenderNamespace::UniformValue& value);
 
+/// Sets a uniform of floats of the program in use; nothing at the location -1.
+void uploadFloats(GLint location, const UniformFloats& floats);
+
 /// Whether two uniform values are the same alternative with the same bits; not-a-number equals itself.
 bool sameBits(const Qelt::RenderNamespace::UniformValue& a, const Qelt::RenderNamespace::UniformValue& b);
 

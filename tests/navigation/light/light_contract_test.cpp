@@ -83,6 +83,8 @@ TEST_P(EveryLight, UsesTheOpenGLLightOfTheContextsNumber) {
     for (const std::string& call : calls)
         if (call.starts_with("glLight")) {
             EXPECT_NE(call.find(" LIGHT2 "), std::string::npos) << call;
+        } else if (call.starts_with("glEnable") && call.find("LIGHTING") == std::string::npos) {
+            EXPECT_TRUE(call.ends_with(" LIGHT2")) << call;
         }
 }
 

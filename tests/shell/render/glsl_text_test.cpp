@@ -31,6 +31,9 @@ TEST(FloatUniforms, AreReadFromDeclarationsOfEveryForm) {
         {"// uniform int Old$$;\nuniform float S$$; /* uniform mat4 M$$; */", "S$$:1"},
         {"float uniform_scale; float my_uniform; uniform float S$$;", "S$$:1"},
         {"uniform vec4 Name = vec4(1);", "Name:4"},
+        {"#pragma import \"f\"\nuniform float S$$;\nconst float two$$ = 2.0;\nfloat half(float x);\n"
+         "float half(float x) { float h = x; return h / 2.0; }\nconst float three$$ = 3;",
+         "S$$:1"},
     };
     for (const auto& [snippet, expected] : cases)
         EXPECT_EQ(described(snippet), expected) << snippet;
@@ -42,7 +45,9 @@ TEST(FloatUniforms, AreNoneWhereADeclarationIsMoreThanAFloatOrVector) {
           "uniform float A$$, B$$;", "uniform float A$$ = 1.0, B$$ = 2.0;", "uniform highp float S$$;",
           "uniform Block$$ { float s; };", "uniform", "uniform float", "uniform float ;",
           "#define FAST\nuniform float S$$;", "#if 1\nuniform float S$$;\n#endif",
-          "uniform float S$$; uniform ivec2 I$$;"})
+          " # define F\nuniform float S$$;", "uniform vec3 A$$; vec3 half$$ = A$$ * 0.5;",
+          "uniform vec3 A$$; vec3 half$$ = vec3(A$$);", "float kept$$;",
+          "void f() {}\nint count$$ = 0;\nuniform float S$$;", "uniform float S$$; uniform ivec2 I$$;"})
         EXPECT_EQ(described(snippet), "none") << snippet;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <typeinfo>
 
 namespace {
 
@@ -80,6 +81,31 @@ TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithHighlights) {
     scene.create("Headlight", "h");
     scene.setParameter("h", "positionmv", "0 0 0");
     EXPECT_LT(meanDifference(), 4);
+}
+
+TEST_F(PathAgreementGLTest, LightsInALoopGiveWhatThreeOfThemGiveUnrolled) {
+    for (const char* const type :
+         {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight"}) {
+        korl::Scene few, many;
+        for (korl::Scene* const each : {&few, &many}) {
+            for (korl::Mesh& mesh : korl::builtinScene())
+                each->addMesh(std::move(mesh));
+            for (int i = 0; i < 3; ++i)
+                each->create(type);
+        }
+        many.create(type, "dark"); // a fourth, which gives nothing
+        for (const auto& entry : many.object("dark").parameters()) {
+            const std::string& name = entry.parameter->Name();
+            if (name == "Color" || name == "color")
+                many.setParameter("dark", name, "0 0 0 0");
+            else if (entry.parameter->type() == typeid(double))
+                many.setParameter("dark", name, "0");
+        }
+        korl::View one, other;
+        EXPECT_EQ(renderer.render(few, one, {160, 120, RenderPath::shader}).pixels,
+                  renderer.render(many, other, {160, 120, RenderPath::shader}).pixels)
+            << type;
+    }
 }
 
 TEST_F(PathAgreementGLTest, HeadlightServesTwoContextsAtOnce) {

@@ -165,6 +165,22 @@ TEST_F(RendererGLTest, ProgramsAreKeptForSnippetsThatComeAgain) {
     EXPECT_EQ(renderer.shaderPath().compileCount(), 2u);
 }
 
+TEST_F(RendererGLTest, ProgramThatServesAnotherLightForgetsTheUniformsThatItDoesNotSet) {
+    class Bare : public korl::test::CountedLight {
+    public:
+        Bare(const std::string& name, const Qelt::VCreationPreferences&)
+            : CountedLight(name, korl::test::downward_snippet) {}
+        void fillUniforms(Qelt::RenderNamespace::UniformMap&, Qelt::VRenderContext&) const override {}
+    };
+    const Qelt::VCreator<Bare, void> creator{std::string("Bare"), 0};
+    addDownwardLight().strength = 0.25f;
+    EXPECT_NEAR(middle(RenderPath::shader)[0], 64, 1);
+    scene.remove("DownwardLight");
+    scene.create("Bare");
+    EXPECT_EQ(middle(RenderPath::shader)[0], 255); // as it is declared
+    EXPECT_EQ(renderer.shaderPath().compileCount(), 1u);
+}
+
 TEST_F(RendererGLTest, ProgramThatServesAnotherLightGetsItsUniforms) {
     addDownwardLight().strength = 0.2f;
     EXPECT_EQ(middle(RenderPath::shader), (Pixel{51, 51, 51, 255}));
@@ -283,6 +299,33 @@ TEST_F(RendererGLTest, ResultThatIsNotFiniteFromFiniteParametersIsNamedOnce) {
     EXPECT_THAT(reports[2], testing::StartsWith("light \"fine\""));
 }
 
+TEST_F(RendererGLTest, LightsThatAllChangeAreCheckedInTurn) {
+    for (const char* const name : {"a", "b", "c"})
+        scene.create("Torch", name);
+    render(RenderPath::shader);
+    for (const char* const name : {"a", "b", "c"}) {
+        scene.setParameter(name, "location", "9 9 0"); // at a vertex of the square
+        scene.setParameter(name, "elevation", "0");
+    }
+    for (std::size_t frames = 1; frames <= 3; ++frames) {
+        render(RenderPath::shader);
+        EXPECT_EQ(reports.size(), frames);
+    }
+    render(RenderPath::shader);
+    EXPECT_EQ(reports.size(), 3u);
+}
+
+TEST_F(RendererGLTest, EyeThatComesToAVertexIsFound) {
+    scene.create("Headlight", "h");
+    render(RenderPath::shader);
+    EXPECT_THAT(reports, IsEmpty());
+    scene.camera->position = {9, 9, 0};
+    scene.camera->target = {0, 0, -1};
+    render(RenderPath::shader);
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_THAT(reports[0], testing::StartsWith("light \"h\" adds nothing on the shader path at 1 of 4"));
+}
+
 TEST_F(RendererGLTest, MeshThatComesLaterIsCheckedForResultsThatAreNotFinite) {
     scene.create("Torch", "torch");
     scene.setParameter("torch", "location", "1 2 3");
@@ -394,6 +437,27 @@ TEST_F(RendererGLTest, LightsPastTheDriversNumberAreLeftOutAndNamedOnce) {
                             std::to_string(most) + " lights here, and those before hold them all"));
 }
 
+TEST_F(RendererGLTest, LightsAreNamedAsLeftOutWhenTheyComeLaterAndNotAgain) {
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &most);
+    for (int i = 0; i < most; ++i)
+        scene.create("DistanceLight");
+    for (const char* const name :
+         {"x", "y", "z"}) { // one after the other, in the same place of memory perhaps
+        scene.create("DistanceLight", name);
+        render(RenderPath::fixed);
+        scene.remove(name);
+    }
+    scene.create("DistanceLight", "last");
+    for (const bool muted : {false, true, false, true, false}) {
+        scene.setMuted("last", muted);
+        render(RenderPath::fixed);
+    }
+    ASSERT_EQ(reports.size(), 4u);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_THAT(reports[i], testing::HasSubstr(std::array{"\"x\"", "\"y\"", "\"z\"", "\"last\""}[i]));
+}
+
 TEST_F(RendererGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
     const Qelt::VCreator<Drawing, void> creator{std::string("Drawing"), 0};
     GLint most = 0;
@@ -401,15 +465,17 @@ TEST_F(RendererGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
     scene.create("Torch", "called"); // shows that a Torch needs none
     for (int i = 0; i < most; ++i)
         scene.create("DistanceLight");
-    scene.create("Torch", "left out");
+    scene.create("Torch", "uncalled");
     scene.create("AmbientLight", "a");
     scene.create("DistanceLight", "d");
     scene.create("Drawing");
     render(RenderPath::fixed);
     EXPECT_EQ(Drawing::calls, 0);
-    ASSERT_EQ(reports.size(), 2u);
+    ASSERT_EQ(reports.size(), 3u);
     EXPECT_THAT(reports[0], testing::StartsWith("light \"called\" adds nothing on the fixed-function path"));
-    EXPECT_EQ(reports[1], "left out on the fixed-function path: \"a\", \"d\"; OpenGL has " +
+    EXPECT_THAT(reports[1],
+                testing::StartsWith("light \"uncalled\" adds nothing on the fixed-function path"));
+    EXPECT_EQ(reports[2], "left out on the fixed-function path: \"a\", \"d\"; OpenGL has " +
                               std::to_string(most) + " lights here, and those before hold them all");
 }
 
