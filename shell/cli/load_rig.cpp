@@ -1,4 +1,5 @@
 #include "shell/cli/program.hpp"
+#include "shell/cli/scene_options.hpp"
 
 #include "shell/scene/lighting_rig.hpp"
 
@@ -21,7 +22,9 @@ void addLoadRigCommand(CLI::App& app, Program& program) {
     const auto options = std::make_shared<LoadRigOptions>();
     command->add_option("SCENE.json", options->scene, "The scene file that gets the lights")->required();
     command->add_option("RIG.json", options->rig, "The file with the lights")->required();
-    command->add_option("-o,--output", options->output, "The scene file to write")->required();
+    command->add_option("-o,--output", options->output, "The scene file to write")
+        ->required()
+        ->check(aFile());
     command->add_flag("--replace", options->replace, "Take the scene's own lights out first");
     command->callback([&program, options] {
         program.command = [&program, options] {

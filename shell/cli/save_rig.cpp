@@ -1,4 +1,5 @@
 #include "shell/cli/program.hpp"
+#include "shell/cli/scene_options.hpp"
 
 #include "shell/scene/lighting_rig.hpp"
 
@@ -20,7 +21,8 @@ void addSaveRigCommand(CLI::App& app, Program& program) {
     const auto options = std::make_shared<SaveRigOptions>();
     command->add_option("SCENE.json", options->scene, "The scene file")->required();
     command->add_option("-o,--output", options->output, "The file of the lights, such as rig.json")
-        ->required();
+        ->required()
+        ->check(aFile());
     command->callback([&program, options] {
         program.command = [&program, options] {
             withShell(program, [&](Shell& shell) {

@@ -159,18 +159,19 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
     command.add_option("--fov", options.fov, "The vertical angle of view, in degrees");
 }
 
-void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
+void fillScene(const SceneOptions& options, double aspect, Scene& scene, ScenePurpose purpose) {
     const ParsedOptions parsed(options);
+    const bool is_completed = purpose == ScenePurpose::show || options.file.empty();
     if (!options.file.empty())
         readSceneFile(options.file, scene, {note, {}});
     if (!options.model.empty())
         scene.addMesh(importModel(options.model, parsed.model_up));
-    if (scene.meshes().empty())
+    if (is_completed && scene.meshes().empty())
         for (Mesh& mesh : builtinScene())
             scene.addMesh(std::move(mesh));
     for (const Light& light : parsed.lights)
         scene.create(light.type, light.name);
-    if (!scene.hasLight() && !options.no_default_light)
+    if (is_completed && !scene.hasLight() && !options.no_default_light)
         addDefaultLight(scene);
     for (const Setting& setting : parsed.settings)
         scene.setParameter(setting.object, setting.parameter, setting.value);
@@ -179,6 +180,14 @@ void fillScene(const SceneOptions& options, double aspect, Scene& scene) {
                       connection.parameter);
     scene.background = parsed.background.value_or(scene.background);
     setCamera(parsed, options.fov, aspect, scene);
+}
+
+CLI::Validator aFile() {
+    return CLI::Validator(
+        [](const std::string& text) {
+            return text.empty() || text == "-" ? "a scene is written to a file; name one" : "";
+        },
+        "", "a file");
 }
 
 const std::map<std::string, RenderPath>& renderPaths() {

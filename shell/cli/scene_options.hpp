@@ -26,11 +26,22 @@ struct SceneOptions {
 
 void addSceneOptions(CLI::App& command, SceneOptions& options);
 
-/// Builds the scene: the scene file, the model or, where there is none of either, the built-in scene; the
+/// What a scene is built for.
+enum class ScenePurpose {
+    show, ///< a picture: what a scene file lacks to be seen is added
+    keep  ///< a file or a script: a scene file's scene stays as it is, but for the options
+};
+
+/// Builds the scene: the scene file, the model or, where no mesh came of either, the built-in scene; the
 /// lights, or a light by default, which it says; the settings; the camera.
 /// @param aspect width of the picture by its height, for a camera that is fitted.
 /// Throws UsageError for an option of the wrong form, Error for what cannot be done.
-void fillScene(const SceneOptions& options, double aspect, Scene& scene);
+void fillScene(const SceneOptions& options, double aspect, Scene& scene,
+               ScenePurpose purpose = ScenePurpose::show);
+
+/// Refuses an output that is empty or "-": scene files, which name others beside them, are not written to
+/// standard output.
+CLI::Validator aFile();
 
 /// What `--path` takes.
 const std::map<std::string, RenderPath>& renderPaths();

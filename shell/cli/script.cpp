@@ -15,8 +15,8 @@ void addScriptCommand(CLI::App& app, Program& program) {
         program.command = [&program, options] {
             withShell(program, [&](Shell& shell) {
                 constexpr double aspect = 4.0 / 3; // of the picture that the script makes
-                fillScene(*options, aspect, shell.scene());
-                std::fputs(sceneScript(shell.scene()).c_str(), stdout);
+                fillScene(*options, aspect, shell.scene(), ScenePurpose::keep);
+                std::fputs(sceneScript(shell.scene(), program.plugins).c_str(), stdout);
             });
         };
     });

@@ -188,12 +188,14 @@ void Scene::solo(const std::string& light) {
     if (!light.empty() && !isLight(object(light)))
         throw WrongType("\"" + light + "\" is no light, so it cannot shine alone");
     my_solo = light;
+    my_solo_number = light.empty() ? 0 : object(light).number();
     my_foreign.solo.clear();
     my_revision = nextRevision();
 }
 
 VObject* Scene::soloLight() const {
-    return my_solo.empty() ? nullptr : find(my_solo);
+    VObject* const found = my_solo.empty() ? nullptr : find(my_solo);
+    return found && found->number() == my_solo_number ? found : nullptr; // another may have its name by now
 }
 
 bool Scene::isEnabled(const VObject& object) const {

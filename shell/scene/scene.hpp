@@ -142,6 +142,7 @@ private:
     mutable unsigned long my_revision;
     std::unordered_set<std::uint64_t> my_muted; ///< by the numbers of the objects
     std::string my_solo;                        ///< the name of the light that shines alone, or empty
+    std::uint64_t my_solo_number = 0;           ///< and its number
     std::vector<NamedView> my_views;
     ForeignParts my_foreign;
     std::vector<std::shared_ptr<const Mesh>> my_meshes;

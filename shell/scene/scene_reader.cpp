@@ -248,7 +248,7 @@ void SceneReader::create(const JsonValue& value, const std::string& type, const 
                          const ScenePlace& place) {
     if (!name.empty() && my_names.contains(name))
         place.inside("name").fail("the name \"" + name + "\" is taken by another object of the file");
-    std::string own = name;
+    std::string own = name.empty() ? freeName(type) : name;
     if (my_part == Part::lights && my_scene.isTaken(name))
         for (int number = 2; my_scene.isTaken(own) || my_file_names.contains(own); ++number)
             own = name + std::to_string(number);
@@ -268,6 +268,14 @@ void SceneReader::create(const JsonValue& value, const std::string& type, const 
             readValues(values, where.inside(view), object.Name(), view);
         });
     });
+}
+
+std::string SceneReader::freeName(const std::string& type) {
+    for (int& number = my_numbers[type];;) {
+        const std::string name = ++number == 1 ? type : type + std::to_string(number);
+        if (!my_scene.isTaken(name) && !my_file_names.contains(name))
+            return name;
+    }
 }
 
 void SceneReader::keep(const JsonValue& value, const std::string& type, const std::string& name,
@@ -361,7 +369,8 @@ void SceneReader::tellOfForeign() const {
         return;
     std::vector<std::string> known;
     for (const VCreatorBase* const creator : VCreatorBase::catalogue())
-        known.push_back(creator->Name());
+        if (std::find(known.begin(), known.end(), creator->Name()) == known.end())
+            known.push_back(creator->Name());
     for (const auto& [type, names] : my_foreign_names)
         my_reading.tell(my_file.string() + ": no loaded module has the type \"" + type + "\" of " +
                         listOf(names) + ", kept for later but not shown: " +

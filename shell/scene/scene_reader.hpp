@@ -46,6 +46,8 @@ private:
     void readObject(const JsonValue& value, const ScenePlace& place);
     void create(const JsonValue& value, const std::string& type, const std::string& name,
                 const ScenePlace& place);
+    /// A name for an object without one: its type's, numbered where the scene or the file has that.
+    std::string freeName(const std::string& type);
     void keep(const JsonValue& value, const std::string& type, const std::string& name,
               const ScenePlace& place);
     void requireShape(const JsonValue& object, const ScenePlace& place) const;
@@ -85,7 +87,8 @@ private:
     std::unordered_set<std::string> my_file_names;            ///< all that the file gives
     std::unordered_map<std::string, bool> my_makes_lights;    ///< by type
     std::unordered_set<std::string> my_left_out;              ///< the names in the file of what is no light
-    std::uint64_t my_latest = 0;                              ///< the number of the object created last
+    std::unordered_map<std::string, int> my_numbers; ///< how far unnamed objects were counted, by type
+    std::uint64_t my_latest = 0;                     ///< the number of the object created last
     std::map<std::string, std::vector<std::string>> my_foreign_names; ///< by type
     struct Before;
     std::unique_ptr<Before> my_before; ///< what to come back to; nothing when there is no need to any more

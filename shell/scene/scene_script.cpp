@@ -13,6 +13,7 @@
 #include <cctype>
 #include <map>
 #include <set>
+#include <span>
 #include <sstream>
 
 namespace korl {
@@ -90,7 +91,8 @@ std::string rows(const std::vector<glm::vec3>& triples) {
 /// Writes the script of one scene.
 class Script {
 public:
-    explicit Script(const Scene& scene) : my_scene(scene) {}
+    Script(const Scene& scene, std::span<const std::filesystem::path> plugins)
+        : my_scene(scene), my_plugins(plugins) {}
 
     std::string text() {
         for (const auto& [name, ignored] : my_scene.views())
@@ -108,11 +110,18 @@ public:
         addSurroundings();
         line("image = shell.render(640, 480)");
         const std::string numpy = my_lines.find("numpy.") == std::string::npos ? "" : "import numpy\n";
-        return "import korl\n" + numpy + "\nwith korl.Shell() as shell:\n" + my_lines +
+        return "import korl\n" + numpy + "\nwith korl.Shell(" + plugins() + ") as shell:\n" + my_lines +
                "image.save(\"scene.png\")\n";
     }
 
 private:
+    std::string plugins() const {
+        std::string list;
+        for (const std::filesystem::path& file : my_plugins)
+            list += (list.empty() ? "plugins=[" : ", ") + quoted(std::filesystem::absolute(file).string());
+        return list.empty() ? "" : list + "]";
+    }
+
     void line(const std::string& statement) { my_lines += "    " + statement + "\n"; }
 
     /// A variable for what has a name: like it, but allowed, and nobody else's.
@@ -220,6 +229,7 @@ private:
     }
 
     const Scene& my_scene;
+    std::span<const std::filesystem::path> my_plugins;
     std::string my_lines;
     std::map<std::string, std::string> my_variables; ///< by "object NAME" or "view NAME"
     std::set<std::string> my_taken;
@@ -227,8 +237,8 @@ private:
 
 } // namespace
 
-std::string sceneScript(const Scene& scene) {
-    return Script(scene).text();
+std::string sceneScript(const Scene& scene, std::span<const std::filesystem::path> plugins) {
+    return Script(scene, plugins).text();
 }
 
 } // namespace korl

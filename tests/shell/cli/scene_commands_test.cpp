@@ -60,6 +60,38 @@ TEST_F(SceneCommands, SaveWritesWhatTheOptionsSay) {
     EXPECT_EQ(bytesOf(folder / "again.json"), saved);
 }
 
+TEST_F(SceneCommands, SavedAgainASceneStaysAsItIs) {
+    // Nothing is added that a picture of it would need.
+    for (const char* const scene :
+         {"{\n  \"korl\": 1\n}\n",
+          "{\n  \"korl\": 1,\n  \"objects\": [\n    {\"type\": \"Absent\", \"name\": \"a\"}\n  ]\n}\n"}) {
+        folder.write("scene.json", scene);
+        korl({"save", "DIR/scene.json", "-o", "DIR/again.json"});
+        EXPECT_EQ(bytesOf(folder / "again.json"), scene);
+        const std::string script = korl({"script", "DIR/scene.json"}).output;
+        EXPECT_EQ(script.find("add_landscape"), std::string::npos);
+        EXPECT_EQ(script.find("create"), std::string::npos);
+    }
+}
+
+TEST_F(SceneCommands, ScenesAreNotWrittenToStandardOutput) {
+    folder.write("scene.json", "{\"korl\": 1}");
+    const std::string scene = folder / "scene.json";
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"save"}, {"save-rig", scene}, {"load-rig", scene, scene}}) {
+        std::vector<std::string> arguments = words;
+        arguments.insert(arguments.end(), {"-o", "-"});
+        const ProgramResult result = runProgram(KORL_PROGRAM, arguments);
+        EXPECT_EQ(result.exit_code, 2);
+        EXPECT_THAT(result.errors, HasSubstr("a scene is written to a file; name one"));
+    }
+}
+
+TEST_F(SceneCommands, ScriptLoadsTheModulesThatWereNamed) {
+    const ProgramResult result = korl({"--plugin", TOVEK_LIGHT_MODULE, "script", "--light", "Sun"});
+    EXPECT_THAT(result.output, HasSubstr("with korl.Shell(plugins=[\"" TOVEK_LIGHT_MODULE "\"]) as shell:"));
+}
+
 TEST_F(SceneCommands, SaveNeedsToKnowWhere) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"save", "--light", "Sun"});
     EXPECT_EQ(result.exit_code, 2);

@@ -59,6 +59,17 @@ TEST_F(SceneFileTest, ReadsAllOfAScene) {
     EXPECT_EQ(scene.background, (Orvid::rgba_float_t{1, 0, 0, 1}));
 }
 
+TEST_F(SceneFileTest, ObjectWithoutANameTakesNoneThatTheFileGives) {
+    readSceneFile(folder.write("scene.json", R"({"korl": 1, "objects": [
+        {"type": "Plain"}, {"type": "Plain", "name": "Plain"}, {"type": "Plain", "name": "Plain3"}, {"type": "Plain"}
+    ]})"),
+                  scene);
+    std::vector<std::string> names;
+    for (const auto& object : scene.objects())
+        names.push_back(object->Name());
+    EXPECT_THAT(names, testing::ElementsAre("Plain2", "Plain", "Plain3", "Plain4"));
+}
+
 TEST_F(SceneFileTest, OnlyTheVersionIsRequired) {
     readSceneFile(folder.write("scene.json", R"({"korl": 1})"), scene);
     EXPECT_TRUE(scene.objects().empty());
