@@ -262,6 +262,10 @@ TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
     EXPECT_TRUE(scene.isEnabled(a));
     scene.create("DownwardLight", "b"); // another light, which did not shine alone
     EXPECT_EQ(scene.soloLight(), nullptr);
+    scene.create("DownwardLight", "b"); // another one of the name, which did not shine alone
+    EXPECT_EQ(scene.soloLight(), nullptr);
+    EXPECT_TRUE(scene.isEnabled(a));
+    scene.remove("b");
     EXPECT_EQ(errorOf([&] { scene.solo("p"); }), "\"p\" is no light, so it cannot shine alone");
     EXPECT_EQ(errorOf([&] { scene.solo("x"); }),
               "unknown object \"x\": did you mean \"a\"? There are: a, p.");
