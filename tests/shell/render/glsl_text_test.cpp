@@ -29,7 +29,7 @@ TEST(FloatUniforms, AreReadFromDeclarationsOfEveryForm) {
         {"uniform vec2 A$$; uniform vec3 B$$ ; uniform vec4 C$$\n= vec4(1,2,3,4);", "A$$:2 B$$:3 C$$:4"},
         {"uniform\tvec3\n\tLong_Name$$=vec3(0, max(1,2), 0);", "Long_Name$$:3"},
         {"// uniform int Old$$;\nuniform float S$$; /* uniform mat4 M$$; */", "S$$:1"},
-        {"float uniform_scale; float my_uniform; uniform float S$$;", "S$$:1"},
+        {"const float uniform_scale = 1.0; void my_uniform() {} uniform float S$$;", "S$$:1"},
         {"uniform vec4 Name = vec4(1);", "Name:4"},
         {"#pragma import \"f\"\nuniform float S$$;\nconst float two$$ = 2.0;\nfloat half(float x);\n"
          "float half(float x) { float h = x; return h / 2.0; }\nconst float three$$ = 3;",
