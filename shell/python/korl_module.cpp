@@ -37,7 +37,7 @@ py::bytes encode(const py::array_t<std::uint8_t, py::array::c_style>& pixels,
                       std::vector(pixels.data(), pixels.data() + pixels.size())};
     std::vector<std::uint8_t> png;
     {
-        const py::gil_scoped_release released;
+        const Released released;
         png = encodePng(image, text);
     }
     return {reinterpret_cast<const char*>(png.data()), png.size()};
@@ -46,7 +46,10 @@ py::bytes encode(const py::array_t<std::uint8_t, py::array::c_style>& pixels,
 /// Each kind of error as the exception of its kind in korl/_errors.py.
 void translateError(std::exception_ptr thrown) {
     const auto raise = [](const char* type, const std::exception& error) {
-        PyErr_SetString(py::module_::import("korl._errors").attr(type).ptr(), error.what());
+        const std::string_view text = error.what(); // with bytes of a file's name that may be no text
+        const auto shown = py::reinterpret_steal<py::object>(
+            PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "backslashreplace"));
+        PyErr_SetObject(py::module_::import("korl._errors").attr(type).ptr(), shown.ptr());
     };
     try {
         std::rethrow_exception(thrown);
@@ -85,13 +88,17 @@ PYBIND11_MODULE(_korl, module) {
         .value("both", RenderPath::both);
 
     Session session(module, "Session");
-    session.def(py::init([](const std::vector<std::filesystem::path>& files) {
-                    return Holder(new SharedShell(files, pluginSearchPathBelow(homeFolder())));
-                }),
-                Released());
-    session.def("close", &SharedShell::close, Released());
-    session.def("is_closed", &SharedShell::isClosed, Released());
-    session.def("take_reports", &SharedShell::takeReports, Released());
+    // Python can make none but by opening one: one without a shell in it would crash.
+    reinterpret_cast<PyTypeObject*>(session.ptr())->tp_new = nullptr;
+    module.def(
+        "open_session",
+        [](const std::vector<std::filesystem::path>& files) {
+            return Holder(new SharedShell(files, pluginSearchPathBelow(homeFolder())));
+        },
+        InTheBackground());
+    session.def("close", &SharedShell::close, InTheBackground());
+    session.def("is_closed", &SharedShell::isClosed, InTheBackground());
+    session.def("take_reports", &SharedShell::takeReports, InTheBackground());
     add(session, "plugins", plugins);
     add(session, "load", [](Shell& shell, const std::filesystem::path& file) { shell.plugins().load(file); });
     defineObjects(module, session);
@@ -105,7 +112,8 @@ PYBIND11_MODULE(_korl, module) {
             writeFileAtomically(file,
                                 std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
         },
-        Released());
+        InTheBackground());
     module.def("near_names", &nearNames);
     module.def("set_verbosity", &Qelt::setVerbosity);
+    py::module_::import("atexit").attr("register")(py::cpp_function(&endWork));
 }

@@ -45,6 +45,11 @@ glm::dvec3 vectorOf(const Triple& triple) {
 void setCamera(Shell& shell, const std::optional<Triple>& position, const std::optional<Triple>& target,
                const std::optional<Triple>& up, const std::optional<double>& fov) {
     Scene& scene = shell.scene();
+    if (fov) { // checked by itself: no place can be found for a field of view that is none
+        Camera usual = cameraOf(scene);
+        usual.fov_degrees = *fov;
+        validate(usual);
+    }
     Camera camera = cameraOf(scene, fov);
     const auto change = [](glm::dvec3& value, const std::optional<Triple>& given) {
         value = given ? vectorOf(*given) : value;
@@ -78,7 +83,7 @@ void addMesh(SharedShell& shell, const std::string& name, const FloatRows& verti
              const IndexRows& triangles, const FloatRows& normals, const FloatRows& colors) {
     const MeshArrays arrays{rowsOf<glm::vec3>(vertices), rowsOf<glm::uvec3>(triangles),
                             rowsOf<glm::vec3>(normals), rowsOf<glm::vec3>(colors)};
-    const py::gil_scoped_release released;
+    const Released released;
     Mesh mesh = meshFromArrays(name, arrays);
     shell.use([&](Shell& used) { used.scene().addMesh(std::move(mesh)); });
 }

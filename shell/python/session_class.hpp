@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/python/interpreter.hpp"
 #include "shell/session/shared_shell.hpp"
 
 #include <pybind11/pybind11.h>
@@ -14,12 +15,12 @@ namespace korl::python {
 namespace py = pybind11;
 
 /// Lets other threads of Python go on while a call waits for its turn and works.
-using Released = py::call_guard<py::gil_scoped_release>;
+using InTheBackground = py::call_guard<Released>;
 
 /// A shell goes like all work with it: without the interpreter, which others need meanwhile.
 struct Deleter {
     void operator()(SharedShell* shell) const {
-        const py::gil_scoped_release released;
+        const Released released;
         delete shell;
     }
 };
@@ -37,7 +38,7 @@ auto inTurn(Result (*work)(Shell&, Arguments...)) {
 /// Adds a method that works with the shell in turn.
 template <class Work>
 void add(Session& session, const char* name, Work work) {
-    session.def(name, inTurn(+work), Released());
+    session.def(name, inTurn(+work), InTheBackground());
 }
 
 /// The folder of the build or the installation that this library belongs to. To be asked for once while the

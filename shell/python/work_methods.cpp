@@ -44,6 +44,8 @@ Progress animateScene(SharedShell& shared, const SequenceSettings& settings,
     std::optional<py::error_already_set> stopped;
     SequenceProgress latest;
     const auto listen = [&](const SequenceProgress& now) {
+        if (isEnding())
+            throw Error("stopped");
         const py::gil_scoped_acquire acquired;
         try {
             if (PyErr_CheckSignals() != 0)
@@ -56,7 +58,7 @@ Progress animateScene(SharedShell& shared, const SequenceSettings& settings,
         }
     };
     try {
-        const py::gil_scoped_release released;
+        const Released released;
         shared.use([&](Shell& shell) {
             SequenceSettings all = settings;
             if (sun_time)

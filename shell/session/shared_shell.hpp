@@ -19,7 +19,9 @@ public:
 
 /// A shell that may be used, closed and destroyed on any thread. The types of objects and the OpenGL driver
 /// belong to the whole process, so all such shells take turns: one piece of work at a time in the process.
-/// Between two of them no thread has the OpenGL context, and any thread can take it.
+/// Between two of them no thread has the OpenGL context, and any thread can take it. A process that is forked
+/// after the first use lacks the threads and the OpenGL of its parent: there every use throws Error, and
+/// shells are let go of as they are.
 class SharedShell {
 public:
     /// Loads the plug-ins, then those of the directories. Throws Error as PluginSet does.
@@ -33,6 +35,14 @@ public:
     /// shell on the same thread.
     void close();
     bool isClosed() const;
+
+    /// Closes all shells when the work that goes on has ended, since the process is about to end. From then
+    /// on they are closed for this thread, which can make no others; other threads wait for their turn for
+    /// ever.
+    static void closeAllForGood();
+
+    /// Whether this process was forked from one that had used such shells.
+    static bool isForked();
 
     /// Does a piece of work with the shell, when it is this thread's turn. Nothing of the shell may be
     /// kept beyond it. What a module throws becomes an Error, while the module is still there. Throws

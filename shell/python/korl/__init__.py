@@ -11,11 +11,18 @@ Scene space is right-handed, z up. A direction of light is the one in which ligh
 """
 
 from ._camera import Camera
-from ._errors import ClosedError, Error, InvalidValueError, UnknownNameError, Warning, WrongTypeError
+from ._errors import (
+    ClosedError,
+    Error,
+    InvalidValueError,
+    ReadOnlyError,
+    UnknownNameError,
+    Warning,
+    WrongTypeError,
+)
 from ._image import Image
-from ._korl import set_verbosity
 from ._objects import Number, Numbers, Object, Parameter, Parameters, ParameterType, Text, Type, View
-from ._shell import Explanation, MeshInfo, Plugin, Shell
+from ._shell import Explanation, MeshInfo, Plugin, Shell, set_verbosity
 
 __all__ = [
     "Camera",
@@ -32,6 +39,7 @@ __all__ = [
     "ParameterType",
     "Parameters",
     "Plugin",
+    "ReadOnlyError",
     "Shell",
     "Text",
     "Type",

@@ -15,6 +15,10 @@ class UnknownNameError(Error, AttributeError, KeyError):
     """There is no type, object, parameter or view of this name; the text lists the near ones."""
 
 
+class ReadOnlyError(Error, AttributeError):
+    """An attribute can be read, but neither set nor deleted."""
+
+
 class InvalidValueError(Error, ValueError):
     """A value is of the right type, but not one that can be taken: not finite, out of range, damaged."""
 

@@ -1,11 +1,12 @@
 """Pictures."""
 
-import os
+from collections.abc import Mapping
 
 import numpy
 
 from . import _korl
-from ._errors import InvalidValueError
+from ._errors import InvalidValueError, WrongTypeError
+from ._values import array_of, path_of, text_in
 
 
 class Image(numpy.ndarray):
@@ -16,7 +17,7 @@ class Image(numpy.ndarray):
 
     def __new__(cls, pixels):
         """An image that shows the pixels of an array of height x width x 4 bytes, without a copy of them."""
-        array = numpy.asarray(pixels)
+        array = array_of(pixels, "an image takes height x width x 4 bytes")
         _require_picture(array)
         return array.view(cls)
 
@@ -35,12 +36,16 @@ class Image(numpy.ndarray):
     def png(self, text=None):
         """The picture as the bytes of a PNG file; `text` is a dict of what it says beside it, by keyword."""
         _require_picture(self)
-        pairs = [(str(key), str(value)) for key, value in (text or {}).items()]
+        if text is not None and not isinstance(text, Mapping):
+            raise WrongTypeError(f"text takes a dict of texts by keyword, found {text!r}")
+        pairs = [
+            tuple(text_in(str(part), "what a picture says beside it") for part in pair) for pair in (text or {}).items()
+        ]
         return _korl.encode_png(numpy.ascontiguousarray(self).view(numpy.ndarray), pairs)
 
     def save(self, file, text=None):
         """Writes the picture into a PNG file, whole or not at all."""
-        _korl.write_file(os.fsdecode(file), self.png(text))
+        _korl.write_file(path_of(file), self.png(text))
 
     def _repr_png_(self):
         return self.png() if _is_picture(self) else None

@@ -6,7 +6,7 @@ from typing import NamedTuple, Optional
 from . import _korl
 from ._errors import Error, InvalidValueError, UnknownNameError, WrongTypeError
 from ._strict import Strict
-from ._values import from_text, to_text, triple
+from ._values import from_text, shown, text_in, to_text, triple
 
 
 class ParameterType(NamedTuple):
@@ -35,13 +35,15 @@ class Type(NamedTuple):
     parameters: tuple
 
 
-def view_name(view):
-    """The name of a view, given as such or as a view object; empty for none."""
+def view_name(view, session):
+    """The name of a view of a session, given as such or as a view object; empty for none."""
     if view is None:
         return ""
-    name = view.name if isinstance(view, View) else view
-    if not isinstance(name, str):
+    if not isinstance(view, (View, str)):
         raise WrongTypeError(f"expected a view or the name of one, found {view!r}")
+    if isinstance(view, View) and view._session is not session:
+        raise InvalidValueError(f"{view!r} belongs to another shell")
+    name = view.name if isinstance(view, View) else text_in(view, "a view's name")
     if not name:
         raise InvalidValueError("a view has a name; leave it out for the view without values of its own")
     return name
@@ -153,20 +155,27 @@ class Parameter(Strict):
 
     def get(self, view=None):
         """What it is in a view, as a float or a tuple of floats that knows its parameter."""
-        text = self._owner._session.value(self._owner._handle, self.name, view_name(view))
-        if text is None:
-            raise Error(f'"{self}" cannot be read: what it follows has gone; unfollow() ends that')
-        value = from_text(self.kind, text)
+        value = self._read(view)
+        if value is None:
+            way_out = f'["{self._owner.name}"].parameters["{self.name}"].unfollow()'
+            raise Error(f'"{self}" cannot be read: what it follows has gone; shell{way_out} ends that')
         return {float: Number, tuple: Numbers, str: Text}[type(value)](value, self)
+
+    def _read(self, view=None):
+        """What it is in a view; None where it follows what has gone."""
+        session = self._owner._session
+        return from_text(self.kind, session.value(self._owner._handle, self.name, view_name(view, session)))
 
     def set(self, value, view=None):
         """Changes it in all views or, with a view, in that one alone."""
         text = to_text(self.kind, value, self)
-        self._owner._session.set(self._owner._handle, self.name, text, view_name(view))
+        session = self._owner._session
+        session.set(self._owner._handle, self.name, text, view_name(view, session))
 
     def reset(self, view=None):
         """Brings back the default or, with a view, takes away what that one has of its own."""
-        self._owner._session.reset(self._owner._handle, self.name, view_name(view))
+        session = self._owner._session
+        session.reset(self._owner._handle, self.name, view_name(view, session))
 
     def follow(self, source):
         """From now on reads as another parameter does, given as such or by a value read from it."""
@@ -215,6 +224,7 @@ class Parameters(Mapping):
         for info in infos:
             if info.name == name:
                 return Parameter(self._owner, ParameterType._of(info))
+        name = shown(name)
         near = _korl.near_names(name, [info.name for info in infos], "it has no parameters")
         raise UnknownNameError(f'unknown parameter "{self._owner.name}.{name}": {near}')
 
@@ -225,7 +235,9 @@ class Parameters(Mapping):
         return len(self._owner._infos())
 
     def __repr__(self):
-        return "{" + ", ".join(f"{name}: {parameter.value}" for name, parameter in self.items()) + "}"
+        values = ((name, parameter._read()) for name, parameter in self.items())
+        gone = "(what it follows has gone)"
+        return "{" + ", ".join(f"{name}: {gone if value is None else value}" for name, value in values) + "}"
 
 
 class Object(Strict):
@@ -313,7 +325,7 @@ class Object(Strict):
 
     def __setattr__(self, name, value):
         if hasattr(type(self), name):
-            object.__setattr__(self, name, value)
+            super().__setattr__(name, value)
         else:
             self[name] = value
 

@@ -2,17 +2,18 @@
 
 import json
 import warnings
+from collections.abc import Mapping
 from typing import NamedTuple
 
 import numpy
 
 from . import _korl
 from ._camera import Camera
-from ._errors import InvalidValueError, Warning, WrongTypeError
+from ._errors import ClosedError, InvalidValueError, Warning, WrongTypeError
 from ._image import Image
 from ._objects import Object, Parameter, ParameterType, Type, View, view_name
 from ._strict import Strict
-from ._values import numbers_in, path_of, text_of, to_text
+from ._values import array_of, numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
 
 _PATHS = _korl.RenderPath.__members__
 
@@ -43,6 +44,11 @@ class Explanation(dict):
         return self.text
 
 
+def set_verbosity(level):
+    """How much the shells say of what they do: 0 the least, 50 traces parameters, 100 creators too."""
+    _korl.set_verbosity(whole(level, -(2**31), "the verbosity is a whole number"))
+
+
 class Shell(Strict):
     """A shell: modules, a scene that is built with them, and what draws it.
 
@@ -53,11 +59,13 @@ class Shell(Strict):
     __slots__ = ("_session",)
 
     def __init__(self, plugins=()):
-        if isinstance(plugins, (str, bytes)):
+        if isinstance(plugins, (str, bytes)) or not hasattr(plugins, "__iter__"):
             raise WrongTypeError(f"plugins takes a list of files, found {plugins!r}")
-        object.__setattr__(self, "_session", _korl.Session([path_of(file) for file in plugins]))
+        object.__setattr__(self, "_session", _korl.open_session([path_of(file) for file in plugins]))
 
     def __enter__(self):
+        if self.closed:
+            raise ClosedError("the shell is closed; make another one")
         return self
 
     def __exit__(self, *exception):
@@ -100,9 +108,7 @@ class Shell(Strict):
 
         Parameters are set from the keywords; where one of them is refused, no object is left behind.
         """
-        for text, what in ((type, "type"), (name, "name")):
-            if not isinstance(text, str):
-                raise WrongTypeError(f"an object's {what} is a text, found {text!r}")
+        type, name = text_in(type, "an object's type"), text_in(name, "an object's name")
         created = Object(self._session, self._session.create(type, name))
         try:
             for parameter, value in parameters.items():
@@ -113,17 +119,16 @@ class Shell(Strict):
         return created
 
     def __getitem__(self, name):
-        if not isinstance(name, str):
-            raise WrongTypeError(f"an object's name is a text, found {name!r}")
-        return Object(self._session, self._session.find(name))
+        return Object(self._session, self._session.find(text_in(name, "an object's name")))
 
     def __delitem__(self, name):
-        if not isinstance(name, str):
-            raise WrongTypeError(f"an object's name is a text, found {name!r}")
-        self._session.remove(name)
+        self._session.remove(text_in(name, "an object's name"))
 
-    def __contains__(self, name):
-        return any(handle.name == name for handle, _ in self._session.objects())
+    def __contains__(self, sought):
+        """Whether there is an object, given as such or by its name."""
+        if isinstance(sought, Object):
+            return sought in list(self)
+        return any(handle.name == sought for handle, _ in self._session.objects())
 
     def __iter__(self):
         """The objects in the order of their creation, as they are now."""
@@ -157,14 +162,12 @@ class Shell(Strict):
 
     def add_view(self, name):
         """A new view of the scene, in which parameters can have values of their own."""
-        if not isinstance(name, str):
-            raise WrongTypeError(f"a view's name is a text, found {name!r}")
-        self._session.add_view(name)
+        self._session.add_view(text_in(name, "a view's name"))
         return View(self._session, name)
 
     def remove_view(self, view):
         """Takes away a view and its values."""
-        self._session.remove_view(view_name(view))
+        self._session.remove_view(view_name(view, self._session))
 
     @property
     def views(self):
@@ -182,12 +185,12 @@ class Shell(Strict):
         if triangles is None:
             if normals is not None or colors is not None:
                 raise WrongTypeError("vertices without triangles make no mesh; give triangles too")
-            self._session.add_model(path_of(mesh), up)
+            self._session.add_model(path_of(mesh), text_in(up, "the model's axis that is up"))
             return
         vertices = _rows("vertices", mesh, numpy.float32)
         none = numpy.empty((0, 3), numpy.float32)
         self._session.add_mesh(
-            name,
+            text_in(name, "a mesh's name"),
             vertices,
             _rows("triangles", triangles, numpy.uint32),
             none if normals is None else _rows_for(vertices, "normals", normals),
@@ -216,9 +219,9 @@ class Shell(Strict):
     @background.setter
     def background(self, color):
         if not isinstance(color, str):
-            count = 3 if hasattr(color, "__len__") and len(color) == 3 else 4
+            count = 3 if len(parts_of(color) or ()) == 3 else 4
             color = text_of(numbers_in(color, count, "the background takes (red, green, blue) or with alpha"))
-        self._session.set_background(color)
+        self._session.set_background(text_in(color, "the background's colour"))
 
     def render(self, width=640, height=480, path="shader", view=None):
         """Draws the scene: an Image, which is an array of height x width x 4 bytes.
@@ -227,7 +230,7 @@ class Shell(Strict):
         one picture of each side by side, twice as wide. What the user should know about the picture comes as
         a korl.Warning, once for each light. Other threads of Python go on meanwhile.
         """
-        pixels = self._session.render(*_size(width, height), _path(path), view_name(view))
+        pixels = self._session.render(*_size(width, height), _path(path), view_name(view, self._session))
         self._tell()
         return Image(pixels)
 
@@ -285,12 +288,19 @@ class Shell(Strict):
         on each core; with `resume`, those that are there already stay. `progress` is called with the number of
         frames that are there and of all; it must not use a shell. Returns how many frames were made.
         """
+        frames = whole(frames, 1, "frames takes a whole number")
+        jobs = whole(jobs, 0, "jobs takes a whole number")
+        (fps,) = numbers_in(fps, 1, "fps takes a number of frames per second")
+        if vary is not None and not isinstance(vary, Mapping):
+            raise WrongTypeError(f"vary takes a dict from parameters to pairs of values, found {vary!r}")
+        if progress is not None and not callable(progress):
+            raise WrongTypeError(f"progress takes a function of two numbers, found {progress!r}")
         settings = _korl.SequenceSettings(path_of(output), frames, fps, jobs, bool(resume))
-        settings.show(*_size(width, height), _path(path), view_name(view))
-        for key, ends in (vary or {}).items():
-            parameter = key if isinstance(key, Parameter) else self._parameter(key)
-            if isinstance(ends, str) or not hasattr(ends, "__len__") or len(ends) != 2:
-                raise WrongTypeError(f'"{parameter}" varies over a pair of values, found {ends!r}')
+        settings.show(*_size(width, height), _path(path), view_name(view, self._session))
+        for key, values in (vary or {}).items():
+            parameter, ends = self._parameter(key), parts_of(values)
+            if ends is None or len(ends) != 2:
+                raise WrongTypeError(f'"{parameter}" varies over a pair of values, found {values!r}')
             texts = [to_text(parameter.kind, end, parameter) for end in ends]
             settings.vary(parameter.object.name, parameter.name, *texts)
         if sun_time is not None:
@@ -306,12 +316,19 @@ class Shell(Strict):
         `pixel` is one to look at, (x, y) from the left and the top, from 0.
         """
         if pixel is not None:
-            pixel = tuple(pixel)
-        found = self._session.explain(*_size(width, height), _path(path), pixel, view_name(view))
+            ends = parts_of(pixel)
+            if ends is None or len(ends) != 2:
+                raise WrongTypeError(f"pixel takes a pair of whole numbers (x, y), found {pixel!r}")
+            pixel = tuple(whole(end, 0, "pixel takes two whole numbers (x, y)") for end in ends)
+        found = self._session.explain(*_size(width, height), _path(path), pixel, view_name(view, self._session))
         self._tell()
         return Explanation(*found)
 
     def _parameter(self, full_name):
+        if isinstance(full_name, Parameter):
+            if full_name.object not in self:
+                raise InvalidValueError(f"{full_name!r} belongs to no object of this shell")
+            return full_name
         if not isinstance(full_name, str) or "." not in full_name:
             raise WrongTypeError(f'expected a parameter or "NAME.PARAMETER", found {full_name!r}')
         name, _, parameter = full_name.rpartition(".")
@@ -322,23 +339,18 @@ class Shell(Strict):
 
 
 def _path(path):
-    if path not in _PATHS:
-        raise InvalidValueError(f"unknown path {path!r}: {_korl.near_names(str(path), list(_PATHS), '')}")
+    if text_in(path, "a path") not in _PATHS:
+        raise InvalidValueError(f"unknown path {path!r}: {_korl.near_names(path, list(_PATHS), '')}")
     return _PATHS[path]
 
 
 def _size(width, height):
-    for size in (width, height):
-        if isinstance(size, bool) or not hasattr(size, "__index__"):
-            raise WrongTypeError(f"a picture's size is in whole pixels, found {size!r}")
-        if not 0 < size < 2**31:
-            raise InvalidValueError(f"a picture has at least 1 pixel each way, and not {size}")
-    return width, height
+    return [whole(size, 1, "a picture's size is in whole pixels") for size in (width, height)]
 
 
 def _rows(name, values, type_):
     """An array of rows of three, of a type: where it is one already, in C order, the same array."""
-    array = numpy.asarray(values)
+    array = array_of(values, f"{name} takes an array of N x 3 numbers")
     if array.ndim != 2 or array.shape[1] != 3:
         raise InvalidValueError(f"{name} takes an array of N x 3 numbers, found the shape {array.shape}")
     allowed = "iu" if type_ is numpy.uint32 else "fiu"

@@ -1,7 +1,8 @@
 """Classes that have the attributes that they have, and no others."""
 
 from . import _korl
-from ._errors import UnknownNameError
+from ._errors import ReadOnlyError, UnknownNameError
+from ._values import shown
 
 
 class Strict:
@@ -17,8 +18,13 @@ class Strict:
     def __setattr__(self, name, value):
         if not hasattr(type(self), name):
             raise UnknownNameError(self._refusal(name))
+        if getattr(getattr(type(self), name), "fset", None) is None:
+            raise ReadOnlyError(f'the attribute "{name}" of {type(self).__name__} can be read, but not set')
         super().__setattr__(name, value)
+
+    def __delattr__(self, name):
+        raise ReadOnlyError(f'the attribute "{shown(name)}" of {type(self).__name__} cannot be deleted')
 
     def _refusal(self, name):
         known = [known for known in dir(type(self)) if not known.startswith("_")]
-        return f'{type(self).__name__} has no attribute "{name}": {_korl.near_names(name, known, "")}'
+        return f'{type(self).__name__} has no attribute "{shown(name)}": {_korl.near_names(shown(name), known, "")}'

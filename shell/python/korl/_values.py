@@ -1,6 +1,7 @@
 """Values of parameters: numbers and tuples in Python, text forms in the shell."""
 
 import numbers
+import operator
 import os
 
 import numpy
@@ -23,11 +24,8 @@ def numbers_in(value, count, what):
     """
     if isinstance(value, numpy.ndarray) and (value.ndim == 0) == (count == 1):
         value = value.tolist()
-    parts = [value] if count == 1 else value
-    if isinstance(parts, (str, bytes)) or not hasattr(parts, "__len__") or not hasattr(parts, "__iter__"):
-        raise WrongTypeError(f"{what}, found {value!r}")
-    parts = list(parts)
-    if not all(isinstance(part, numbers.Real) for part in parts):
+    parts = [value] if count == 1 else parts_of(value)
+    if parts is None or not all(isinstance(part, numbers.Real) for part in parts):
         raise WrongTypeError(f"{what}, found {value!r}")
     if len(parts) != count:
         raise InvalidValueError(f"{what}, found {len(parts)} numbers, {value!r}")
@@ -38,6 +36,51 @@ def numbers_in(value, count, what):
     if not numpy.isfinite(found).all():
         raise InvalidValueError(f"{what}, and finite ones, found {value!r}")
     return found
+
+
+def parts_of(value):
+    """The parts of a sequence or an array as a list; None for what is none, or a text."""
+    if isinstance(value, (str, bytes)) or not hasattr(value, "__len__"):
+        return None
+    try:
+        return list(value)
+    except TypeError:  # a class, or an array without dimensions
+        return None
+
+
+def whole(value, least, what, most=2**31 - 1):
+    """A whole number of a range, which is an int's of the shell unless told otherwise."""
+    try:
+        number = operator.index(None if isinstance(value, bool) else value)
+    except TypeError:
+        raise WrongTypeError(f"{what}, found {value!r}") from None
+    if not least <= number <= most:
+        raise InvalidValueError(f"{what}, from {least} to {most}, found {number}")
+    return number
+
+
+def shown(text):
+    """A text as it can be shown: what is no character in it is escaped."""
+    return text.encode(errors="backslashreplace").decode()
+
+
+def text_in(value, what):
+    """A text, with nothing in it that is no character."""
+    if not isinstance(value, str):
+        raise WrongTypeError(f"{what} is a text, found {value!r}")
+    if shown(value) != value:
+        raise InvalidValueError(f"{what} is a text of characters alone, found {value!r}")
+    return value
+
+
+def array_of(values, what):
+    """The numpy array of some values, the same where they are one."""
+    try:
+        return numpy.asarray(values)
+    except ValueError:
+        raise InvalidValueError(f"{what}, found rows of different lengths") from None
+    except Exception as error:
+        raise WrongTypeError(f"{what}, found what is none: {error}") from None
 
 
 def triple(value, what):
@@ -54,9 +97,7 @@ def to_text(kind, value, name):
     """The text form of a value for a parameter of a kind; of another kind than the four only text is taken."""
     if kind in _COUNTS:
         return text_of(numbers_in(value, _COUNTS[kind], f'"{name}" takes {_FORMS[kind]}'))
-    if not isinstance(value, str):
-        raise WrongTypeError(f'"{name}" takes the text form of a {kind}, found {value!r}')
-    return value
+    return text_in(value, f'the value of "{name}", the text form of a {kind},')
 
 
 def from_text(kind, text):
@@ -70,6 +111,11 @@ def from_text(kind, text):
 def path_of(file):
     """A file as the system's text for it; WrongTypeError for what is no path."""
     try:
-        return os.fsdecode(file)
+        path = os.fsdecode(file)
+        if b"\0" in os.fsencode(path):
+            raise InvalidValueError(f"the path of a file has no zero byte, found {file!r}")
     except TypeError:
         raise WrongTypeError(f"expected the path of a file, found {file!r}") from None
+    except UnicodeError:
+        raise InvalidValueError(f"the path of a file is a text of characters, found {file!r}") from None
+    return path

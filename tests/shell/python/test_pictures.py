@@ -136,8 +136,8 @@ class PictureTest(unittest.TestCase):
 
     def test_what_cannot_be_drawn_is_refused(self):
         rows = [
-            (dict(width=0), ValueError, "at least 1 pixel"),
-            (dict(height=-3), ValueError, "at least 1 pixel"),
+            (dict(width=0), ValueError, "whole pixels, from 1 to 2147483647, found 0"),
+            (dict(height=-3), ValueError, "whole pixels, from 1 to 2147483647, found -3"),
             (dict(width=2.5), TypeError, "whole pixels, found 2.5"),
             (dict(width=10**12), ValueError, "pixel"),
             (dict(width=10**9), korl.Error, ""),
