@@ -1,11 +1,16 @@
 // How long frames take: the built-in scene at 640x480 under some AmbientLights, on each path, and what it
-// takes to make the first one. Run it on a release build; compare figures of one run only.
+// takes to make the first one and to load large scene files. Run it on a release build; compare figures of
+// one run only.
 
 #include "shell/plugins/plugin_library.hpp"
 #include "shell/render/renderer.hpp"
 #include "shell/scene/builtin_scene.hpp"
+#include "shell/scene/scene_file.hpp"
 
 #include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
 
 namespace {
 
@@ -56,6 +61,23 @@ void collectLights(benchmark::State& state) {
     }
 }
 
+/// A scene file of so many suns, each with a value of its own and one that follows the first.
+void loadScene(benchmark::State& state) {
+    std::string text = R"({"korl": 1, "objects": [{"type": "Sun", "name": "sun0"})";
+    for (std::int64_t i = 1; i < state.range(0); ++i)
+        text += R"(,{"type": "Sun", "name": "sun)" + std::to_string(i) +
+                R"(", "parameters": {"latitude": "2"}, )" +
+                R"("connections": {"timeofday": {"object": "sun0", "parameter": "timeofday"}}})";
+    text += "]}";
+    for (auto _ : state) {
+        auto scene = std::make_unique<Scene>();
+        korl::readSceneText(text, "scene.json", *scene);
+        state.PauseTiming();
+        scene.reset();
+        state.ResumeTiming();
+    }
+}
+
 BENCHMARK_CAPTURE(steadyFrame, shader, RenderPath::shader)
     ->Arg(1)
     ->Arg(8)
@@ -65,6 +87,7 @@ BENCHMARK_CAPTURE(steadyFrame, shader, RenderPath::shader)
 BENCHMARK_CAPTURE(steadyFrame, fixed, RenderPath::fixed)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
 BENCHMARK(firstFrame)->Arg(1)->Arg(8)->Arg(32)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(collectLights)->Arg(1)->Arg(8)->Arg(1000);
+BENCHMARK(loadScene)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

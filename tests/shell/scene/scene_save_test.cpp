@@ -7,7 +7,6 @@
 #include "shell/scene/scene_file.hpp"
 
 #include <bit>
-#include <ctime>
 #include <gmock/gmock.h>
 #include <limits>
 
@@ -273,12 +272,8 @@ TEST_F(SceneSaveTest, EndlessChainsOfConnectionsAreRefused) {
     }
 }
 
-TEST_F(SceneSaveTest, AHundredThousandObjectsLoadWithinTwoSeconds) {
-#ifdef KORL_SANITIZED
-    constexpr int count = 10000; // time says nothing there
-#else
-    constexpr int count = 100000;
-#endif
+TEST_F(SceneSaveTest, ManyObjectsLoadWithTheirConnectionsAndValues) {
+    constexpr int count = 10000;
     std::string text = R"({"korl": 1, "views": ["left"], "objects": [{"type": "Plain", "name": "p0"})";
     for (int i = 1; i < count; ++i) {
         text += R"(,{"type": "Plain", "name": "p)" + std::to_string(i) +
@@ -286,15 +281,11 @@ TEST_F(SceneSaveTest, AHundredThousandObjectsLoadWithinTwoSeconds) {
                 R"("connections": {"way": {"object": "p0", "parameter": "way"}}})";
     }
     text += "]}";
-    const std::clock_t start = std::clock(); // of this process alone, however busy the machine is
     read(text, scene);
-    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    EXPECT_EQ(scene.objects().size(), std::size_t{count});
-#ifndef KORL_SANITIZED
-    EXPECT_LT(seconds, 2);
-#else
-    (void)seconds;
-#endif
+    ASSERT_EQ(scene.objects().size(), std::size_t{count});
+    const auto& last = scene.object("p" + std::to_string(count - 1));
+    EXPECT_EQ(last.findParameter("way")->source(), scene.object("p0").findParameter("way"));
+    EXPECT_EQ(last.findParameter("strength")->getLocalValue(*scene.view("left").get())->Text(), "3");
 }
 
 } // namespace
