@@ -48,6 +48,7 @@ void GLTest::SetUp() {
 }
 
 void GLTest::TearDown() {
+    glFinish(); // so that the driver's threads are at rest when a leak check looks
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
