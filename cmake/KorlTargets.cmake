@@ -57,6 +57,7 @@ function(korl_test name)
   if(KORL_SANITIZE)
     # Mesa's thread that writes shaders to its cache may still hold memory when the leak check looks.
     set(environment ENVIRONMENT MESA_SHADER_CACHE_DISABLE=true)
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/driver_leaks.cpp)
   endif()
   gtest_discover_tests(${name} TEST_FILTER -*GLTest.* PROPERTIES TIMEOUT 300 ${environment})
   gtest_discover_tests(${name} TEST_FILTER *GLTest.* PROPERTIES LABELS gl TIMEOUT 300 ${environment})
