@@ -1,6 +1,6 @@
 #include "shell/cli/program.hpp"
 
-#include "shell/scene/value_kind.hpp"
+#include "shell/scene/type_info.hpp"
 
 #include <memory>
 
@@ -9,12 +9,10 @@ namespace korl::cli {
 namespace {
 
 /// The range that a parameter declares to editors, such as "-90..90", "..24" or "-" for none.
-std::string rangeOf(const Qelt::VParameter& parameter) {
-    const Qelt::VValueBase* const least = parameter.property("min");
-    const Qelt::VValueBase* const most = parameter.property("max");
-    if (!least && !most)
+std::string rangeOf(const ParameterInfo& parameter) {
+    if (!parameter.minimum && !parameter.maximum)
         return "-";
-    return (least ? least->Text() : "") + ".." + (most ? most->Text() : "");
+    return parameter.minimum.value_or("") + ".." + parameter.maximum.value_or("");
 }
 
 void describeType(Shell& shell, const std::string& type) {
@@ -23,9 +21,9 @@ void describeType(Shell& shell, const std::string& type) {
     std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ",
                 help.c_str());
     std::vector<std::vector<std::string>> rows{{"PARAMETER", "TYPE", "DEFAULT", "RANGE", "LEVEL"}};
-    for (const auto& [parameter, expert_level] : sample.parameters())
-        rows.push_back({parameter->Name(), valueKind(parameter->type()), parameter->DefaultValue().Text(),
-                        rangeOf(*parameter.get()), std::to_string(expert_level)});
+    for (const ParameterInfo& parameter : parametersOf(sample))
+        rows.push_back({parameter.name, parameter.kind, parameter.default_text, rangeOf(parameter),
+                        std::to_string(parameter.expert_level)});
     printTable(rows);
 }
 

@@ -2,6 +2,7 @@
 
 #include "shell/explain/opengl_light.hpp"
 #include "shell/render/uniform_values.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/value_kind.hpp"
 
 #include <sorvik/component_text.hpp>
@@ -158,7 +159,7 @@ void explainLights(const LitScene& at, Explanation& explanation) {
     const FixedLights fixed = setUpFixedLights(at);
     const bool on_fixed = at.path == RenderPath::fixed;
     for (const auto& object : at.scene.objects()) {
-        if (!dynamic_cast<const Qelt::VLightSource*>(object.get()))
+        if (!isLight(*object.get()))
             continue;
         LightExplanation light;
         light.name = object->Name();

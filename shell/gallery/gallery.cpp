@@ -47,7 +47,7 @@ std::filesystem::path writeGallery(Shell& shell, const std::filesystem::path& fo
         throw Error("cannot make the folder " + folder.string() + ": " + problem.message());
     const std::string page = galleryPage(sheets);
     const std::filesystem::path file = folder / "index.html";
-    writeFileAtomically(file, std::span(reinterpret_cast<const std::uint8_t*>(page.data()), page.size()));
+    writeFileAtomically(file, page);
     return file;
 }
 

@@ -1,7 +1,8 @@
 #include "shell/gallery/type_sheet.hpp"
 
 #include "shell/render/xpm.hpp"
-#include "shell/scene/value_kind.hpp"
+#include "shell/scene/light.hpp"
+#include "shell/scene/type_info.hpp"
 
 #include <sorvik/creator.hpp>
 
@@ -14,12 +15,12 @@ namespace {
 using Kind = Qelt::VCreatorPropertyBase::Kind;
 
 /// The range that a parameter declares to editors, in words; empty where it declares none.
-std::string rangeOf(const Qelt::VParameter& parameter) {
-    const Qelt::VValueBase* const least = parameter.property("min");
-    const Qelt::VValueBase* const most = parameter.property("max");
+std::string rangeOf(const ParameterInfo& parameter) {
+    const auto& least = parameter.minimum;
+    const auto& most = parameter.maximum;
     if (least && most)
-        return least->Text() + " to " + most->Text();
-    return least ? "from " + least->Text() : most ? "up to " + most->Text() : "";
+        return *least + " to " + *most;
+    return least ? "from " + *least : most ? "up to " + *most : "";
 }
 
 std::string morePropertiesOf(const Qelt::VParameter& parameter) {
@@ -36,10 +37,10 @@ void describe(const Qelt::VObject& object, TypeSheet& sheet) {
         sheet.category = creator->properties().text(Kind::category);
     if (const char* const* const xpm = object.xpm_icon())
         sheet.icon = decodeXpm(xpm);
-    for (const auto& [parameter, expert_level] : object.parameters())
-        sheet.parameters.push_back({parameter->Name(), valueKind(parameter->type()),
-                                    parameter->DefaultValue().Text(), rangeOf(*parameter.get()), expert_level,
-                                    morePropertiesOf(*parameter.get())});
+    for (const ParameterInfo& parameter : parametersOf(object))
+        sheet.parameters.push_back({parameter.name, parameter.kind, parameter.default_text,
+                                    rangeOf(parameter), parameter.expert_level,
+                                    morePropertiesOf(*object.findParameter(parameter.name))});
 }
 
 void draw(Scene& scene, GLContext& context, int width, int height, TypeSheet& sheet) {
@@ -74,7 +75,7 @@ TypeSheet sheetOf(const std::string& type, Scene& scene, GLContext& context, int
         const Qelt::VObject& object = scene.create(type);
         object_name = object.Name();
         describe(object, sheet);
-        if (dynamic_cast<const Qelt::VLightSource*>(&object))
+        if (isLight(object))
             draw(scene, context, width, height, sheet);
     } catch (const std::exception& error) {
         sheet.failure = error.what();

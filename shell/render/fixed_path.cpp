@@ -2,8 +2,8 @@
 
 #include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
+#include "shell/scene/light.hpp"
 
-#include <doltra/vlight_source.hpp>
 #include <sorvik/creator.hpp>
 
 #include <algorithm>
@@ -162,7 +162,7 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
 }
 
 bool FixedPath::wouldLight(const Qelt::RenderAble& object) const {
-    if (!dynamic_cast<const Qelt::VLightSource*>(&object))
+    if (!isLight(object))
         return false;
     const auto known = my_lighting_types.find(typeOf(object));
     return known == my_lighting_types.end() || known->second;

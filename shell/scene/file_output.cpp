@@ -145,6 +145,10 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
     return true;
 }
 
+void writeFileAtomically(const fs::path& target, std::string_view text) {
+    writeFileAtomically(target, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
 void writeFileAtomically(const fs::path& target, std::span<const std::uint8_t> bytes) {
     const Failure fail(target);
     if (target.empty())

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string_view>
 
 namespace korl {
 
@@ -13,6 +14,7 @@ namespace korl {
 /// device or pipe, which can't be replaced, is written to directly. Throws Error that names the target and
 /// the reason; no temporary file is left then.
 void writeFileAtomically(const std::filesystem::path& target, std::span<const std::uint8_t> bytes);
+void writeFileAtomically(const std::filesystem::path& target, std::string_view text);
 
 /// Writes all bytes to an open file descriptor. @returns false where the system refuses; errno says why.
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes);

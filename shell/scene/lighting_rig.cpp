@@ -1,11 +1,10 @@
 #include "shell/scene/lighting_rig.hpp"
 
 #include "shell/scene/file_output.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
 #include "shell/scene/scene_reader.hpp"
 #include "shell/scene/scene_writer.hpp"
-
-#include <doltra/vlight_source.hpp>
 
 namespace korl {
 
@@ -14,7 +13,7 @@ namespace {
 void removeLights(Scene& scene) {
     std::vector<std::string> lights;
     for (const auto& object : scene.objects())
-        if (dynamic_cast<const Qelt::VLightSource*>(object.get()))
+        if (isLight(*object.get()))
             lights.push_back(object->Name());
     for (const std::string& light : lights)
         scene.remove(light);
@@ -23,8 +22,7 @@ void removeLights(Scene& scene) {
 } // namespace
 
 void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell) {
-    const std::string text = rigText(scene, tell);
-    writeFileAtomically(file, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    writeFileAtomically(file, rigText(scene, tell));
 }
 
 std::string rigText(const Scene& scene, const SceneNotes& tell) {

@@ -1,10 +1,10 @@
 #include "shell/scene/scene.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/near_names.hpp"
 #include "shell/scene/value_kind.hpp"
 
-#include <doltra/vlight_source.hpp>
 #include <sorvik/creator.hpp>
 
 #include <algorithm>
@@ -29,10 +29,6 @@ bool saysNotFinite(const std::string& value_text) {
 unsigned long nextRevision() {
     static std::atomic<unsigned long> latest{0};
     return ++latest;
-}
-
-bool isLight(const VObject& object) {
-    return dynamic_cast<const Qelt::VLightSource*>(&object) != nullptr;
 }
 
 /// The smallest ball around two balls.

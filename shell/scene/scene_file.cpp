@@ -55,7 +55,7 @@ void readSceneText(std::string text, const std::filesystem::path& file, Scene& s
 
 void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell) {
     const std::string text = sceneText(scene, file.parent_path(), tell);
-    writeFileAtomically(file, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    writeFileAtomically(file, text);
 }
 
 std::string sceneText(const Scene& scene, const std::filesystem::path& folder, const SceneNotes& tell) {

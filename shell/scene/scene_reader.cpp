@@ -1,11 +1,11 @@
 #include "shell/scene/scene_reader.hpp"
 
 #include "shell/scene/color_text.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/module_of.hpp"
 #include "shell/scene/near_names.hpp"
 #include "shell/scene/scene.hpp"
 
-#include <doltra/vlight_source.hpp>
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
 
@@ -54,7 +54,7 @@ Camera readCamera(const JsonValue& value, const ScenePlace& place) {
 }
 
 bool makesLights(VCreatorBase& creator) {
-    return dynamic_cast<const Qelt::VLightSource*>(creator.create("").get()) != nullptr;
+    return isLight(*creator.create("").get());
 }
 
 std::string listOf(const std::vector<std::string>& names) {

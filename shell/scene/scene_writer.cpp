@@ -1,11 +1,11 @@
 #include "shell/scene/scene_writer.hpp"
 
 #include "shell/scene/json_layout.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/module_of.hpp"
 #include "shell/scene/saved_value.hpp"
 #include "shell/scene/scene.hpp"
 
-#include <doltra/vlight_source.hpp>
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
 
@@ -70,12 +70,12 @@ SceneWriter::SceneWriter(const Scene& scene, std::filesystem::path folder, const
     : my_scene(scene), my_folder(std::move(folder)), my_tell(tell), my_part(part) {}
 
 bool SceneWriter::takes(const VObject& object) const {
-    return my_part == Part::everything || dynamic_cast<const Qelt::VLightSource*>(&object);
+    return my_part == Part::everything || isLight(object);
 }
 
 bool SceneWriter::hasLightValues(const Qelt::ValuePool& view) const {
     for (const auto& object : my_scene.objects())
-        if (dynamic_cast<const Qelt::VLightSource*>(object.get()))
+        if (isLight(*object.get()))
             for (const auto& [parameter, ignored] : object->parameters())
                 if (view.ownsVariable(*parameter.get()))
                     return true;
