@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/sequence/child_process.hpp"
+#include "shell/base/child_process.hpp"
 #include "shell/sequence/worker_protocol.hpp"
 
 #include <cstddef>

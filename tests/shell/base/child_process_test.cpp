@@ -1,4 +1,4 @@
-#include "shell/sequence/child_process.hpp"
+#include "shell/base/child_process.hpp"
 
 #include "tests/support/temporary_folder.hpp"
 
@@ -51,6 +51,15 @@ TEST_F(ChildProcessTest, EndsWithItsOwner) {
         EXPECT_EQ(process.poll(), std::nullopt);
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
+TEST_F(ChildProcessTest, IsWaitedForNoLongerThanAsked) {
+    ChildProcess sleeper({"sleep", {"60"}});
+    EXPECT_EQ(sleeper.waitFor(std::chrono::milliseconds(20)), std::nullopt);
+    sleeper.kill();
+    const std::optional<int> status = sleeper.waitFor(std::chrono::minutes(1));
+    ASSERT_TRUE(status);
+    EXPECT_EQ(endText(*status), "signal 9 (Killed)");
 }
 
 TEST_F(ChildProcessTest, IsInAGroupOfItsOwn) {

@@ -1,4 +1,4 @@
-#include "shell/sequence/child_process.hpp"
+#include "shell/base/child_process.hpp"
 
 #include "shell/error.hpp"
 
@@ -7,7 +7,9 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -113,6 +115,11 @@ void ChildProcess::terminate() noexcept {
         ::kill(my_id, SIGTERM);
 }
 
+void ChildProcess::kill() noexcept {
+    if (my_id > 0)
+        ::kill(my_id, SIGKILL);
+}
+
 int ChildProcess::wait() noexcept {
     int status = 0;
     while (my_id > 0 && ::waitpid(my_id, &status, 0) < 0 && errno == EINTR) {
@@ -126,6 +133,26 @@ std::optional<int> ChildProcess::poll() noexcept {
     if (my_id > 0 && ::waitpid(my_id, &status, WNOHANG) == 0)
         return std::nullopt;
     my_id = -1;
+    return status;
+}
+
+std::optional<int> ChildProcess::waitFor(std::chrono::milliseconds limit) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + limit;
+    // A descriptor that can be read once the program has ended; -1 for a program that was waited for already.
+    const int descriptor = my_id > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, my_id, 0)) : -1;
+    if (my_id > 0 && descriptor < 0)
+        throw Error(std::string("cannot wait for a program: ") + std::strerror(errno));
+    std::optional<int> status = poll();
+    for (auto left = limit; !status && left.count() > 0;
+         left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())) {
+        pollfd waiting{descriptor, POLLIN, 0};
+        ::poll(&waiting, 1,
+               static_cast<int>(std::min<std::chrono::milliseconds::rep>(left.count(), 1'000'000)));
+        status = poll();
+    }
+    if (descriptor >= 0)
+        ::close(descriptor);
     return status;
 }
 

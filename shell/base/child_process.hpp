@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -34,11 +35,17 @@ public:
     /// Asks the program to end.
     void terminate() noexcept;
 
+    /// Ends the program at once, whatever it does.
+    void kill() noexcept;
+
     /// Waits for the program's end. @returns what `waitpid` tells of it.
     int wait() noexcept;
 
     /// The same without waiting: nothing where the program still runs.
     std::optional<int> poll() noexcept;
+
+    /// The same, but waiting for no longer than `limit`.
+    std::optional<int> waitFor(std::chrono::milliseconds limit);
 
 private:
     pid_t my_id;

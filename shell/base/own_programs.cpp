@@ -1,0 +1,24 @@
+#include "shell/base/own_programs.hpp"
+
+#include "shell/error.hpp"
+
+#include <sorvik/initialization.hpp>
+
+#include <dlfcn.h>
+
+namespace korl {
+
+std::filesystem::path ownProgram(std::string_view name) {
+    // The file that a function of a host library was loaded from tells where the installation is.
+    Dl_info library{};
+    if (::dladdr(reinterpret_cast<const void*>(&VInitialization::initPlugin), &library) == 0)
+        throw Error("cannot find out where the program's own libraries are");
+    const std::filesystem::path program =
+        std::filesystem::absolute(library.dli_fname).parent_path() / "korl" / name;
+    if (!std::filesystem::exists(program))
+        throw Error("a program that belongs to korl is missing: " + program.string() +
+                    "\nInstall korl once more, or build all of it.");
+    return program;
+}
+
+} // namespace korl
