@@ -1,7 +1,7 @@
 #include "shell/sequence/film.hpp"
 
-#include "shell/error.hpp"
 #include "shell/base/child_process.hpp"
+#include "shell/error.hpp"
 
 #include <chrono>
 #include <cstdio>
