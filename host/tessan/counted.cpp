@@ -54,7 +54,8 @@ void ControlBlock::releaseWeak() noexcept {
 }
 
 void ControlBlock::beginDestruction() noexcept {
-    my_strong.fetch_add(being_destroyed, std::memory_order_acq_rel);
+    if (strongCount() >= 0) // else whoever deletes the object has said so already
+        my_strong.fetch_add(being_destroyed, std::memory_order_acq_rel);
 }
 
 void ControlBlock::drop() noexcept {
@@ -79,6 +80,21 @@ void Counted::destroy(Counted* object) noexcept {
         return;
     object->controlBlock().beginDestruction();
     delete object;
+}
+
+void* Counted::destruct(Counted* object) {
+    void* const memory = dynamic_cast<void*>(object); // this base need not lie at its beginning
+    object->controlBlock().beginDestruction();
+    object->~Counted();
+    return memory;
+}
+
+void Counted::operator delete(Counted* object, std::destroying_delete_t) {
+    ::operator delete(destruct(object));
+}
+
+void Counted::operator delete(Counted* object, std::destroying_delete_t, std::align_val_t alignment) {
+    ::operator delete(destruct(object), alignment);
 }
 
 } // namespace Tessan

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <limits>
+#include <new>
 
 namespace Tessan {
 
@@ -67,6 +68,10 @@ private:
 };
 
 /// Base of every object that `StrongPtr` and `WeakPtr` can point to. It carries the control block.
+///
+/// A class that has this base virtually or several times cannot inherit its `operator delete` and declares an
+/// ordinary one of its own. Then pointers and `destroy` still make the strong count negative, `delete` does
+/// not.
 class TESSAN_EXPORT Counted {
 public:
     Counted();
@@ -85,11 +90,24 @@ public:
     /// Deletes an object in spite of the strong pointers that hold it. They learn that it is gone.
     static void destroy(Counted* object) noexcept;
 
+    /// What `delete` calls instead of the destructor, so that the strong count is negative before it begins.
+    static void operator delete(Counted* object, std::destroying_delete_t);
+    static void operator delete(Counted* object, std::destroying_delete_t, std::align_val_t alignment);
+
+    /// Gives the memory back when a constructor throws.
+    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+    static void operator delete(void* memory, std::align_val_t alignment) noexcept {
+        ::operator delete(memory, alignment);
+    }
+
 protected:
     /// Makes the object its own owner: no pointer that goes deletes it. For objects that are not on the heap.
     void ownItself() noexcept { my_block->my_strong.fetch_add(1, std::memory_order_relaxed); }
 
 private:
+    /// Destroys an object. @returns the memory that it had.
+    static void* destruct(Counted* object);
+
     ControlBlock* my_block;
 };
 

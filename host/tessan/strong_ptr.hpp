@@ -4,6 +4,7 @@
 #include <tessan/forward.hpp>
 #include <tessan/speak_ptr.hpp>
 
+#include <compare>
 #include <cstddef>
 #include <type_traits>
 #include <typeinfo>
@@ -53,9 +54,11 @@ public:
             my_block->releaseStrong();
     }
 
+    /// The pointer takes a fresh serial, that of the copy.
     StrongPtr& operator=(StrongPtr other) noexcept {
         std::swap(my_object, other.my_object);
         std::swap(my_block, other.my_block);
+        my_serial = other.my_serial;
         return *this;
     }
 
@@ -72,11 +75,21 @@ public:
         return object;
     }
 
-    /// The number that this pointer took from `PointerID` when it was made.
+    /// The object, which must be there: where there is none, that is reported, and the reference is to
+    /// nothing.
+    T& operator*() const noexcept { return *operator->(); }
+
+    /// The number that this pointer took from `PointerID` when it was made or assigned to.
     std::uint64_t serial() const noexcept { return my_serial; }
 
     friend bool operator==(const StrongPtr& a, const StrongPtr& b) noexcept { return a.get() == b.get(); }
     friend bool operator==(const StrongPtr& a, std::nullptr_t) noexcept { return !a; }
+
+    /// An order for keys of maps and sets: by object, and it stays the same when the object goes. Pointers
+    /// that were made for different objects then still differ in it, while both equal null.
+    friend std::strong_ordering operator<=>(const StrongPtr& a, const StrongPtr& b) noexcept {
+        return std::compare_three_way()(a.my_block, b.my_block);
+    }
 
 private:
     template <class, class>

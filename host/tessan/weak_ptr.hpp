@@ -24,14 +24,20 @@ public:
     requires std::is_convertible_v<U*, T*> WeakPtr(const StrongPtr<U, UBase>& other)
     noexcept : WeakPtr(other.get()) {}
 
+    template <class U, class UBase>
+    requires std::is_convertible_v<U*, T*> WeakPtr(const WeakPtr<U, UBase>& other)
+    noexcept : WeakPtr(other.get()) {}
+
     ~WeakPtr() {
         if (my_block)
             my_block->releaseWeak();
     }
 
+    /// The pointer takes a fresh serial, that of the copy.
     WeakPtr& operator=(WeakPtr other) noexcept {
         std::swap(my_object, other.my_object);
         std::swap(my_block, other.my_block);
+        my_serial = other.my_serial;
         return *this;
     }
 
@@ -48,6 +54,10 @@ public:
         return object;
     }
 
+    /// The object, which must be there: where there is none, that is reported, and the reference is to
+    /// nothing.
+    T& operator*() const noexcept { return *operator->(); }
+
     /// A strong pointer to the object, or one that holds nothing if the object is gone or being destroyed.
     StrongPtr<T, Base> lock() const noexcept {
         StrongPtr<T, Base> strong;
@@ -58,8 +68,16 @@ public:
         return strong;
     }
 
-    /// The number that this pointer took from `PointerID` when it was made.
+    /// The number that this pointer took from `PointerID` when it was made or assigned to.
     std::uint64_t serial() const noexcept { return my_serial; }
+
+    friend bool operator==(const WeakPtr& a, const WeakPtr& b) noexcept { return a.get() == b.get(); }
+    friend bool operator==(const WeakPtr& a, std::nullptr_t) noexcept { return !a; }
+
+    /// An order for keys of maps and sets, as that of `StrongPtr`.
+    friend std::strong_ordering operator<=>(const WeakPtr& a, const WeakPtr& b) noexcept {
+        return std::compare_three_way()(a.my_block, b.my_block);
+    }
 
 private:
     void look(T* object, ControlBlock* block) noexcept {
