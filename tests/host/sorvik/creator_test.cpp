@@ -214,8 +214,7 @@ TEST(Sink, AddsTheInputsOfTheDeclaredType) {
     const Pointer offered;
     const auto object = creator.create("o", nullptr, {});
     EXPECT_EQ(object->accept(offered),
-              (AcceptList{{"strength", "double"},
-                          {"place", "Orvid::Coordinates<Orvid::Cartesian3D, double>::point"}}));
+              (AcceptList{{"strength", "double"}, {"place", "Orvid::PhysicalSpace::point"}}));
 }
 
 TEST(Sink, MergesWithoutRepeating) {

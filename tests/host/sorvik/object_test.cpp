@@ -20,8 +20,8 @@ using testing::ElementsAre;
 
 const AcceptList all_inputs{{"strength", "double"},
                             {"tint", "Orvid::rgba_float_t"},
-                            {"place", "Orvid::Coordinates<Orvid::Cartesian3D, double>::point"},
-                            {"way", "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector"}};
+                            {"place", "Orvid::PhysicalSpace::point"},
+                            {"way", "Orvid::PhysicalSpace::vector"}};
 
 TEST(Object, BaseHasNoIconsNoHelpAndNoKey) {
     const PlainObject object("o");

@@ -79,8 +79,8 @@ using testing::ElementsAre;
 TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
     korl::test::LoadedModule module;
     const std::string color = "Orvid::rgba_float_t", number = "double";
-    const std::string point = "Orvid::Coordinates<Orvid::Cartesian3D, double>::point";
-    const std::string vector = "Orvid::Coordinates<Orvid::Cartesian3D, double>::vector";
+    const std::string point = "Orvid::PhysicalSpace::point";
+    const std::string vector = "Orvid::PhysicalSpace::vector";
     const auto made = [](const std::string& creator) {
         return "Vprintf 100 VCreator::VCreator(" + creator + ")\n";
     };
