@@ -26,6 +26,15 @@ std::string toText(std::span<const Number> components) {
 }
 
 template <class Number>
+bool readNumber(Number& number, std::string_view word) {
+    if (word.starts_with('+') && !word.starts_with("+-"))
+        word.remove_prefix(1); // std::from_chars knows no plus sign
+    const char* const end = word.data() + word.size();
+    const auto result = std::from_chars(word.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+template <class Number>
 bool fromText(std::span<Number> components, std::string_view text) {
     std::array<Number, most_components> read{};
     if (components.size() > most_components)
@@ -33,9 +42,7 @@ bool fromText(std::span<Number> components, std::string_view text) {
     for (std::size_t i = 0; i < components.size(); ++i) {
         text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
         const std::string_view word = text.substr(0, text.find_first_of(blanks));
-        const char* const end = word.data() + word.size();
-        const auto result = std::from_chars(word.data(), end, read[i]);
-        if (result.ec != std::errc() || result.ptr != end)
+        if (!readNumber(read[i], word))
             return false;
         text.remove_prefix(word.size());
     }

@@ -14,7 +14,8 @@ SORVIK_EXPORT std::string componentsToText(std::span<const double> components);
 SORVIK_EXPORT std::string componentsToText(std::span<const float> components);
 
 /// Reads exactly as many numbers as there are `components`, separated by blanks, tabs or line breaks, which
-/// may also stand before and after them. Each number is rounded to the nearest value of its type.
+/// may also stand before and after them. A number may begin with a plus sign. Each is rounded to the nearest
+/// value of its type.
 /// @returns false for any other text, a number beyond the range of the type included; the components then
 /// keep
 ///          their values.

@@ -10,6 +10,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -48,9 +49,34 @@ TEST(DoubleText, InfinitiesAndNotANumberRoundTrip) {
     }
 }
 
+TEST(DoubleText, MayBeginWithAPlusSign) {
+    for (const auto& [text, number] : {std::pair<const char*, double>{"+20", 20},
+                                       {"+.5", 0.5},
+                                       {" +1e+3 ", 1000},
+                                       {"+0", 0},
+                                       {"+inf", std::numeric_limits<double>::infinity()}}) {
+        double value = 42;
+        EXPECT_TRUE(VValueTrait<double>::setValueFromText(value, text)) << text;
+        EXPECT_EQ(value, number) << text;
+        EXPECT_FALSE(std::signbit(value)) << text;
+    }
+}
+
+TEST(ComponentText, MayBeginWithPlusSigns) {
+    rgba_float_t color;
+    EXPECT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "+0.2 +0.4 0.8 +0.3"));
+    EXPECT_EQ(color, (rgba_float_t{0.2f, 0.4f, 0.8f, 0.3f}));
+    PhysicalSpace::point point;
+    EXPECT_TRUE(VValueTrait<PhysicalSpace::point>::setValueFromText(point, "+1 -2 +3"));
+    EXPECT_EQ(point, (PhysicalSpace::point{1, -2, 3}));
+    PhysicalSpace::vector vector;
+    EXPECT_TRUE(VValueTrait<PhysicalSpace::vector>::setValueFromText(vector, "0 +0.5 +1"));
+    EXPECT_EQ(vector, (PhysicalSpace::vector{0, 0.5, 1}));
+}
+
 TEST(DoubleText, MalformedTextIsRefusedAndChangesNothing) {
-    for (const char* const text :
-         {"", " ", "x", "1x", "1 2", "1,5", "--1", "+1", "0x10", "1e", "1e400", "1e-400", "1 x"}) {
+    for (const char* const text : {"", " ", "x", "1x", "1 2", "1,5", "--1", "++1", "+-1", "-+1", "+", "+ 1",
+                                   "1+", "0x10", "1e", "1e400", "1e-400", "1 x"}) {
         double value = 42;
         EXPECT_FALSE(VValueTrait<double>::setValueFromText(value, text)) << text;
         EXPECT_EQ(value, 42) << text;
