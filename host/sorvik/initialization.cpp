@@ -24,6 +24,11 @@ bool VInitialization::IsCompatible(const char* version_key) const {
 }
 
 void VInitialization::initPlugin(int reason, const char* name, const char* version_key) {
+    if (!name || !version_key) {
+        Qelt::Vprintf(0, "VInitialization: module %s gave no %s, so its call with the reason %d is ignored\n",
+                      name ? name : "(unknown)", name ? "interface key" : "name", reason);
+        return;
+    }
     auto& announced = announcedPlugins();
     if (reason == loading) {
         announced.push_back({name, version_key});

@@ -38,8 +38,8 @@ public:
     virtual bool IsCompatible(const char* version_key) const;
 
     /// A module says that it comes (reason `loading`) or goes (reason `unloading`). Both strings are copied.
-    /// An unknown reason, and a module that goes without having come, are reported with `Vprintf` at
-    /// verbosity 0.
+    /// A name or a key that is null, an unknown reason, and a module that goes without having come change
+    /// nothing and are reported with `Vprintf` at verbosity 0.
     static void initPlugin(int reason, const char* name, const char* version_key);
 
     /// The modules that have come and not gone, in the order in which they came.

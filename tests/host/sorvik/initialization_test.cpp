@@ -49,6 +49,27 @@ TEST(Initialization, ReportsWhatDoesNotFit) {
               "VInitialization: module stranger gave the unknown reason 7\n");
 }
 
+TEST(Initialization, RefusesNullNamesAndKeys) {
+    VInitialization::initPlugin(0, "module", "KEY");
+    testing::internal::CaptureStdout();
+    VInitialization::initPlugin(0, nullptr, "KEY");
+    VInitialization::initPlugin(0, "other", nullptr);
+    VInitialization::initPlugin(0, nullptr, nullptr);
+    VInitialization::initPlugin(1, nullptr, "KEY");
+    VInitialization::initPlugin(1, "module", nullptr);
+    std::fflush(stdout);
+    EXPECT_EQ(
+        testing::internal::GetCapturedStdout(),
+        "VInitialization: module (unknown) gave no name, so its call with the reason 0 is ignored\n"
+        "VInitialization: module other gave no interface key, so its call with the reason 0 is ignored\n"
+        "VInitialization: module (unknown) gave no name, so its call with the reason 0 is ignored\n"
+        "VInitialization: module (unknown) gave no name, so its call with the reason 1 is ignored\n"
+        "VInitialization: module module gave no interface key, so its call with the reason 1 is ignored\n");
+    EXPECT_THAT(announced(), testing::ElementsAre("module@KEY"));
+    VInitialization::initPlugin(1, "module", "KEY");
+    EXPECT_THAT(announced(), testing::IsEmpty());
+}
+
 TEST(Vprintf, ShowsWhatTheVerbosityAllows) {
     testing::internal::CaptureStdout();
     Qelt::setVerbosity(50);
