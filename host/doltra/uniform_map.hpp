@@ -10,6 +10,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -44,14 +45,32 @@ using UniformValue = std::variant<int,                                          
 /// keep their literal "$$", which the renderer replaces.
 using UniformMap = std::map<std::string, UniformValue, std::less<>>;
 
+/// A value as the map takes it: colours and vectors turn into the arrays that stand for them.
+template <class Value>
+decltype(auto) asUniform(Value&& value) {
+    using Given = std::remove_cvref_t<Value>;
+    if constexpr (std::is_same_v<Given, Orvid::rgba_float_t>)
+        return Orvid::FixedArray<float, 4>{value.r, value.g, value.b, value.a};
+    else if constexpr (std::is_same_v<Given, Orvid::PhysicalSpace::vector>)
+        return Orvid::FixedArray<double, 3>{value.x, value.y, value.z};
+    else
+        return std::forward<Value>(value);
+}
+
 /// Sets an entry of the map. One that is missing is inserted; one of another alternative is replaced.
 template <class Value>
 void writeUniform(UniformMap& map, std::string_view name, Value&& value) {
-    const auto entry = map.lower_bound(name);
-    if (entry != map.end() && entry->first == name)
-        entry->second = std::forward<Value>(value);
-    else
-        map.emplace_hint(entry, name, std::forward<Value>(value));
+    using Given = decltype(asUniform(std::forward<Value>(value)));
+    constexpr bool takes = std::is_constructible_v<UniformValue, Given>;
+    static_assert(takes, "writeUniform takes the types of UniformValue, colours (Orvid::rgba_float_t) and "
+                         "vectors (Orvid::PhysicalSpace::vector), nothing else");
+    if constexpr (takes) {
+        const auto entry = map.lower_bound(name);
+        if (entry != map.end() && entry->first == name)
+            entry->second = asUniform(std::forward<Value>(value));
+        else
+            map.emplace_hint(entry, name, asUniform(std::forward<Value>(value)));
+    }
 }
 
 } // namespace Qelt::RenderNamespace

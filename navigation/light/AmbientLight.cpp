@@ -78,7 +78,7 @@ public:
     /// Writes the uniform of the request's context.
     bool update(VRequest& request, double) override {
         const rgba_float_t color = readColor(request.pool());
-        writeUniform(lightSource(request.pool())->uniforms(), intensity_uniform, floatColor(color));
+        writeUniform(lightSource(request.pool())->uniforms(), intensity_uniform, color);
         return true;
     }
 
@@ -88,10 +88,10 @@ public:
 
     /// The fixed-function light: all of it in the ambient term.
     bool environment_render(VRenderContext& context) const override {
-        rgba_float_t color = readColor(context.pool());
-        color.a = 1; // whatever the parameter's alpha; the uniform keeps it
+        const rgba_float_t color = readColor(context.pool());
         const GLenum light = openGLLight(context);
-        const FloatColor ambient = floatColor(color), none{0, 0, 0, 0};
+        // Alpha is 1, whatever the parameter's; the uniform keeps it.
+        const FloatColor ambient{color.r, color.g, color.b, 1}, none{0, 0, 0, 0};
 
         glLightfv(light, GL_AMBIENT, ambient.data());
         glLightfv(light, GL_DIFFUSE, none.data());

@@ -90,7 +90,7 @@ public:
             uniforms, intensity_uniform,
             FloatColor{intensity * color.r, intensity * color.g, intensity * color.b, intensity * color.a});
         writeUniform(uniforms, specular_uniform, FloatColor{specular, specular, specular, 1});
-        writeUniform(uniforms, direction_uniform, Orvid::FixedArray<double, 3>{d.x, d.y, d.z});
+        writeUniform(uniforms, direction_uniform, d);
     }
 
     /// The fixed-function light: at infinity, where the light comes from.

@@ -128,7 +128,7 @@ public:
 private:
     /// The way the light travels: the midnight direction (0, sin φ, cos φ) turned by the hour angle t about
     /// the axis of the celestial pole, (0, −cos φ, sin φ). It has unit length up to rounding.
-    Orvid::FixedArray<double, 3> direction(ValuePool& pool) const {
+    PhysicalSpace::vector direction(ValuePool& pool) const {
         // Only held values count here, while the strengths may be computed ones.
         const double phi = readOr<VValue<double>>(latitude_default, my_latitude, pool) * radians_per_degree;
         const double t = readOr<VValue<double>>(time_of_day_default, my_time_of_day, pool) * radians_per_hour;

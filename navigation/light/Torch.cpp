@@ -122,7 +122,7 @@ public:
         writeUniform(uniforms, specular_uniform, FloatColor{specular, specular, specular, 1});
         writeUniform(uniforms, location_uniform, location);
         // Always along +z, whatever "up" says.
-        writeUniform(uniforms, elevation_uniform, Orvid::FixedArray<double, 3>{0, 0, elevation});
+        writeUniform(uniforms, elevation_uniform, PhysicalSpace::vector{0, 0, elevation});
         writeUniform(uniforms, scale_distance_uniform, scale_distance);
     }
 

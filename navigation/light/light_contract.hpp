@@ -22,10 +22,6 @@ constexpr int light_priority = -199990;
 /// A colour as the uniform map and `glLightfv` take it: red, green, blue, alpha.
 using FloatColor = Orvid::FixedArray<float, 4>;
 
-inline FloatColor floatColor(const Orvid::rgba_float_t& color) {
-    return {color.r, color.g, color.b, color.a};
-}
-
 /// Reads a slot in a context. `Held` says what kind of value is taken: `VValue<T>` one that is held as such
 /// or derived from it, `VTypedValueBase<T>` any value of type `T`, a computed one too.
 /// @returns `fallback` if the slot holds no live parameter, or its value is of another kind or cannot be
