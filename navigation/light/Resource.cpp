@@ -20,17 +20,20 @@ namespace {
 
 constexpr int format_version = 3; ///< since Qt 5.13
 
+void registerData() {
+    QT_PREPEND_NAMESPACE(qRegisterResourceData)(format_version, resource_tree, resource_names, resource_data);
+}
+
+void unregisterData() {
+    QT_PREPEND_NAMESPACE(qUnregisterResourceData)
+    (format_version, resource_tree, resource_names, resource_data);
+}
+
 class ResourceUnit final : public Unit {
 public:
-    ResourceUnit() {
-        QT_PREPEND_NAMESPACE(qRegisterResourceData)
-        (format_version, resource_tree, resource_names, resource_data);
-    }
+    ResourceUnit() { registerData(); }
     /// An exception on the way out ends the process.
-    ~ResourceUnit() noexcept override {
-        QT_PREPEND_NAMESPACE(qUnregisterResourceData)
-        (format_version, resource_tree, resource_names, resource_data);
-    }
+    ~ResourceUnit() noexcept override { unregisterData(); }
 };
 
 } // namespace
@@ -39,18 +42,18 @@ std::unique_ptr<Unit> registerResource() {
     return std::make_unique<ResourceUnit>();
 }
 
-// The two functions with which Qt programs register and withdraw a library's resource once more. Nothing in
-// the module calls them, and its optimiser must not take them away.
+} // namespace tovek
+
+// The two functions with which Q_INIT_RESOURCE(tovek_light) and Q_CLEANUP_RESOURCE(tovek_light) register and
+// withdraw a library's resource once more: in the global namespace, where the macros look for them. Nothing
+// in the module calls them, and its optimiser must not take them away.
 
 [[gnu::used]] int qInitResources_tovek_light() {
-    QT_PREPEND_NAMESPACE(qRegisterResourceData)(format_version, resource_tree, resource_names, resource_data);
+    tovek::registerData();
     return 1;
 }
 
 [[gnu::used]] int qCleanupResources_tovek_light() {
-    QT_PREPEND_NAMESPACE(qUnregisterResourceData)
-    (format_version, resource_tree, resource_names, resource_data);
+    tovek::unregisterData();
     return 1;
 }
-
-} // namespace tovek

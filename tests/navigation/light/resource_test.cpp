@@ -56,14 +56,20 @@ bool qUnregisterResourceData(int version, const unsigned char* tree, const unsig
     return libraryFunction("_Z23qUnregisterResourceDataiPKhS0_S0_")(version, tree, names, data);
 }
 
-namespace tovek {
-
 // Defined in Resource.cpp, which is linked into this program as well.
+namespace tovek {
 std::unique_ptr<Unit> registerResource();
+}
 int qInitResources_tovek_light();
 int qCleanupResources_tovek_light();
 
-} // namespace tovek
+// Qt's macros work in the global namespace alone.
+static void initResource() {
+    Q_INIT_RESOURCE(tovek_light);
+}
+static void cleanupResource() {
+    Q_CLEANUP_RESOURCE(tovek_light);
+}
 
 namespace {
 
@@ -207,9 +213,9 @@ TEST(Resource, IsWithdrawnAsItWasRegistered) {
 TEST(Resource, UnitAndFunctionsRegisterTheSameData) {
     calls.clear();
     tovek::registerResource().reset();
-    EXPECT_EQ(tovek::qInitResources_tovek_light(), 1);
+    EXPECT_EQ(qInitResources_tovek_light(), 1);
     EXPECT_TRUE(QFile::exists(path));
-    EXPECT_EQ(tovek::qCleanupResources_tovek_light(), 1);
+    EXPECT_EQ(qCleanupResources_tovek_light(), 1);
     EXPECT_FALSE(QFile::exists(path));
     std::vector<std::string> names;
     names.reserve(calls.size());
@@ -225,9 +231,9 @@ TEST(Resource, UnitAndFunctionsRegisterTheSameData) {
 
 TEST(Resource, CanBeRegisteredOnceMore) {
     const auto unit = tovek::registerResource();
-    EXPECT_EQ(tovek::qCleanupResources_tovek_light(), 1);
+    cleanupResource();
     EXPECT_FALSE(QFile::exists(path));
-    EXPECT_EQ(tovek::qInitResources_tovek_light(), 1);
+    initResource();
     EXPECT_TRUE(QFile::exists(path));
 }
 
