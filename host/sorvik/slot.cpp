@@ -1,7 +1,9 @@
 #include <sorvik/slot.hpp>
 
 #include <sorvik/slot_container.hpp>
+#include <tessan/speak_ptr.hpp>
 
+#include <cstdio>
 #include <utility>
 
 namespace Qelt {
@@ -23,6 +25,15 @@ const VValueBase* VSlot::getValueBase(ValuePool& pool) const {
 bool VSlot::connect(const Tessan::StrongPtr<VParameter>& source) {
     VParameter* const held = parameter();
     return held && held->setSource(source);
+}
+
+void VSlot::reportMissingCreators() const {
+    std::puts("Typeslot has a problem, its creators were not registered!?");
+    const std::type_info& owner = typeid(my_container);
+    Tessan::SpeakPtr::theSpeaker().printRS(
+        "slot \"" + my_name + "\" of " + Tessan::Typename(owner) + " takes a " + Tessan::Typename(my_type) +
+            ", whose slot creator " + Tessan::libraryOf(owner).file + " has not registered",
+        "~TypedSlot()");
 }
 
 } // namespace Qelt

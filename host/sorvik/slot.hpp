@@ -36,6 +36,10 @@ public:
 protected:
     void hold(VParameter* parameter) noexcept { my_parameter = Tessan::WeakPtr<VParameter>(parameter); }
 
+    /// Warns that the creators of the slot's type were not registered: a fixed line on standard output, then
+    /// which slot that is.
+    void reportMissingCreators() const;
+
 private:
     VSlotContainer& my_container;
     std::string my_name;

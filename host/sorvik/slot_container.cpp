@@ -3,6 +3,7 @@
 #include <sorvik/connectable.hpp>
 #include <sorvik/slot.hpp>
 #include <tessan/speak_ptr.hpp>
+#include <tessan/typename.hpp>
 
 #include <algorithm>
 
@@ -72,6 +73,20 @@ Tessan::StrongPtr<VParameter> VSlotGlobals::addParameter(VSlotContainer& contain
         }
     container.my_parameters.push_back({parameter, expert_level});
     return parameter;
+}
+
+std::string VSlotGlobals::conversionFailure(const VParameter& held, const std::type_info& value,
+                                            const std::type_info& expected) {
+    using Tessan::libraryOf, Tessan::Typename;
+    const std::string parameter = "parameter \"" + held.Name() + "\" ";
+    const std::string wanted = Typename(value), found = Typename(held.type());
+    if (found != wanted)
+        return parameter + "is no " + wanted + " but a " + found;
+    const std::string wanted_class = Typename(expected), found_class = Typename(typeid(held));
+    if (found_class != wanted_class)
+        return parameter + "has a " + wanted + ", but is a " + found_class + ", not a " + wanted_class;
+    return parameter + "is a " + wanted + " of " + libraryOf(held.type()).file + ", not the one of " +
+           libraryOf(value).file;
 }
 
 void VSlotGlobals::assertionFail(const std::string& message, const char* place) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <vector>
 
 namespace Qelt {
@@ -70,6 +71,11 @@ public:
                                                       int expert_level,
                                                       const Tessan::StrongPtr<VParameter>& parameter,
                                                       bool replace = false);
+
+    /// Why a parameter cannot be held by a slot: it is no parameter of class `expected`, whose values are of
+    /// type `value`.
+    static std::string conversionFailure(const VParameter& held, const std::type_info& value,
+                                         const std::type_info& expected);
 
     /// Reports a failed expectation through the pointer diagnostics (`SpeakPtr::printRS`), naming the place.
     static void assertionFail(const std::string& message, const char* place);

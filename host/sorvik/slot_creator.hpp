@@ -14,6 +14,12 @@ namespace Qelt {
 
 class VObject;
 
+/// Whether slot creators for `T` have been registered by the library that asks: each one has a flag of its
+/// own. Set by the module that registers them, once and for all: slots are torn down even after the creators
+/// were withdrawn.
+template <class T>
+[[gnu::visibility("hidden")]] inline constinit std::atomic<bool> slot_creators_registered{false};
+
 /// Makes slots of one value type at run time, for inputs that an object gets by the name of their type
 /// (`VObject::InputCreation`). Several creators may be registered for a type; the first one serves.
 class SORVIK_EXPORT TypedSlotCreator {
@@ -44,6 +50,11 @@ public:
 
     /// How many creators are registered for a type.
     static std::size_t count(const std::type_info& type);
+
+protected:
+    /// Stands for the flag of a library in slots that a creator makes: these have one, wherever it comes
+    /// from.
+    static const std::atomic<bool> its_slots_have_one;
 };
 
 } // namespace Qelt

@@ -4,10 +4,8 @@
 #include <sorvik/object.hpp>
 #include <sorvik/slot.hpp>
 #include <sorvik/slot_creator.hpp>
-#include <tessan/typename.hpp>
 
 #include <atomic>
-#include <cstdio>
 #include <string>
 
 namespace Qelt {
@@ -16,17 +14,16 @@ namespace Qelt {
 template <class T>
 class TypedSlot final : public VSlot {
 public:
-    /// Whether slot creators for `T` have been registered. Set by the module that registers them, once and
-    /// for all: slots are torn down even after the creators were withdrawn.
-    static std::atomic<bool> creators_registered;
-
     /// @param that the object that gets the parameter, unless it holds one of that name already.
     /// @param initialValue the parameter's default; the object's creation preferences may ask for another
     /// first value.
     /// @param expertLevel 0 is for every user; the higher, the more expert.
+    /// @param creators_registered the flag of the library that the object belongs to: the default is that of
+    /// the caller.
     /// A parameter of another type that holds the name already is reported; the slot then holds none.
-    TypedSlot(VObject* that, const std::string& name, const T& initialValue, int expertLevel = 0)
-        : VSlot(*that, name, typeid(T)) {
+    TypedSlot(VObject* that, const std::string& name, const T& initialValue, int expertLevel = 0,
+              const std::atomic<bool>& creators_registered = slot_creators_registered<T>)
+        : VSlot(*that, name, typeid(T)), my_creators_registered(creators_registered) {
         const auto made = Tessan::makeStrong<VValueParameter<T>>(initialValue, name, that->preferences());
         made->setCreator(that);
         const auto held = VSlotGlobals::addParameter(*that, name, expertLevel, made);
@@ -34,22 +31,22 @@ public:
         if (typed)
             hold(typed);
         else
-            VSlotGlobals::assertionFail("parameter \"" + name + "\" is no " + Tessan::Typename(typeid(T)) +
-                                            " but a " + Tessan::Typename(held->type()),
-                                        "TypedSlot(VObject*that, const string&name, const T&initialValue, "
-                                        "int expertLevel");
+            VSlotGlobals::assertionFail(
+                VSlotGlobals::conversionFailure(*held, typeid(T), typeid(VValueParameter<T>)),
+                "TypedSlot(VObject*that, const string&name, const T&initialValue, "
+                "int expertLevel");
     }
 
     ~TypedSlot() override {
-        if (creators_registered.load(std::memory_order_relaxed))
+        if (my_creators_registered.load(std::memory_order_relaxed))
             TypedSlotCreator::InternalTypeCreatorAccessory.fetch_add(1, std::memory_order_relaxed);
         else
-            std::puts("Typeslot has a problem, its creators were not registered!?");
+            reportMissingCreators();
     }
-};
 
-template <class T>
-std::atomic<bool> TypedSlot<T>::creators_registered{false};
+private:
+    const std::atomic<bool>& my_creators_registered;
+};
 
 /// Makes slots of type `T` by the name of the type.
 template <class T>
@@ -57,7 +54,7 @@ class TypedSlotCreatorOf final : public TypedSlotCreator {
 public:
     std::unique_ptr<VSlot> createSlot(VObject& object, const std::string& name,
                                       int expert_level) const override {
-        return std::make_unique<TypedSlot<T>>(&object, name, T(), expert_level);
+        return std::make_unique<TypedSlot<T>>(&object, name, T(), expert_level, its_slots_have_one);
     }
 };
 

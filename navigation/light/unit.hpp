@@ -47,7 +47,7 @@ private:
             if constexpr (has_value_creator)
                 Qelt::VValueCreator::registerCreator(value_creator.emplace(), name);
             Qelt::TypedSlotCreator::registerTypedSlotCreator(typeid(T), slot_creator, name);
-            Qelt::TypedSlot<T>::creators_registered = true;
+            Qelt::slot_creators_registered<T> = true;
         }
         ~Registration() { Qelt::TypedSlotCreator::unregisterTypedSlotCreator(typeid(T), slot_creator, name); }
         Registration(const Registration&) = delete;

@@ -30,7 +30,7 @@ bool isFirst() {
 struct Moody : Qelt::RenderAble {
     Moody(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : RenderAble(name, 0, preferences) {
-        Qelt::TypedSlot<double>::creators_registered = true;
+        Qelt::slot_creators_registered<double> = true;
         enableRequestProcessing();
     }
 

@@ -3,6 +3,7 @@
 #include "tests/support/computed_value.hpp"
 #include "tests/support/gl_recorder.hpp"
 #include "tests/support/module_light.hpp"
+#include "tests/support/plain_object.hpp"
 
 #include <orvid/fixed_array.hpp>
 #include <orvid/physical_space.hpp>
@@ -32,7 +33,7 @@ struct ParameterRow {
 /// A light of the module, with what the tests of every type ask of it.
 class LightTest : public testing::Test {
 protected:
-    explicit LightTest(const std::string& type) : light(type) {}
+    explicit LightTest(const std::string& type) : light(type) { acknowledgeSlotCreators(); }
 
     void set(const std::string& parameter, const std::string& text) {
         ASSERT_TRUE(light.parameter(parameter).setGlobalValueFromText(text)) << parameter << " = " << text;

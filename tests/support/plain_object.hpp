@@ -13,10 +13,10 @@ namespace korl::test {
 
 /// Makes known that slot creators exist, as modules do at load, so that slots are torn down without a word.
 inline void acknowledgeSlotCreators() {
-    Qelt::TypedSlot<double>::creators_registered = true;
-    Qelt::TypedSlot<Orvid::rgba_float_t>::creators_registered = true;
-    Qelt::TypedSlot<Orvid::PhysicalSpace::point>::creators_registered = true;
-    Qelt::TypedSlot<Orvid::PhysicalSpace::vector>::creators_registered = true;
+    Qelt::slot_creators_registered<double> = true;
+    Qelt::slot_creators_registered<Orvid::rgba_float_t> = true;
+    Qelt::slot_creators_registered<Orvid::PhysicalSpace::point> = true;
+    Qelt::slot_creators_registered<Orvid::PhysicalSpace::vector> = true;
 }
 
 /// An object with a parameter of each of the four value types.

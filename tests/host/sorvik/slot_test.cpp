@@ -71,13 +71,18 @@ TEST(TypedSlot, CountsItsEndWhereCreatorsWereRegistered) {
 
 TEST(TypedSlot, WarnsOnStandardOutputWhereNoneWere) {
     PlainObject object("o");
+    korl::test::HeardReports heard;
     testing::internal::CaptureStdout();
-    TypedSlot<double>::creators_registered = false;
+    Qelt::slot_creators_registered<double> = false;
     { const TypedSlot<double> slot(&object, "more", 1.0, 0); }
-    TypedSlot<double>::creators_registered = true;
+    Qelt::slot_creators_registered<double> = true;
     std::fflush(stdout);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Typeslot has a problem, its creators were not registered!?\n");
+    EXPECT_THAT(heard.places, ElementsAre("~TypedSlot()"));
+    EXPECT_THAT(heard.messages,
+                ElementsAre("slot \"more\" of korl::test::PlainObject takes a double, whose slot creator " +
+                            Tessan::libraryOf(typeid(PlainObject)).file + " has not registered"));
 }
 
 TEST(SlotGlobals, ReplacesAParameterOnlyWhereTheObjectAllows) {
