@@ -1,6 +1,11 @@
 #include <doltra/light_source.hpp>
 
+#include <sorvik/action_notifier.hpp>
+#include <tessan/living.hpp>
+#include <tessan/speak_ptr.hpp>
+
 #include <atomic>
+#include <map>
 
 namespace Qelt::RenderNamespace {
 
@@ -10,10 +15,36 @@ namespace {
 /// reloaded.
 std::atomic<std::uint64_t> next_serial_number{1};
 
+using LivingLightSources = Tessan::Living<LightSource>;
+
+/// Reports the light sources of a module's classes that are held longer than the module can be.
+struct LeftoverReporter final : VActionNotifier {
+    void creatorsGone(const Tessan::Library& library) override {
+        std::map<std::uint64_t, std::string> held; // types by serial number
+        LivingLightSources::objects().visitAll([&](const LightSource& source) {
+            const std::type_info& type = typeid(source);
+            if (source.controlBlock().strongCount() > 0 && Tessan::libraryOf(type) == library)
+                held.emplace(source.serialNumber(), Tessan::Typename(type));
+        });
+        for (const auto& [serial_number, type] : held)
+            Tessan::SpeakPtr::theSpeaker().printRS(
+                "light source " + std::to_string(serial_number) + " of type " + type +
+                    " is still held, but its module goes: it must be let go of before the module is unloaded",
+                "LightSource");
+    }
+};
+
+/// Never destroyed: modules go as late as after `main`.
+[[maybe_unused]] const auto& leftover_reporter = *new LeftoverReporter;
+
 } // namespace
 
-LightSource::LightSource() : my_serial_number(next_serial_number.fetch_add(1, std::memory_order_relaxed)) {}
+LightSource::LightSource() : my_serial_number(next_serial_number.fetch_add(1, std::memory_order_relaxed)) {
+    LivingLightSources::objects().enter(*this);
+}
 
-LightSource::~LightSource() = default;
+LightSource::~LightSource() {
+    LivingLightSources::objects().leave(*this);
+}
 
 } // namespace Qelt::RenderNamespace

@@ -37,6 +37,10 @@ public:
     /// Begins a new rendering: no light source is enabled, and the light number is 1.
     void beginRendering() noexcept;
 
+    /// Has every living context let go of the light sources that it has enabled: objects went, and with them
+    /// may go the code of their light sources. They are enabled anew in each rendering.
+    static void dropLightSources();
+
 private:
     Tessan::StrongPtr<ValuePool> my_pool;
     int my_light_number = 1;

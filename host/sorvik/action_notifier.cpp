@@ -14,6 +14,15 @@ std::vector<VActionNotifier*>& notifiers() {
     return living;
 }
 
+/// `tell` is called with each notifier.
+template <class Tell>
+void tellAll(Tell tell) {
+    const auto living_before = notifiers(); // one may come or go while another one is told
+    for (VActionNotifier* const notifier : living_before)
+        if (std::find(notifiers().begin(), notifiers().end(), notifier) != notifiers().end())
+            tell(*notifier);
+}
+
 } // namespace
 
 VContext::VContext() = default;
@@ -27,12 +36,23 @@ VActionNotifier::~VActionNotifier() {
     std::erase(notifiers(), this);
 }
 
+void VActionNotifier::objectCreated(const Tessan::StrongPtr<VObject>&, VContext*, VCreatorBase&) {}
+
+void VActionNotifier::instancesDeleted(const std::type_info&) {}
+
+void VActionNotifier::creatorsGone(const Tessan::Library&) {}
+
 void VActionNotifier::VObjectCreation(const Tessan::StrongPtr<VObject>& object, VContext* context,
                                       VCreatorBase& creator) {
-    const auto living_before = notifiers(); // a notifier may come or go while another one is told
-    for (VActionNotifier* const notifier : living_before)
-        if (std::find(notifiers().begin(), notifiers().end(), notifier) != notifiers().end())
-            notifier->objectCreated(object, context, creator);
+    tellAll([&](VActionNotifier& notifier) { notifier.objectCreated(object, context, creator); });
+}
+
+void VActionNotifier::VInstanceDeletion(const std::type_info& type) {
+    tellAll([&](VActionNotifier& notifier) { notifier.instancesDeleted(type); });
+}
+
+void VActionNotifier::VCreatorsEnd(const Tessan::Library& library) {
+    tellAll([&](VActionNotifier& notifier) { notifier.creatorsGone(library); });
 }
 
 } // namespace Qelt

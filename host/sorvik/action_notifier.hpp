@@ -2,6 +2,9 @@
 
 #include <sorvik/export.hpp>
 #include <tessan/strong_ptr.hpp>
+#include <tessan/typename.hpp>
+
+#include <typeinfo>
 
 namespace Qelt {
 
@@ -15,7 +18,7 @@ public:
     virtual ~VContext();
 };
 
-/// Is told, as long as it lives, of every object that a creator has made.
+/// Is told, as long as it lives, of what creators do. Each operation of the base does nothing.
 class SORVIK_EXPORT VActionNotifier {
 public:
     VActionNotifier();
@@ -25,11 +28,20 @@ public:
 
     /// An object was created. @param context whoever asked for it, as given to `create`; may be null.
     virtual void objectCreated(const Tessan::StrongPtr<VObject>& object, VContext* context,
-                               VCreatorBase& creator) = 0;
+                               VCreatorBase& creator);
 
-    /// Tells every living notifier of a new object.
+    /// All objects of a type were deleted, as many as there were (`VCreatorBase::deleteAllInstances`).
+    virtual void instancesDeleted(const std::type_info& type);
+
+    /// The last creator of the types of a library has gone: what still needs the library's code is held too
+    /// long.
+    virtual void creatorsGone(const Tessan::Library& library);
+
+    /// Tells every living notifier of a new object, and of the other two events.
     static void VObjectCreation(const Tessan::StrongPtr<VObject>& object, VContext* context,
                                 VCreatorBase& creator);
+    static void VInstanceDeletion(const std::type_info& type);
+    static void VCreatorsEnd(const Tessan::Library& library);
 };
 
 } // namespace Qelt

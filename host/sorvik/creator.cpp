@@ -49,6 +49,15 @@ void VCreatorBase::enterCatalogue(const char* version_key) {
     registered.insert(place, this);
 }
 
+void VCreatorBase::leaveCatalogue(const std::type_info& type) {
+    auto& registered = registeredCreators();
+    std::erase(registered, this);
+    const Tessan::Library library = Tessan::libraryOf(type);
+    if (std::none_of(registered.begin(), registered.end(),
+                     [&](const VCreatorBase* other) { return Tessan::libraryOf(other->type()) == library; }))
+        VActionNotifier::VCreatorsEnd(library);
+}
+
 std::string VCreatorBase::createChildname(const std::function<bool(const std::string&)>& taken) const {
     return uniqueName(Name(), taken);
 }
@@ -62,11 +71,12 @@ std::size_t VCreatorBase::deleteAllInstances(const std::type_info& type) {
     std::vector<Tessan::WeakPtr<VObject>> instances; // one may take another one along as it goes
     for (auto* const member : VObject::members()) {
         auto* const object = static_cast<VObject*>(member);
-        if (typeid(*object) == type)
+        if (&typeid(*object) == &type) // not ==, which takes types of one name for the same
             instances.emplace_back(object);
     }
     for (auto object = instances.rbegin(); object != instances.rend(); ++object)
         Tessan::Counted::destroy(object->get());
+    VActionNotifier::VInstanceDeletion(type);
     return instances.size();
 }
 

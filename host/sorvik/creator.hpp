@@ -65,7 +65,7 @@ public:
     std::string createChildname(const std::function<bool(const std::string&)>& taken) const;
 
     /// Deletes every living object whose type is exactly `type`, the latest first, in spite of strong
-    /// pointers to it.
+    /// pointers to it. Another type of the same name, of another module or file, is not meant.
     /// @returns how many there were.
     static std::size_t deleteAllInstances(const std::type_info& type);
 
@@ -75,6 +75,11 @@ public:
     /// The first creator of this name in the order of the catalogue, a hidden one included; null if there is
     /// none.
     static VCreatorBase* find(std::string_view name);
+
+protected:
+    /// Takes the creator of a type out of the catalogue. The last one of the types of a library tells the
+    /// notifiers.
+    void leaveCatalogue(const std::type_info& type);
 
 private:
     void enterCatalogue(const char* version_key);
@@ -128,7 +133,10 @@ public:
     }
 
     /// No object of the type outlives its creator.
-    ~VCreator() override { deleteAllInstances(typeid(T)); }
+    ~VCreator() override {
+        deleteAllInstances(typeid(T));
+        leaveCatalogue(typeid(T));
+    }
 
     const std::type_info& type() const noexcept override { return typeid(T); }
 

@@ -1,8 +1,8 @@
 #include <sorvik/value_pool.hpp>
 
-#include <mutex>
+#include <tessan/living.hpp>
+
 #include <stdexcept>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -10,18 +10,8 @@ namespace Qelt {
 
 namespace {
 
-/// The pools that live, so that what goes can be dropped from each. The mutex guards this list alone: views
-/// may come and go on threads of their own, while what a pool holds belongs to the render thread. Never
-/// destroyed, since a pool may be dropped as late as in the destructor of another global.
-struct LivingPools {
-    std::mutex mutex;
-    std::unordered_set<ValuePool*> pools;
-};
-
-LivingPools& livingPools() {
-    static auto& living = *new LivingPools;
-    return living;
-}
+/// The pools that live, so that what goes can be dropped from each.
+using LivingPools = Tessan::Living<ValuePool>;
 
 } // namespace
 
@@ -39,13 +29,11 @@ bool ValueMap::removeValue(const VParameter& parameter) noexcept {
 }
 
 ValuePool::ValuePool(Tessan::StrongPtr<ValuePool> below) : my_below(std::move(below)) {
-    const std::lock_guard lock(livingPools().mutex);
-    livingPools().pools.insert(this);
+    LivingPools::objects().enter(*this);
 }
 
 ValuePool::~ValuePool() {
-    const std::lock_guard lock(livingPools().mutex);
-    livingPools().pools.erase(this);
+    LivingPools::objects().leave(*this);
 }
 
 VValueBase& ValuePool::createVariable(const VParameter& parameter, Tessan::StrongPtr<VValueBase> value) {
@@ -80,24 +68,22 @@ ValuePool::keepState(const VStateCreatorBase& owner, Tessan::StrongPtr<VStateCre
     return my_states.insert_or_assign(&owner, std::move(state)).first->second;
 }
 
-// What is dropped may take others along that are forgotten in turn, so it goes only after the lock.
-
 void ValuePool::forget(const VParameter& parameter) noexcept {
-    std::vector<Tessan::StrongPtr<VValueBase>> dropped;
-    const std::lock_guard lock(livingPools().mutex);
-    for (ValuePool* const pool : livingPools().pools)
-        if (VValueBase* const value = pool->my_variables.getValue(parameter)) {
+    std::vector<Tessan::StrongPtr<VValueBase>> dropped; // may take others along that are forgotten in turn
+    LivingPools::objects().visitAll([&](ValuePool& pool) {
+        if (VValueBase* const value = pool.my_variables.getValue(parameter)) {
             dropped.emplace_back(value);
-            pool->my_variables.removeValue(parameter);
+            pool.my_variables.removeValue(parameter);
         }
+    });
 }
 
 void ValuePool::forget(const VStateCreatorBase& owner) noexcept {
     std::vector<Tessan::StrongPtr<VStateCreatorBase::State>> dropped;
-    const std::lock_guard lock(livingPools().mutex);
-    for (ValuePool* const pool : livingPools().pools)
-        if (const auto held = pool->my_states.extract(&owner))
+    LivingPools::objects().visitAll([&](ValuePool& pool) {
+        if (const auto held = pool.my_states.extract(&owner))
             dropped.push_back(held.mapped());
+    });
 }
 
 VRequest::VRequest(Tessan::StrongPtr<ValuePool> pool) : my_pool(std::move(pool)) {

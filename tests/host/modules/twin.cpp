@@ -1,0 +1,77 @@
+// A module of one light, whose class and light source have the same names in every module that is built from
+// this file. The light has two creators, named after the module.
+
+#include <doltra/light_source.hpp>
+#include <doltra/vlight_source.hpp>
+#include <palune/geometry_traits.hpp>
+#include <sorvik/creator.hpp>
+
+#include <string>
+
+namespace twin {
+
+using namespace Qelt;
+using Tessan::StrongPtr;
+
+class Lamp final : public VLightSource {
+public:
+    class Source final : public RenderNamespace::LightSource {
+    public:
+        std::string snippet() const override { return {}; }
+    };
+
+    Lamp(const std::string& name, const VCreationPreferences& preferences)
+        : VLightSource(name, 0, preferences) {}
+
+    void illuminate(const VRenderContext& context) const override { context.enableLightSource(my_source); }
+
+private:
+    TypedSlot<double> my_strength{this, "strength", 1};
+    TypedSlot<Orvid::PhysicalSpace::point> my_place{this, "place", {}};
+    const StrongPtr<RenderNamespace::LightSource> my_source{new Source};
+};
+
+/// The slot creators of a type, as long as this lives.
+template <class T>
+class SlotType {
+public:
+    SlotType() {
+        TypedSlotCreator::registerTypedSlotCreator(typeid(T), my_creator, Tessan::Typename(typeid(T)));
+        slot_creators_registered<T> = true;
+    }
+    ~SlotType() {
+        TypedSlotCreator::unregisterTypedSlotCreator(typeid(T), my_creator, Tessan::Typename(typeid(T)));
+    }
+    SlotType(const SlotType&) = delete;
+    SlotType& operator=(const SlotType&) = delete;
+
+private:
+    TypedSlotCreatorOf<T> my_creator;
+};
+
+namespace {
+
+struct Module {
+    Module() { VInitialization::initPlugin(0, MODULE_NAME, VInitialization::interfaceKey); }
+    ~Module() { VInitialization::initPlugin(1, MODULE_NAME, VInitialization::interfaceKey); }
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    SlotType<double> numbers;
+#ifndef FORGETS_POINTS
+    SlotType<Orvid::PhysicalSpace::point> points;
+#endif
+    VCreator<Lamp, void> lamp{std::string(MODULE_NAME), 0};
+    VCreator<Lamp, void> lamp_again{std::string(MODULE_NAME) + "_again", 0};
+};
+
+const Module the_module;
+
+} // namespace
+
+} // namespace twin
+
+extern "C" __attribute__((visibility("default"))) bool MODULE_ENTRY(VInitialization* shell);
+extern "C" bool MODULE_ENTRY(VInitialization* shell) {
+    return shell->IsCompatible(VInitialization::interfaceKey);
+}
