@@ -99,10 +99,12 @@ TEST_F(ModulePair, ContextsLetGoOfLightSourcesBeforeTheirModuleGoes) {
     EXPECT_THAT(heard.messages, IsEmpty());
 }
 
-/// Hears one report, and lets go of a light source at that moment: while its module is still there.
+/// Hears one report, and lets go of a light source at that moment: its creators have gone, while its module
+/// is still there.
 struct LettingGo : korl::test::HeardReports {
     void printRS(const std::string& message, const char* place) override {
         HeardReports::printRS(message, place);
+        EXPECT_THAT(VCreatorBase::catalogue(), IsEmpty());
         held = nullptr;
     }
     StrongPtr<LightSource> held;

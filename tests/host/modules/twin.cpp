@@ -61,6 +61,7 @@ struct Module {
 #ifndef FORGETS_POINTS
     SlotType<Orvid::PhysicalSpace::point> points;
 #endif
+    const Lamp::Source source_without_pointers; ///< goes after the creators, and nobody holds it
     VCreator<Lamp, void> lamp{std::string(MODULE_NAME), 0};
     VCreator<Lamp, void> lamp_again{std::string(MODULE_NAME) + "_again", 0};
 };

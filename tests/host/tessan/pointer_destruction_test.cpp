@@ -9,6 +9,7 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <memory>
+#include <set>
 #include <stdexcept>
 
 namespace {
@@ -44,11 +45,14 @@ const Ending endings[] = {
 };
 
 TEST(Destruction, StrongCountIsNegativeHoweverItBegins) {
+    std::set<int> counts;
     for (const Ending& ending : endings) {
         int count = 0;
         ending.end(new Thing([&](Thing& dying) { count = dying.controlBlock().strongCount(); }));
         EXPECT_LT(count, 0) << ending.name;
+        counts.insert(count);
     }
+    EXPECT_EQ(counts.size(), 1u); // it begins once
 }
 
 TEST(Destruction, StrongCountIsNegativeInSpiteOfPointersThatAreLeft) {
