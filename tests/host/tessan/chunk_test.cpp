@@ -1,8 +1,10 @@
 #include <tessan/chunk.hpp>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -27,14 +29,46 @@ TEST(Chunk, BytesAreCountedWhileItLives) {
         TypedChunk<double> chunk(100, 1.5);
         EXPECT_EQ(ChunkBase::TotalMemsize, before + 100 * sizeof(double));
         EXPECT_EQ(chunk.memsize(), 100 * sizeof(double));
+        {
+            const TypedChunk<float> other(7);
+            EXPECT_EQ(ChunkBase::TotalMemsize, before + 100 * sizeof(double) + 7 * sizeof(float));
+        }
         chunk.reserve(200);
+        EXPECT_EQ(chunk.size(), 100u);
+        EXPECT_EQ(chunk.memsize(), 200 * sizeof(double));
         EXPECT_EQ(ChunkBase::TotalMemsize, before + 200 * sizeof(double));
-        chunk.resize(150);
-        EXPECT_EQ(chunk.size(), 150u);
-        EXPECT_EQ(chunk[99], 1.5);
-        EXPECT_EQ(chunk[149], 0.0);
+        chunk.resize(250);
+        EXPECT_EQ(ChunkBase::TotalMemsize, before + 250 * sizeof(double));
+        chunk.resize(10); // keeps the room
+        EXPECT_EQ(ChunkBase::TotalMemsize, before + 250 * sizeof(double));
     }
     EXPECT_EQ(ChunkBase::TotalMemsize, before);
+}
+
+TEST(Chunk, HoldsNothingUnlessTold) {
+    const TypedChunk<double> chunk;
+    EXPECT_EQ(chunk.size(), 0u);
+    EXPECT_EQ(chunk.memsize(), 0u);
+    const TypedChunk<double> zeros(2);
+    EXPECT_EQ(zeros[0], 0);
+    EXPECT_EQ(zeros[1], 0);
+}
+
+TEST(Chunk, HoldsItsValuesInOrder) {
+    TypedChunk<int> chunk(3, 7);
+    chunk[1] = 8;
+    chunk[2] = 9;
+    chunk.resize(5);
+    const TypedChunk<int>& seen = chunk;
+    const int expected[] = {7, 8, 9, 0, 0};
+    ASSERT_EQ(seen.size(), std::size(expected));
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        EXPECT_EQ(seen[i], expected[i]);
+        EXPECT_EQ(seen.data()[i], expected[i]);
+    }
+    chunk.resize(2);
+    EXPECT_EQ(chunk.size(), 2u);
+    EXPECT_EQ(chunk[1], 8);
 }
 
 TEST(Chunk, ConstructionBeyondTheLimitThrows) {
@@ -58,6 +92,7 @@ TEST(TypedChunk, KnowsTheTypeOfItsValues) {
     const TypedChunk<double> chunk(1);
     EXPECT_EQ(chunk.type(), typeid(double));
     EXPECT_EQ(chunk.typeName(), "double");
+    EXPECT_EQ(TypedChunk<int>().type(), typeid(int));
 }
 
 } // namespace

@@ -32,4 +32,13 @@ TEST(Library, IsTheOneThatATypeIsDefinedIn) {
     EXPECT_THAT(program.file, testing::EndsWith("tessan_test"));
 }
 
+/// A type whose name follows no rule of the compiler's.
+struct OddType : std::type_info {
+    OddType() : type_info("1 odd name") {}
+};
+
+TEST(Typename, ThatCannotBeMadeReadableStaysAsItIs) {
+    EXPECT_EQ(Tessan::Typename(OddType()), "1 odd name");
+}
+
 } // namespace
