@@ -1,9 +1,9 @@
+#include "tests/host/tessan/thing.hpp"
 #include "tests/support/heard_reports.hpp"
 
 #include <tessan/strong_ptr.hpp>
 #include <tessan/weak_ptr.hpp>
 
-#include <functional>
 #include <gmock/gmock.h>
 #include <new>
 #include <thread>
@@ -11,33 +11,14 @@
 
 namespace {
 
+using korl::test::DerivedThing;
 using korl::test::HeardReports;
+using korl::test::Thing;
 using Tessan::Counted;
 using Tessan::StrongPtr;
 using Tessan::WeakPtr;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-struct Thing : Counted {
-    explicit Thing(int* deaths_counted = nullptr) : deaths(deaths_counted) {}
-    ~Thing() override {
-        if (at_death)
-            at_death(*this);
-        if (deaths)
-            ++*deaths;
-    }
-    void unreferenced() override {
-        if (at_last_release)
-            at_last_release(*this);
-    }
-
-    int* deaths;
-    std::function<void(Thing&)> at_death, at_last_release;
-};
-
-struct DerivedThing : Thing {
-    using Thing::Thing;
-};
 
 /// Two counted bases: `Base` says which one the pointer counts.
 struct TwoFold : Thing, virtual Tessan::SpeakPtr {};
@@ -53,6 +34,50 @@ TEST(StrongPtr, DeletesTheObjectWithTheLastPointer) {
         EXPECT_EQ(second->controlBlock().strongCount(), 1);
     }
     EXPECT_EQ(deaths, 1);
+}
+
+TEST(StrongPtr, CountsEveryPointer) {
+    const StrongPtr<Thing> first(new Thing);
+    const WeakPtr<Thing> weak = first;
+    const Tessan::ControlBlock& block = first->controlBlock();
+    std::vector<StrongPtr<Thing>> more(4, first);
+    EXPECT_EQ(block.strongCount(), 5);
+    EXPECT_EQ(block.weakCount(), 1);
+    more.pop_back();
+    EXPECT_EQ(block.strongCount(), 4);
+    more.clear();
+    EXPECT_EQ(block.strongCount(), 1);
+    EXPECT_EQ(block.object(), first.get());
+}
+
+TEST(StrongPtr, AssignmentTakesAShareAndGivesOneBack) {
+    int deaths = 0, other_deaths = 0;
+    StrongPtr<Thing> pointer(new Thing(&deaths));
+    const StrongPtr<Thing> other(new Thing(&other_deaths));
+    pointer = other;
+    EXPECT_EQ(deaths, 1);
+    EXPECT_EQ(pointer.get(), other.get());
+    EXPECT_EQ(other->controlBlock().strongCount(), 2);
+    const StrongPtr<Thing>& itself = pointer;
+    pointer = itself;
+    EXPECT_EQ(other->controlBlock().strongCount(), 2);
+    pointer = nullptr;
+    EXPECT_EQ(other->controlBlock().strongCount(), 1);
+    EXPECT_EQ(other_deaths, 0);
+}
+
+TEST(StrongPtr, ComparesByTheObjectThatIsThere) {
+    const StrongPtr<Thing> pointer(new Thing), same = pointer, other(new Thing), none;
+    EXPECT_TRUE(pointer == same);
+    EXPECT_FALSE(pointer == other);
+    EXPECT_FALSE(pointer == none);
+    EXPECT_FALSE(pointer == nullptr);
+    EXPECT_TRUE(none == nullptr);
+    Counted::destroy(pointer.get());
+    EXPECT_TRUE(pointer == same);
+    EXPECT_TRUE(pointer == none);
+    EXPECT_TRUE(pointer == nullptr);
+    EXPECT_FALSE(pointer == other);
 }
 
 TEST(StrongPtr, DeletesThroughTheVirtualDestructorOfItsBase) {
@@ -78,24 +103,35 @@ TEST(StrongPtr, MovesWithoutCounting) {
     EXPECT_FALSE(from); // NOLINT(bugprone-use-after-move): that it holds nothing is what is tested
 }
 
-TEST(StrongPtr, EveryCopyTakesAFreshSerial) {
-    const StrongPtr<Thing> first(new Thing);
+TEST(StrongPtr, EveryPointerTakesTheNextSerialAsItIsMade) {
     const auto before = Tessan::PointerID.load();
-    const StrongPtr<Thing> second = first;
-    const WeakPtr<Thing> third = first;
-    EXPECT_EQ(second.serial(), before + 1);
-    EXPECT_EQ(third.serial(), before + 2);
-    EXPECT_EQ(Tessan::PointerID.load(), before + 2);
+    const StrongPtr<Thing> empty, null(nullptr), held(new Thing);
+    StrongPtr<Thing> copy = held;
+    const StrongPtr<Thing> moved = std::move(copy);
+    const StrongPtr<Counted> converted = held;
+    const WeakPtr<Thing> weak_empty, weak = held, weak_copy = weak;
+    const StrongPtr<Thing> locked = weak.lock();
+    const std::vector<std::uint64_t> taken{
+        empty.serial(),     null.serial(),       held.serial(), copy.serial(),      moved.serial(),
+        converted.serial(), weak_empty.serial(), weak.serial(), weak_copy.serial(), locked.serial()};
+    for (std::size_t i = 0; i < taken.size(); ++i)
+        EXPECT_EQ(taken[i], before + 1 + i) << i;
+    EXPECT_EQ(Tessan::PointerID.load(), before + taken.size());
 }
 
 TEST(StrongPtr, DereferencingNothingIsReported) {
     HeardReports heard;
-    const StrongPtr<Thing> empty;
-    EXPECT_EQ(empty.operator->(), nullptr);
+    const StrongPtr<Thing> empty, none(static_cast<Thing*>(nullptr));
     EXPECT_EQ(empty.get(), nullptr); // asking is no misuse
-    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
-    EXPECT_THAT(heard.messages,
-                ElementsAre(testing::HasSubstr("::Thing was dereferenced, but its object is gone")));
+    EXPECT_FALSE(none);
+    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_EQ(empty.operator->(), nullptr);
+    EXPECT_EQ(none.operator->(), nullptr);
+    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid", "DynPtrInvalid"));
+    const StrongPtr<DerivedThing, Thing> derived;
+    EXPECT_EQ(derived.operator->(), nullptr);
+    EXPECT_EQ(heard.messages.back(),
+              "a strong pointer to korl::test::DerivedThing was dereferenced, but its object is gone");
 }
 
 TEST(StrongPtr, LearnsThatItsObjectWasDeleted) {
@@ -113,10 +149,16 @@ TEST(StrongPtr, ConstructionFromItselfIsReported) {
     HeardReports heard;
     alignas(StrongPtr<Thing>) unsigned char room[sizeof(StrongPtr<Thing>)] = {};
     auto* const itself = reinterpret_cast<StrongPtr<Thing>*>(room);
-    const auto* const made = new (room) StrongPtr<Thing>(*itself);
+    const auto* made = new (room) StrongPtr<Thing>(*itself);
     EXPECT_FALSE(*made);
     made->~StrongPtr();
-    EXPECT_THAT(heard.places, ElementsAre("SelfConstruction"));
+    made = new (room) StrongPtr<Thing>(std::move(*itself));
+    EXPECT_FALSE(*made);
+    made->~StrongPtr();
+    EXPECT_THAT(heard.places, ElementsAre("SelfConstruction", "SelfConstruction"));
+    EXPECT_THAT(
+        heard.messages,
+        testing::Each("a pointer to korl::test::Thing was constructed from itself; it holds nothing"));
 }
 
 TEST(StrongPtr, CountIsNegativeWhileTheObjectIsDestroyed) {
@@ -127,6 +169,24 @@ TEST(StrongPtr, CountIsNegativeWhileTheObjectIsDestroyed) {
     EXPECT_LT(count, 0);
 }
 
+TEST(StrongPtr, CountStaysNegativeHoweverManyPointersAreTaken) {
+    HeardReports heard;
+    std::vector<int> counts;
+    const auto takeTwo = [&](Thing& dying) {
+        const StrongPtr<Thing> late(&dying), later(&dying);
+        counts.push_back(dying.controlBlock().strongCount());
+    };
+    auto* const released = new Thing;
+    released->at_death = takeTwo;
+    { const StrongPtr<Thing> pointer(released); }
+    auto* const destroyed = new Thing;
+    destroyed->at_death = takeTwo;
+    const std::vector<StrongPtr<Thing>> pointers(3, StrongPtr<Thing>(destroyed));
+    Counted::destroy(destroyed);
+    EXPECT_THAT(counts, ElementsAre(testing::Lt(0), testing::Lt(0)));
+    EXPECT_EQ(heard.places.size(), 8u); // two taken and released, each time
+}
+
 TEST(StrongPtr, TakingOneDuringDestructionIsReported) {
     HeardReports heard;
     auto* const thing = new Thing;
@@ -134,29 +194,35 @@ TEST(StrongPtr, TakingOneDuringDestructionIsReported) {
     { const StrongPtr<Thing> pointer(thing); }
     EXPECT_THAT(heard.places,
                 ElementsAre("WarningUnctionChange", "WarningUnctionChange")); // taken, and released
+    EXPECT_THAT(heard.messages, testing::Each("the reference count of korl::test::Thing changed while it is "
+                                              "being destroyed"));
 }
 
-TEST(StrongPtr, WeakPointerDoesNotLockDuringDestruction) {
+TEST(StrongPtr, PointersThatGoAfterTheirObjectSayNothing) {
     HeardReports heard;
-    bool locked = true;
-    auto* const thing = new Thing;
-    const WeakPtr<Thing> weak(thing);
-    thing->at_death = [&](Thing&) { locked = static_cast<bool>(weak.lock()); };
-    { const StrongPtr<Thing> pointer(thing); }
-    EXPECT_FALSE(locked);
+    {
+        const StrongPtr<Thing> first(new Thing), second = first;
+        Counted::destroy(first.get());
+        const StrongPtr<Thing> copy = second;
+        EXPECT_FALSE(copy);
+    }
     EXPECT_THAT(heard.places, IsEmpty());
+    Counted::destroy(nullptr); // nothing to destroy
 }
 
 TEST(StrongPtr, CancelledDestructionIsReported) {
     HeardReports heard;
     int deaths = 0;
     StrongPtr<Thing> rescuer;
-    auto* const thing = new Thing(&deaths);
+    auto* const thing = new DerivedThing(&deaths);
     thing->at_last_release = [&](Thing& released) { rescuer = StrongPtr<Thing>(&released); };
     { const StrongPtr<Thing> pointer(thing); }
     EXPECT_EQ(deaths, 0);
     EXPECT_EQ(thing->controlBlock().strongCount(), 1);
     EXPECT_THAT(heard.places, ElementsAre("DestructionCancelled"));
+    EXPECT_THAT(heard.messages,
+                ElementsAre("the destruction of korl::test::DerivedThing was cancelled, since a "
+                            "new strong pointer holds it"));
 
     thing->at_last_release = nullptr;
     rescuer = nullptr;
@@ -173,45 +239,33 @@ TEST(StrongPtr, PointerThatComesAndGoesInTheHookCancelsNothing) {
     EXPECT_THAT(heard.places, IsEmpty());
 }
 
-TEST(WeakPtr, SeesTheObjectGo) {
-    HeardReports heard;
-    StrongPtr<Thing> strong(new Thing);
-    const WeakPtr<Thing> weak = strong;
-    EXPECT_EQ(strong->controlBlock().weakCount(), 1);
-    EXPECT_EQ(weak.operator->(), strong.get());
-    EXPECT_TRUE(weak.lock());
-    EXPECT_EQ(strong->controlBlock().strongCount(), 1);
-    strong = nullptr;
-    EXPECT_FALSE(weak);
-    EXPECT_FALSE(weak.lock());
-    EXPECT_THAT(heard.places, IsEmpty());
-    EXPECT_EQ(weak.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("InvalidWeakPtr"));
-}
-
-TEST(WeakPtr, ConstructionFromItselfIsReported) {
-    HeardReports heard;
-    alignas(WeakPtr<Thing>) unsigned char room[sizeof(WeakPtr<Thing>)] = {};
-    auto* const itself = reinterpret_cast<WeakPtr<Thing>*>(room);
-    new (room) WeakPtr<Thing>(*itself);
-    itself->~WeakPtr();
-    EXPECT_THAT(heard.places, ElementsAre("SelfConstruction"));
-}
-
-TEST(WeakPtr, LooksAtObjectsThatNoStrongPointerHolds) {
-    WeakPtr<Thing> weak;
+TEST(StrongPtr, NeverDeletesAnObjectThatOwnsItself) {
+    struct OwnOwner : Thing {
+        explicit OwnOwner(int* deaths_counted) : Thing(deaths_counted) { ownItself(); }
+    };
+    int deaths = 0;
     {
-        Thing on_the_stack;
-        weak = WeakPtr<Thing>(&on_the_stack);
-        EXPECT_EQ(weak.get(), &on_the_stack);
+        OwnOwner on_the_stack(&deaths);
+        {
+            const StrongPtr<Thing> pointer(&on_the_stack), locked = WeakPtr<Thing>(&on_the_stack).lock();
+            EXPECT_EQ(on_the_stack.controlBlock().strongCount(), 3);
+            EXPECT_EQ(locked.get(), &on_the_stack);
+        }
+        EXPECT_EQ(on_the_stack.controlBlock().strongCount(), 1);
+        EXPECT_EQ(deaths, 0);
     }
-    EXPECT_FALSE(weak);
+    EXPECT_EQ(deaths, 1);
 }
 
-TEST(SpeakPtr, SpeaksOnStandardErrorUnlessReplaced) {
-    testing::internal::CaptureStderr();
-    Tessan::SpeakPtr::theSpeaker().printRS("what happened", "where");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "what happened [where]\n");
+TEST(Counted, CopyIsAnObjectOfItsOwn) {
+    const StrongPtr<Thing> original(new Thing);
+    const StrongPtr<Thing> copy(new Thing(*original.get()));
+    const Tessan::ControlBlock& block = copy->controlBlock();
+    EXPECT_NE(&block, &original->controlBlock());
+    EXPECT_EQ(block.object(), copy.get());
+    EXPECT_EQ(block.strongCount(), 1);
+    *copy.get() = *original.get();
+    EXPECT_EQ(&copy->controlBlock(), &block);
 }
 
 TEST(StrongPtr, CountsAreExactAcrossThreads) {
