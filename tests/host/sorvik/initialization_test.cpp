@@ -1,10 +1,17 @@
+#include "tests/support/captured_trace.hpp"
+
 #include <sorvik/initialization.hpp>
-#include <sorvik/vprintf.hpp>
 
 #include <gmock/gmock.h>
 #include <string>
 
 namespace {
+
+using korl::test::traceOf;
+
+TEST(Vprintf, VerbosityStartsAtNought) {
+    EXPECT_EQ(Qelt::verbosity(), 0); // no other test of this process may run before this one
+}
 
 std::vector<std::string> announced() {
     std::vector<std::string> names;
@@ -16,9 +23,9 @@ std::vector<std::string> announced() {
 TEST(Initialization, AcceptsExactlyItsOwnKey) {
     const VInitialization shell;
     EXPECT_TRUE(shell.IsCompatible("KORL_API_VERSION"));
-    EXPECT_FALSE(shell.IsCompatible("KORL_API_VERSION2"));
-    EXPECT_FALSE(shell.IsCompatible("korl_api_version"));
-    EXPECT_FALSE(shell.IsCompatible(""));
+    for (const char* const other :
+         {"KORL_API_VERSION2", "KORL_API_VERSIO", " KORL_API_VERSION", "korl_api_version", "OTHER", ""})
+        EXPECT_FALSE(shell.IsCompatible(other)) << other;
     EXPECT_FALSE(shell.IsCompatible(nullptr));
     const VInitialization other("OTHER");
     EXPECT_TRUE(other.IsCompatible("OTHER"));
@@ -39,14 +46,31 @@ TEST(Initialization, KeepsTheBookOfModules) {
     EXPECT_THAT(announced(), testing::IsEmpty());
 }
 
-TEST(Initialization, ReportsWhatDoesNotFit) {
-    testing::internal::CaptureStdout();
-    VInitialization::initPlugin(1, "stranger", "KEY");
-    VInitialization::initPlugin(7, "stranger", "KEY");
-    std::fflush(stdout);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+TEST(Initialization, LetsTheLatestOfOneNameGoFirst) {
+    for (const char* const key : {"KEY1", "KEY2", "KEY3"})
+        VInitialization::initPlugin(0, key == std::string("KEY2") ? "other" : "twin", key);
+    EXPECT_THAT(announced(), testing::ElementsAre("twin@KEY1", "other@KEY2", "twin@KEY3"));
+    VInitialization::initPlugin(1, "twin", "KEY1");
+    EXPECT_THAT(announced(), testing::ElementsAre("twin@KEY1", "other@KEY2"));
+    VInitialization::initPlugin(1, "twin", "KEY1");
+    EXPECT_THAT(announced(), testing::ElementsAre("other@KEY2"));
+    VInitialization::initPlugin(1, "other", "KEY2");
+    EXPECT_THAT(announced(), testing::IsEmpty());
+}
+
+TEST(Initialization, ReportsWhatDoesNotFitAndChangesNothing) {
+    VInitialization::initPlugin(0, "known", "KEY");
+    EXPECT_EQ(traceOf(0,
+                      [] {
+                          VInitialization::initPlugin(1, "stranger", "KEY");
+                          VInitialization::initPlugin(7, "stranger", "KEY");
+                          VInitialization::initPlugin(-1, "known", "KEY");
+                      }),
               "VInitialization: module stranger goes, but it never came\n"
-              "VInitialization: module stranger gave the unknown reason 7\n");
+              "VInitialization: module stranger gave the unknown reason 7\n"
+              "VInitialization: module known gave the unknown reason -1\n");
+    EXPECT_THAT(announced(), testing::ElementsAre("known@KEY"));
+    VInitialization::initPlugin(1, "known", "KEY");
 }
 
 TEST(Initialization, RefusesNullNamesAndKeys) {
@@ -71,15 +95,17 @@ TEST(Initialization, RefusesNullNamesAndKeys) {
 }
 
 TEST(Vprintf, ShowsWhatTheVerbosityAllows) {
-    testing::internal::CaptureStdout();
-    Qelt::setVerbosity(50);
-    Qelt::Vprintf(0, "always %d\n", 1);
-    Qelt::Vprintf(50, "at %s\n", "fifty");
-    Qelt::Vprintf(51, "never\n");
+    const auto printAtAllLevels = [] {
+        for (const int level : {0, 1, 49, 50, 51, 100})
+            Qelt::Vprintf(level, "%d %s\n", level, "shown");
+    };
+    EXPECT_EQ(traceOf(0, printAtAllLevels), "0 shown\n");
+    EXPECT_EQ(traceOf(49, printAtAllLevels), "0 shown\n1 shown\n49 shown\n");
+    EXPECT_EQ(traceOf(50, printAtAllLevels), "0 shown\n1 shown\n49 shown\n50 shown\n");
+    EXPECT_EQ(traceOf(-1, printAtAllLevels), "");
+    Qelt::setVerbosity(7);
+    EXPECT_EQ(Qelt::verbosity(), 7);
     Qelt::setVerbosity(0);
-    Qelt::Vprintf(1, "never\n");
-    std::fflush(stdout);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "always 1\nat fifty\n");
 }
 
 } // namespace

@@ -1,9 +1,12 @@
 #include <orvid/physical_space.hpp>
 #include <orvid/rgba_float.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/component_text.hpp>
 #include <sorvik/value_trait.hpp>
 
+#include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -84,12 +87,52 @@ TEST(DoubleText, MalformedTextIsRefusedAndChangesNothing) {
 }
 
 TEST(ColorText, ComponentsAreSeparatedByOneBlank) {
-    EXPECT_EQ(VValueTrait<rgba_float_t>::Text({0.7f, 0.7f, 0.7f, 1}), "0.7 0.7 0.7 1");
+    EXPECT_EQ(VValueTrait<rgba_float_t>::Text({0.7f, 0.6f, 0.5f, 0.9f}), "0.7 0.6 0.5 0.9");
     rgba_float_t color;
     ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "0.2 0.4 0.8 0.3"));
     EXPECT_EQ(color, (rgba_float_t{0.2f, 0.4f, 0.8f, 0.3f}));
-    ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "  1\t0 \n0  0.5 "));
-    EXPECT_EQ(color, (rgba_float_t{1, 0, 0, 0.5f}));
+    ASSERT_TRUE(VValueTrait<rgba_float_t>::setValueFromText(color, "  1\t2 \n3\r\n0.5 "));
+    EXPECT_EQ(color, (rgba_float_t{1, 2, 3, 0.5f}));
+}
+
+TEST(ComponentText, SeparatesAnyNumberOfComponents) {
+    EXPECT_EQ(Qelt::componentsToText(std::array<double, 0>{}), "");
+    EXPECT_EQ(Qelt::componentsToText(std::array<double, 1>{0.1}), "0.1");
+    EXPECT_EQ(Qelt::componentsToText(std::array<float, 6>{0.1f, 2, -3, 4e20f, 5, 6}), "0.1 2 -3 4e+20 5 6");
+}
+
+TEST(ComponentText, EachBlankSeparates) {
+    for (const char* const text : {"1 2", "1\t2", "1\n2", "1\r2", "\r1\n2\t", "\t1 2\r", "\n1  2\n"}) {
+        std::array<double, 2> read{};
+        EXPECT_TRUE(Qelt::componentsFromText(read, text)) << text;
+        EXPECT_EQ(read, (std::array<double, 2>{1, 2})) << text;
+    }
+    std::array<double, 2> read{7, 8};
+    EXPECT_FALSE(Qelt::componentsFromText(read, "1\v2"));
+}
+
+TEST(ComponentText, ReadsUpToFourComponents) {
+    std::array<double, 0> none{};
+    EXPECT_TRUE(Qelt::componentsFromText(none, " "));
+    EXPECT_FALSE(Qelt::componentsFromText(none, "1"));
+    std::array<double, 4> four{};
+    EXPECT_TRUE(Qelt::componentsFromText(four, "1 2 3 4"));
+    EXPECT_EQ(four, (std::array<double, 4>{1, 2, 3, 4}));
+    std::array<double, 5> five{1, 2, 3, 4, 5};
+    EXPECT_FALSE(Qelt::componentsFromText(five, "6 7 8 9 10"));
+    EXPECT_EQ(five, (std::array<double, 5>{1, 2, 3, 4, 5}));
+    std::array<float, 5> floats{1, 2, 3, 4, 5};
+    EXPECT_FALSE(Qelt::componentsFromText(floats, "6 7 8 9 10"));
+    EXPECT_EQ(floats, (std::array<float, 5>{1, 2, 3, 4, 5}));
+}
+
+TEST(ComponentText, WhatIsRefusedChangesNoComponent) {
+    for (const char* const text :
+         {"6", "6 7", "6 7 8 9", "6 7 x", "6 7 1e999", "6 7 8x", "6 7 8 x", "x 7 8"}) {
+        std::array<double, 3> kept{1, 2, 3};
+        EXPECT_FALSE(Qelt::componentsFromText(kept, text)) << text;
+        EXPECT_EQ(kept, (std::array<double, 3>{1, 2, 3})) << text;
+    }
 }
 
 TEST(ColorText, RoundTripsRandomBits) {
@@ -133,6 +176,13 @@ TYPED_TEST(TripleText, RoundTrips) {
     ASSERT_TRUE(VValueTrait<TypeParam>::setValueFromText(read, "-0 1e-300 5e-324"));
     EXPECT_EQ(read, value);
     EXPECT_TRUE(std::signbit(read.x));
+}
+
+TYPED_TEST(TripleText, IsXThenYThenZ) {
+    EXPECT_EQ(VValueTrait<TypeParam>::Text({1.5, -20, 300}), "1.5 -20 300");
+    TypeParam read;
+    ASSERT_TRUE(VValueTrait<TypeParam>::setValueFromText(read, "1.5 -20 300"));
+    EXPECT_EQ(read, (TypeParam{1.5, -20, 300}));
 }
 
 TYPED_TEST(TripleText, MalformedTextIsRefusedAndChangesNothing) {
