@@ -10,7 +10,7 @@ namespace {
 using korl::test::traceOf;
 
 TEST(Vprintf, VerbosityStartsAtNought) {
-    EXPECT_EQ(Qelt::verbosity(), 0); // no other test of this process may run before this one
+    EXPECT_EQ(Qelt::verbosity(), 0); // the first test of its process: the others leave it at 0 themselves
 }
 
 std::vector<std::string> announced() {

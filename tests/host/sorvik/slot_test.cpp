@@ -4,6 +4,9 @@
 #include <sorvik/value_pool.hpp>
 
 #include <gmock/gmock.h>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -62,11 +65,50 @@ TEST(TypedSlot, SharesAParameterOfItsTypeThatIsThere) {
     EXPECT_EQ(object.parameters().size(), 4u);
 }
 
+TEST(TypedSlot, IsForEveryUserUnlessTold) {
+    PlainObject object("o");
+    const TypedSlot<double> plain(&object, "plain", 1.0), expert(&object, "expert", 1.0, 7);
+    EXPECT_EQ(object.parameters()[4].expert_level, 0);
+    EXPECT_EQ(object.parameters()[5].expert_level, 7);
+}
+
+std::vector<std::string> slotNames(const PlainObject& object) {
+    std::vector<std::string> names;
+    for (const Qelt::VSlot* const slot : object.slots())
+        names.push_back(slot->name());
+    return names;
+}
+
+TEST(TypedSlot, MayGoBeforeItsObject) {
+    PlainObject object("o");
+    std::optional<TypedSlot<double>> first, second, third;
+    first.emplace(&object, "first", 1.0);
+    second.emplace(&object, "second", 2.0);
+    third.emplace(&object, "third", 3.0);
+    second.reset();
+    EXPECT_THAT(slotNames(object), ElementsAre("strength", "tint", "place", "way", "first", "third"));
+    EXPECT_EQ(object.findSlot("second"), nullptr);
+    ASSERT_NE(object.findParameter("second"), nullptr); // the object keeps it
+    const TypedSlot<double> again(&object, "second", 9.0);
+    EXPECT_EQ(again.parameter(), object.findParameter("second"));
+    EXPECT_EQ(again.parameter()->DefaultValue().Text(), "2");
+    EXPECT_THAT(slotNames(object),
+                ElementsAre("strength", "tint", "place", "way", "first", "third", "second"));
+    first.reset();
+    third.reset();
+    EXPECT_THAT(slotNames(object), ElementsAre("strength", "tint", "place", "way", "second"));
+}
+
 TEST(TypedSlot, CountsItsEndWhereCreatorsWereRegistered) {
     PlainObject object("o");
     const auto before = TypedSlotCreator::InternalTypeCreatorAccessory.load();
     { const TypedSlot<double> slot(&object, "more", 1.0, 0); }
     EXPECT_EQ(TypedSlotCreator::InternalTypeCreatorAccessory.load(), before + 1);
+    {
+        const TypedSlot<double> first(&object, "first", 1.0);
+        const TypedSlot<rgba_float_t> second(&object, "second", {});
+    }
+    EXPECT_EQ(TypedSlotCreator::InternalTypeCreatorAccessory.load(), before + 3);
 }
 
 TEST(TypedSlot, WarnsOnStandardOutputWhereNoneWere) {
@@ -96,7 +138,25 @@ TEST(SlotGlobals, ReplacesAParameterOnlyWhereTheObjectAllows) {
     EXPECT_NE(VSlotGlobals::addParameter(strict, "strength", 0, other, true), other);
     EXPECT_NE(VSlotGlobals::addParameter(lenient, "strength", 0, other, false), other);
     EXPECT_EQ(VSlotGlobals::addParameter(lenient, "strength", 3, other, true), other);
+    EXPECT_EQ(lenient.parameters()[0].parameter, other);
     EXPECT_EQ(lenient.parameters()[0].expert_level, 3);
+    EXPECT_EQ(lenient.parameters().size(), 4u);
+    const StrongPtr<VParameter> latest(new VValueParameter<double>(8, "strength"));
+    EXPECT_EQ(VSlotGlobals::addParameter(lenient, "strength", 4, latest), other); // stays unless told
+    const StrongPtr<VParameter> tint(new VValueParameter<rgba_float_t>({}, "tint"));
+    EXPECT_NE(VSlotGlobals::addParameter(lenient, "tint", 0, tint, true), tint);
+}
+
+TEST(SlotGlobals, AddsParametersInTheOrderOfTheirMaking) {
+    Qelt::VObject object("o", 0, {});
+    for (const char* const name : {"c", "a", "b"}) {
+        const StrongPtr<VParameter> parameter(new VValueParameter<double>(1, name));
+        EXPECT_EQ(VSlotGlobals::addParameter(object, name, name[0] - 'a', parameter), parameter);
+    }
+    std::vector<std::string> names;
+    for (const auto& [parameter, expert_level] : object.parameters())
+        names.push_back(parameter->Name() + std::to_string(expert_level));
+    EXPECT_THAT(names, ElementsAre("c2", "a0", "b1"));
 }
 
 TEST(SlotGlobals, AssertionGoesToThePointerDiagnostics) {
@@ -118,6 +178,35 @@ TEST(Slot, ConnectsToAnotherObjectsParameter) {
     EXPECT_EQ(to.adjustConnections(), 1u); // lets go of what has gone
     EXPECT_EQ(to.strength.getValueBase(*pool.get())->Text(), "0.5");
     EXPECT_EQ(to.adjustConnections(), 0u);
+    EXPECT_TRUE(to.tint.connect(from.parameters()[0].parameter)); // the colour has moved up
+    EXPECT_TRUE(to.tint.connect({}));
+    EXPECT_FALSE(to.tint.parameter()->hasSource());
+    to.removeParameter("way");
+    EXPECT_FALSE(to.way.connect(from.parameters()[2].parameter)); // it holds nothing to connect
+}
+
+TEST(SlotContainer, LetsGoOfEveryConnectionWhoseSourceHasGone) {
+    PlainObject from("from"), to("to");
+    EXPECT_EQ(to.connectSlots(from), 4u);
+    EXPECT_EQ(to.adjustConnections(), 0u);
+    for (const char* const name : {"strength", "place", "way"})
+        from.removeParameter(name);
+    EXPECT_EQ(to.adjustConnections(), 3u);
+    EXPECT_FALSE(to.strength.parameter()->hasSource());
+    EXPECT_EQ(to.tint.parameter()->source(), from.tint.parameter());
+}
+
+TEST(SlotContainer, FindsAndRemovesByName) {
+    PlainObject object("o");
+    for (const auto& [parameter, expert_level] : object.parameters())
+        EXPECT_EQ(object.findParameter(parameter->Name()), parameter.get());
+    EXPECT_EQ(object.findSlot("way"), &object.way);
+    EXPECT_EQ(object.findSlot("nothing"), nullptr);
+    EXPECT_FALSE(object.removeParameter("nothing"));
+    EXPECT_TRUE(object.removeParameter("place"));
+    EXPECT_EQ(object.findParameter("place"), nullptr);
+    EXPECT_EQ(object.parameters().size(), 3u);
+    EXPECT_EQ(object.slots().size(), 4u); // the slot stays and holds none
 }
 
 TEST(SlotContainer, ConnectsWhatHasTheSameNameAndType) {
@@ -130,6 +219,23 @@ TEST(SlotContainer, ConnectsWhatHasTheSameNameAndType) {
     EXPECT_EQ(to.connectSlots(from), 3u);
     EXPECT_EQ(to.tint.parameter()->source(), from.tint.parameter());
     EXPECT_EQ(to.way.parameter()->source(), nullptr);
+}
+
+TEST(SlotContainer, PassesOverOutputsThatDoNotFit) {
+    Qelt::VObject from("from", 0, {});
+    const TypedSlot<rgba_float_t> of_another_type(&from, "strength", {});
+    const TypedSlot<double> of_another_name(&from, "weight", 1.0);
+    const TypedSlot<rgba_float_t> fitting(&from, "tint", {});
+    PlainObject to("to");
+    EXPECT_EQ(to.connectSlots(from), 1u);
+    EXPECT_FALSE(to.strength.parameter()->hasSource());
+    EXPECT_EQ(to.tint.parameter()->source(), fitting.parameter());
+}
+
+TEST(SlotContainer, BaseReplacesAndIgnoresNothing) {
+    const PlainObject object("o");
+    EXPECT_FALSE(object.allowParameterReplacement("strength"));
+    EXPECT_FALSE(object.ignoreInput("strength"));
 }
 
 } // namespace
