@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -34,6 +36,17 @@ TEST(LightSource, TakesTheCurrentTimeAsItsAge) {
     clock.grow();
     const PlainSource source;
     EXPECT_EQ(source.age(), Tessan::Ageable::GlobalTime.load());
+}
+
+TEST(LightSource, KeepsUniformsOfItsOwn) {
+    PlainSource first, second;
+    Qelt::RenderNamespace::writeUniform(first.uniforms(), "A$$", 1);
+    Qelt::RenderNamespace::writeUniform(second.uniforms(), "B$$", 2.5);
+    const PlainSource &seen = first, &other = second;
+    ASSERT_EQ(seen.uniforms().size(), 1u);
+    EXPECT_EQ(std::get<int>(seen.uniforms().at("A$$")), 1);
+    ASSERT_EQ(other.uniforms().size(), 1u);
+    EXPECT_EQ(std::get<double>(other.uniforms().at("B$$")), 2.5);
 }
 
 TEST(LightSource, SerialNumbersAreUniqueAcrossThreads) {
@@ -83,6 +96,15 @@ TEST(ShaderLightSource, FillsTheUniformsAtRendering) {
     Qelt::RenderNamespace::UniformMap uniforms;
     light.updateLightAtRendering(uniforms, context);
     EXPECT_EQ(std::get<float>(uniforms.at("Strength$$")), 1);
+    EXPECT_EQ(light.fills, 1);
+}
+
+TEST(ShaderLightSource, KeepsWhatItIsGiven) {
+    const CountedLight light("light", "text", -200010);
+    EXPECT_EQ(light.Name(), "light");
+    EXPECT_EQ(light.priority(), -200010);
+    const StrongPtr<LightSource> source(new PlainSource);
+    EXPECT_EQ(ShaderLightSource::LightState(source).lightSource(), source);
 }
 
 /// The place of a virtual operation in the virtual table, as the Itanium C++ ABI (2.3) writes it into a
@@ -112,18 +134,31 @@ TEST(ShaderLightSource, VirtualOperationsStandInTheirOrder) {
 }
 
 TEST(RenderContext, BeginsEachRenderingAnew) {
-    VRenderContext context(Tessan::makeStrong<ValuePool>());
+    const auto pool = Tessan::makeStrong<ValuePool>();
+    VRenderContext context(pool);
+    EXPECT_EQ(&context.pool(), pool.get());
     EXPECT_EQ(context.lightNumber(), 1);
-    context.enableLightSource(StrongPtr<LightSource>(new PlainSource));
+    EXPECT_TRUE(context.enabledLightSources().empty());
+    const StrongPtr<LightSource> first(new PlainSource), second(new PlainSource), third(new PlainSource);
+    for (const auto& source : {first, second, third, first})
+        context.enableLightSource(source);
+    EXPECT_EQ(context.enabledLightSources(), (VRenderContext::LightSources{first, second, third, first}));
     context.setLightNumber(5);
     EXPECT_EQ(context.lightNumber(), 5);
     context.beginRendering();
     EXPECT_EQ(context.lightNumber(), 1);
     EXPECT_TRUE(context.enabledLightSources().empty());
+    EXPECT_EQ(first->controlBlock().strongCount(), 1);
 }
 
 TEST(RenderContext, NeedsAPool) {
-    EXPECT_THROW(VRenderContext(StrongPtr<ValuePool>()), std::invalid_argument);
+    std::string message;
+    try {
+        VRenderContext(StrongPtr<ValuePool>{});
+    } catch (const std::invalid_argument& error) {
+        message = error.what();
+    }
+    EXPECT_EQ(message, "VRenderContext: a render context needs a value pool, none was given");
 }
 
 } // namespace

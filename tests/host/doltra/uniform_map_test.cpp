@@ -50,6 +50,16 @@ TEST(UniformMap, EntryWrittenTwiceHoldsTheLast) {
     EXPECT_EQ(std::get<double>(map.at("X$$")), 2.5);
 }
 
+TEST(UniformMap, EntriesAreWrittenApart) {
+    UniformMap map;
+    for (const auto& [name, value] : {std::pair("B$$", 2.5), std::pair("A$$", 1.5), std::pair("C$$", 3.5),
+                                      std::pair("A", 0.5), std::pair("B$$", 4.5)})
+        writeUniform(map, name, value);
+    writeUniform(map, "C$$", 7u);
+    const UniformMap expected{{"A", 0.5}, {"A$$", 1.5}, {"B$$", 4.5}, {"C$$", 7u}};
+    EXPECT_EQ(map, expected);
+}
+
 TEST(UniformMap, OrdersNamesByBytesTheShorterFirst) {
     UniformMap map;
     for (const char* const name : {"b", "ab", "a", "B", "\xc3\xa4", "a$", "aa"})

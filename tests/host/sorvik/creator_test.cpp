@@ -3,7 +3,10 @@
 #include "tests/support/plain_object.hpp"
 
 #include <gmock/gmock.h>
+#include <iterator>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -11,6 +14,7 @@ using korl::test::PlainObject;
 using korl::test::traceOf;
 using Orvid::PhysicalSpace;
 using Qelt::AcceptList;
+using Qelt::TypedSlotCreator;
 using Qelt::VActionNotifier;
 using Qelt::VContext;
 using Qelt::VCreationPreferences;
@@ -42,21 +46,41 @@ std::vector<std::string> catalogueNames() {
 
 TEST(CreatorProperties, KeepTheirOrderAndFormTheKey) {
     const VCreatorProperties record = someProperties("Plain");
-    ASSERT_EQ(record.all().size(), 4u);
-    EXPECT_EQ(record.all()[1].text(), "Jan  1 2026");
-    EXPECT_EQ(record.all()[1].kind(), Property::Kind::date);
-    EXPECT_EQ(record.keyname("/"), "Things/Plain");
-    EXPECT_EQ(record.keyname("::"), "Things::Plain");
-    EXPECT_EQ(record.text(Property::Kind::description), "What it is for.");
+    const std::pair<Property::Kind, const char*> expected[] = {
+        {Property::Kind::description, "What it is for."},
+        {Property::Kind::date, "Jan  1 2026"},
+        {Property::Kind::name, "Plain"},
+        {Property::Kind::category, "Things"}};
+    ASSERT_EQ(record.all().size(), std::size(expected));
+    for (std::size_t i = 0; i < record.all().size(); ++i) {
+        EXPECT_EQ(record.all()[i].kind(), expected[i].first);
+        EXPECT_EQ(record.all()[i].text(), expected[i].second);
+        EXPECT_EQ(record.text(expected[i].first), expected[i].second);
+    }
     EXPECT_EQ(record.text(Property::Kind::group), "");
+    EXPECT_EQ(record.keyname("/"), "Things/Plain"); // whatever the order
+    EXPECT_EQ(record.keyname("::"), "Things::Plain");
+    EXPECT_EQ(VCreatorProperties().keyname("/"), "");
+}
+
+TEST(CreatorProperties, FirstOfAKindSpeaksForIt) {
+    const auto record = VCreatorProperties(Property(Property::Kind::date, "Jan  1 2026")) +
+                        Property(Property::Kind::group, "first") + Property(Property::Kind::group, "second");
+    EXPECT_EQ(record.text(Property::Kind::group), "first");
 }
 
 TEST(CreatorProperties, PropertyAssignsItselfAndKnowsItsShareOfTheKey) {
     VCreatorProperties record;
     Property(Property::Kind::name, "N").assign(record);
+    Property(Property::Kind::group, "G").assign(record);
+    ASSERT_EQ(record.all().size(), 2u);
+    EXPECT_EQ(record.all()[1].text(), "G");
     EXPECT_EQ(record.keyname("/"), "N");
     EXPECT_EQ(Property(Property::Kind::category, "C").keyname("/"), "C/");
-    EXPECT_EQ(Property(Property::Kind::description, "D").keyname("/"), "");
+    EXPECT_EQ(Property(Property::Kind::category, "C").keyname("::"), "C::");
+    for (const auto kind :
+         {Property::Kind::description, Property::Kind::group, Property::Kind::date, Property::Kind::source})
+        EXPECT_EQ(Property(kind, "text").keyname("/"), "");
 }
 
 TEST(Creator, TracesItsMakingWithKeyAndNumber) {
@@ -83,29 +107,64 @@ TEST(Creator, StandsInTheCatalogueByNumberWhileItLives) {
 
 class BareCreator final : public VCreatorBase {
 public:
-    BareCreator(bool hidden, const char* version_key)
-        : VCreatorBase("Bare", 0, VCreationPreferences(), hidden, version_key) {}
+    template <class Identity>
+    BareCreator(const Identity& identity, int number, const VCreationPreferences& preferences, bool hidden,
+                const char* version_key = "KORL_API_VERSION")
+        : VCreatorBase(identity, number, preferences, hidden, version_key) {}
     const std::type_info& type() const noexcept override { return typeid(PlainObject); }
     StrongPtr<VObject> create(const std::string&, VContext*, const VCreationPreferences&) override {
         return {};
     }
 };
 
+template <class Identity>
+void expectToKeepWhatItIsGiven(const Identity& identity, const char* key) {
+    VCreationPreferences preferences;
+    preferences.prefer("strength", "0.75");
+    const BareCreator creator(identity, -7, preferences, false), hidden(identity, 8, {}, true);
+    EXPECT_EQ(creator.Name(), "Bare");
+    EXPECT_EQ(creator.keyname("/"), key);
+    EXPECT_EQ(creator.creatorNumber(), -7);
+    EXPECT_EQ(*creator.preferences().find("strength"), "0.75");
+    EXPECT_EQ(hidden.creatorNumber(), 8);
+    EXPECT_TRUE(hidden.preferences().empty());
+    EXPECT_THAT(VCreatorBase::catalogue(), ElementsAre(&creator));
+}
+
+TEST(Creator, KeepsWhatItIsGivenWithARecordAndWithAPlainName) {
+    expectToKeepWhatItIsGiven(someProperties("Bare"), "Things/Bare");
+    expectToKeepWhatItIsGiven(std::string("Bare"), "Bare");
+}
+
 TEST(Creator, HiddenOneIsFoundButNotListed) {
-    const BareCreator creator(true, "KORL_API_VERSION");
+    const BareCreator creator(std::string("Bare"), 0, {}, true);
     EXPECT_THAT(catalogueNames(), IsEmpty());
     EXPECT_EQ(VCreatorBase::find("Bare"), &creator);
 }
 
+TEST(Creator, LeavesTheOthersInTheCatalogue) {
+    const BareCreator first(std::string("A"), 0, {}, false), last(std::string("C"), 0, {}, false);
+    { const BareCreator passing(std::string("B"), 0, {}, false); }
+    EXPECT_THAT(catalogueNames(), ElementsAre("A0", "C0"));
+    EXPECT_EQ(VCreatorBase::find("C"), &last);
+    EXPECT_EQ(VCreatorBase::find("B"), nullptr);
+}
+
 TEST(Creator, OneForAnotherInterfaceStaysOut) {
-    EXPECT_EQ(traceOf(0,
-                      [] {
-                          const BareCreator creator(false, "OTHER_VERSION");
-                          EXPECT_EQ(VCreatorBase::find("Bare"), nullptr);
-                      }),
-              "VCreatorBase: Bare is built for the interface OTHER_VERSION, not for KORL_API_VERSION, and "
-              "stays out "
-              "of the catalogue\n");
+    const auto makeForeignOnes = [] {
+        const BareCreator recorded(someProperties("Bare"), 0, {}, false, "OTHER_VERSION"),
+            named(std::string("Named"), 0, {}, false, "KORL_API_VERSION2");
+        EXPECT_THAT(catalogueNames(), IsEmpty());
+        EXPECT_EQ(VCreatorBase::find("Bare"), nullptr);
+        EXPECT_EQ(VCreatorBase::find("Named"), nullptr);
+    };
+    EXPECT_EQ(
+        traceOf(0, makeForeignOnes),
+        "VCreatorBase: Bare is built for the interface OTHER_VERSION, not for KORL_API_VERSION, and "
+        "stays out of the catalogue\n"
+        "VCreatorBase: Named is built for the interface KORL_API_VERSION2, not for KORL_API_VERSION, and "
+        "stays out of the catalogue\n");
+    EXPECT_EQ(traceOf(-1, makeForeignOnes), "");
 }
 
 TEST(Creator, CreatesObjectsAndTracesIt) {
@@ -143,13 +202,52 @@ TEST(Creator, ChildNamesAreNumberedWhereTaken) {
     EXPECT_EQ(creator.createChildname([](const std::string& name) { return name != "Torch4"; }), "Torch4");
 }
 
+TEST(Creator, GoesOnCountingChildNamesWhereItIsTold) {
+    const VCreator<PlainObject, void> creator(someProperties("Torch"), 0);
+    std::vector<std::string> asked;
+    unsigned long number = 7;
+    const auto taken = [&](const std::string& name) {
+        asked.push_back(name);
+        return name != "Torch9";
+    };
+    EXPECT_EQ(creator.createChildname(taken, number), "Torch9");
+    EXPECT_EQ(number, 9u);
+    EXPECT_THAT(asked, ElementsAre("Torch", "Torch8", "Torch9"));
+    number = 0;
+    EXPECT_EQ(creator.createChildname([](const std::string&) { return false; }, number), "Torch");
+    EXPECT_EQ(number, 0u);
+}
+
 TEST(Creator, ObjectsCanBeCopied) {
+    const Qelt::TypedSlotCreatorOf<double> slot_creator;
+    TypedSlotCreator::registerTypedSlotCreator(typeid(double), slot_creator, "double");
     VCreator<PlainObject, void> creator(someProperties("Plain"), 0);
     const auto object = creator.create("a", nullptr, {});
-    object->findParameter("way")->setGlobalValueFromText("1 0 0");
+    object->InputCreation("double", "more"); // not copied
+    TypedSlotCreator::unregisterTypedSlotCreator(typeid(double), slot_creator, "double");
+    for (const auto& [name, text] :
+         {std::pair("strength", "0.25"), std::pair("tint", "0.4 0.3 0.2 0.1"), std::pair("place", "7 8 9"),
+          std::pair("way", "1 2 4"), std::pair("more", "5")})
+        EXPECT_TRUE(object->findParameter(name)->setGlobalValueFromText(text));
     const auto copy = object->copy("b");
     EXPECT_EQ(copy->Name(), "b");
-    EXPECT_EQ(copy->saveText(), object->saveText());
+    EXPECT_EQ(copy->creator().get(), &creator);
+    EXPECT_EQ(copy->saveText(), "strength = 0.25\ntint = 0.4 0.3 0.2 0.1\nplace = 7 8 9\nway = 1 2 4\n");
+    EXPECT_EQ(copy->findParameter("strength")->DefaultValue().Text(), "0.5");
+}
+
+TEST(Creator, ObjectsThatOutliveItHaveNeitherHelpNorKey) {
+    PlainObject object("o");
+    {
+        BareCreator passing(someProperties("Bare"), 0, {}, false);
+        object.setCreator(Tessan::WeakPtr<VCreatorBase>(&passing));
+        EXPECT_EQ(object.help(), "What it is for.");
+        EXPECT_EQ(object.type_key(), "Things/Bare");
+    }
+    EXPECT_EQ(object.creator().get(), nullptr);
+    EXPECT_EQ(object.help(), "");
+    EXPECT_EQ(object.type_key(), "");
+    EXPECT_FALSE(object.copy("p"));
 }
 
 TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
@@ -213,8 +311,32 @@ TEST(Sink, AddsTheInputsOfTheDeclaredType) {
     };
     const Pointer offered;
     const auto object = creator.create("o", nullptr, {});
+    EXPECT_EQ(creator.acceptedInputs(offered, *object.get()).size(), 1u); // the other way round
     EXPECT_EQ(object->accept(offered),
               (AcceptList{{"strength", "double"}, {"place", "Orvid::PhysicalSpace::point"}}));
+}
+
+TEST(Sink, PassesOverWhatIsIgnoredAndWhatIsNotOffered) {
+    struct Picky : VObject {
+        Picky() : VObject("picky", 0, {}) {}
+        bool ignoreInput(std::string_view name) const override { return name == "ignored"; }
+        Qelt::TypedSlot<PhysicalSpace::point> ignored{this, "ignored", {}}, first{this, "first", {}};
+        Qelt::TypedSlot<double> number{this, "number", 0.0};
+        Qelt::TypedSlot<PhysicalSpace::point> second{this, "second", {}};
+    };
+    const VCreator<PlainObject, PhysicalSpace::point> creator(someProperties("Plain"), 0);
+    const Picky picky;
+    std::vector<std::string> inputs;
+    for (const auto& accepted : creator.acceptedInputs(picky, PlainObject("offered")))
+        inputs.push_back(accepted.input);
+    EXPECT_THAT(inputs, ElementsAre("first", "second"));
+    EXPECT_THAT(creator.acceptedInputs(picky, VObject("empty", 0, {})), IsEmpty());
+}
+
+TEST(AcceptList, EntriesDifferInInputOrType) {
+    AcceptList list{{"a", "double"}};
+    Qelt::mergeAcceptList(list, {{"a", "double"}, {"a", "int"}, {"b", "double"}, {"a", "int"}});
+    EXPECT_EQ(list, (AcceptList{{"a", "double"}, {"a", "int"}, {"b", "double"}}));
 }
 
 TEST(Sink, MergesWithoutRepeating) {
