@@ -80,6 +80,47 @@ TEST(ShaderLightSource, KeepsOneLightSourceForEachContext) {
     EXPECT_EQ(first.enabledLightSources()[0]->snippet(), light.text);
 }
 
+TEST(ShaderLightSource, ContextKeepsALightSourceWhoseLightHasGone) {
+    VRenderContext context(Tessan::makeStrong<ValuePool>());
+    {
+        const CountedLight passing("light", "its text");
+        passing.illuminate(context);
+    }
+    ASSERT_EQ(context.enabledLightSources().size(), 1u);
+    const StrongPtr<LightSource> source = context.enabledLightSources()[0];
+    EXPECT_EQ(source->snippet(), "its text");
+    context.beginRendering();
+    EXPECT_EQ(source->controlBlock().strongCount(), 1); // nobody else holds it: its state went with the light
+}
+
+/// A light that counts nothing, so that threads may share it.
+struct SharedLight final : ShaderLightSource {
+    SharedLight() : ShaderLightSource("light", 0, {}) {}
+    std::string lightSnippet() const override { return "text"; }
+    void fillUniforms(Qelt::RenderNamespace::UniformMap&, VRenderContext&) const override {}
+};
+
+TEST(ShaderLightSource, StatesMayBeMadeOnSeveralThreads) {
+    const SharedLight light;
+    std::vector<std::uint64_t> numbers[4];
+    std::vector<std::thread> threads;
+    for (auto& taken : numbers)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 500; ++i) {
+                const auto pool = Tessan::makeStrong<ValuePool>(); // of this thread's own context
+                const auto state = light.myState(*pool.get());
+                taken.push_back(
+                    static_cast<const SharedLight::LightState&>(*state.get()).lightSource()->serialNumber());
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<std::uint64_t> all;
+    for (const auto& taken : numbers)
+        all.insert(taken.begin(), taken.end());
+    EXPECT_EQ(all.size(), 2000u);
+}
+
 TEST(ShaderLightSource, BaseUpdatesAndSetsUpNothingAndSucceeds) {
     CountedLight light("light");
     const auto pool = Tessan::makeStrong<ValuePool>();
