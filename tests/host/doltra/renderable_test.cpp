@@ -135,9 +135,9 @@ TEST(RenderAble, SafeRenderReportsFailures) {
 }
 
 TEST(VLightSource, KeepsWhatItIsGivenAndAnEmptyState) {
-    Qelt::VCreationPreferences wishes;
-    wishes.prefer("Intensity", "0.25");
-    const Qelt::VLightSource light("lamp", -199990, wishes);
+    Qelt::VCreationPreferences preferences;
+    preferences.prefer("Intensity", "0.25");
+    const Qelt::VLightSource light("lamp", -199990, preferences);
     EXPECT_EQ(light.priority(), -199990);
     EXPECT_EQ(light.Name(), "lamp");
     EXPECT_EQ(*light.preferences().find("Intensity"), "0.25");

@@ -28,8 +28,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Prints what happens to it, among the traces.
-struct NarratingObject : PlainObject {
-    NarratingObject(const std::string& name, const VCreationPreferences& wishes) : PlainObject(name, wishes) {
+struct PrintingObject : PlainObject {
+    PrintingObject(const std::string& name, const VCreationPreferences& preferences)
+        : PlainObject(name, preferences) {
         std::printf("constructed %s, strength %s\n", name.c_str(),
                     findParameter("strength")->globalValue().Text().c_str());
     }
@@ -37,22 +38,22 @@ struct NarratingObject : PlainObject {
     const char* requests() const { return processesRequests() ? "answers requests" : "answers none"; }
 };
 
-struct NarratingNotifier : VActionNotifier {
+struct PrintingNotifier : VActionNotifier {
     void objectCreated(const StrongPtr<VObject>& object, VContext* context, VCreatorBase& creator) override {
-        const auto& narrating = static_cast<const NarratingObject&>(*object.get());
+        const auto& printing = static_cast<const PrintingObject&>(*object.get());
         std::printf("told of %s by %s, %s, %s\n", object->Name().c_str(), creator.Name().c_str(),
-                    narrating.requests(), context ? "asked for" : "not asked for");
+                    printing.requests(), context ? "asked for" : "not asked for");
     }
 };
 
 TEST(Creation, TakesItsStepsInOrder) {
-    VCreator<NarratingObject, void> creator(std::string("Plain"), 0);
-    const NarratingNotifier notifier;
+    VCreator<PrintingObject, void> creator(std::string("Plain"), 0);
+    const PrintingNotifier notifier;
     VContext context;
-    VCreationPreferences wishes;
-    wishes.prefer("strength", "0.75");
+    VCreationPreferences preferences;
+    preferences.prefer("strength", "0.75");
     StrongPtr<VObject> object;
-    EXPECT_EQ(traceOf(100, [&] { object = creator.create("mine", &context, wishes); }),
+    EXPECT_EQ(traceOf(100, [&] { object = creator.create("mine", &context, preferences); }),
               "VCreator::create(mine)\n"
               "constructed mine, strength 0.75\n"
               "VCreator::create(mine) got derived object\n"
@@ -67,14 +68,15 @@ TEST(Creation, TakesItsStepsInOrder) {
 }
 
 struct FailingObject : PlainObject {
-    FailingObject(const std::string& name, const VCreationPreferences& wishes) : PlainObject(name, wishes) {
+    FailingObject(const std::string& name, const VCreationPreferences& preferences)
+        : PlainObject(name, preferences) {
         throw std::runtime_error("no light today");
     }
 };
 
 TEST(Creation, EndsWithTheConstructorThatThrows) {
     VCreator<FailingObject, void> creator(std::string("Failing"), 0);
-    const NarratingNotifier notifier;
+    const PrintingNotifier notifier;
     const auto living = VObject::members().size();
     std::string failure;
     EXPECT_EQ(traceOf(100,

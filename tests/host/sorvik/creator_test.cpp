@@ -63,7 +63,7 @@ TEST(CreatorProperties, KeepTheirOrderAndFormTheKey) {
     EXPECT_EQ(VCreatorProperties().keyname("/"), "");
 }
 
-TEST(CreatorProperties, FirstOfAKindSpeaksForIt) {
+TEST(CreatorProperties, GiveTheFirstTextOfAKind) {
     const auto record = VCreatorProperties(Property(Property::Kind::date, "Jan  1 2026")) +
                         Property(Property::Kind::group, "first") + Property(Property::Kind::group, "second");
     EXPECT_EQ(record.text(Property::Kind::group), "first");

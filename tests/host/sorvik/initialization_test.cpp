@@ -9,7 +9,7 @@ namespace {
 
 using korl::test::traceOf;
 
-TEST(Vprintf, VerbosityStartsAtNought) {
+TEST(Vprintf, VerbosityStartsAtZero) {
     EXPECT_EQ(Qelt::verbosity(), 0); // the first test of its process: the others leave it at 0 themselves
 }
 

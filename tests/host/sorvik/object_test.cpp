@@ -36,9 +36,9 @@ TEST(Object, BaseHasNoIconsNoHelpAndNoKey) {
 }
 
 TEST(Object, KeepsWhatItIsGiven) {
-    Qelt::VCreationPreferences wishes;
-    wishes.prefer("strength", "0.75");
-    VObject object("o", -7, wishes);
+    Qelt::VCreationPreferences preferences;
+    preferences.prefer("strength", "0.75");
+    VObject object("o", -7, preferences);
     EXPECT_EQ(object.Name(), "o");
     EXPECT_EQ(object.priority(), -7);
     EXPECT_EQ(*object.preferences().find("strength"), "0.75");

@@ -140,9 +140,9 @@ TEST(Parameter, GlobalValueIsTakenFromComputedValuesAndFromNoneThatCannotBeRead)
     VValueParameter<double> parameter(1, "p");
     EXPECT_TRUE(parameter.setGlobalValue(korl::test::ComputedValue<double>(2)));
     EXPECT_EQ(parameter.globalValue().Text(), "2");
-    VValue<double> orphan(3);
-    orphan.setSource(StrongPtr<VValueBase>(new VValue<double>(4)));
-    EXPECT_EQ(traceOf(50, [&] { EXPECT_FALSE(parameter.setGlobalValue(orphan)); }), "");
+    VValue<double> detached(3);
+    detached.setSource(StrongPtr<VValueBase>(new VValue<double>(4)));
+    EXPECT_EQ(traceOf(50, [&] { EXPECT_FALSE(parameter.setGlobalValue(detached)); }), "");
     EXPECT_EQ(parameter.globalValue().Text(), "2");
 }
 

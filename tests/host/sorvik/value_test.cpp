@@ -122,15 +122,15 @@ TEST(Value, FollowsASource) {
 }
 
 /// A value whose source has gone. Its own content is `content`.
-struct Orphan : VValue<double> {
-    explicit Orphan(double content) : VValue(content) {
+struct Detached : VValue<double> {
+    explicit Detached(double content) : VValue(content) {
         const StrongPtr<VValueBase> source(new VValue<double>(1));
         EXPECT_TRUE(setSource(source));
     }
 };
 
 TEST(Value, CannotBeReadOnceItsSourceHasGone) {
-    Orphan follower(9);
+    Detached follower(9);
     EXPECT_TRUE(follower.hasSource());
     EXPECT_EQ(follower.source(), nullptr);
     double value = 42;
@@ -146,17 +146,17 @@ TEST(Value, CannotBeReadOnceItsSourceHasGone) {
 
 TEST(Value, EqualsNothingThatCannotBeRead) {
     for (const double content : {0.0, 9.0}) {
-        const Orphan orphan(content);
-        EXPECT_FALSE(orphan.equals(VValue<double>(content)));
-        EXPECT_FALSE(VValue<double>(content).equals(orphan));
-        EXPECT_FALSE(orphan.equals(VValue<double>(0)));
-        EXPECT_FALSE(VValue<double>(0).equals(orphan));
-        EXPECT_FALSE(orphan.equals(Orphan(content)));
+        const Detached detached(content);
+        EXPECT_FALSE(detached.equals(VValue<double>(content)));
+        EXPECT_FALSE(VValue<double>(content).equals(detached));
+        EXPECT_FALSE(detached.equals(VValue<double>(0)));
+        EXPECT_FALSE(VValue<double>(0).equals(detached));
+        EXPECT_FALSE(detached.equals(Detached(content)));
     }
 }
 
 TEST(Value, CloneOfOneWhoseSourceHasGoneHoldsItsContent) {
-    const StrongPtr<VValueBase> clone = Orphan(9).clone();
+    const StrongPtr<VValueBase> clone = Detached(9).clone();
     EXPECT_FALSE(clone->hasSource());
     EXPECT_EQ(clone->Text(), "9");
 }
