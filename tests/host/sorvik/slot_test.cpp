@@ -127,18 +127,6 @@ TEST(TypedSlot, WarnsOnStandardOutputWhereNoneWere) {
                             Tessan::libraryOf(typeid(PlainObject)).file + " has not registered"));
 }
 
-TEST(TypedSlot, GoesByTheCreatorsOfItsOwnType) {
-    PlainObject object("o");
-    const auto before = TypedSlotCreator::InternalTypeCreatorAccessory.load();
-    TypedSlot<double>::creators_registered = false;
-    testing::internal::CaptureStdout();
-    { const TypedSlot<rgba_float_t> slot(&object, "more", {}); }
-    std::fflush(stdout);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    TypedSlot<double>::creators_registered = true;
-    EXPECT_EQ(TypedSlotCreator::InternalTypeCreatorAccessory.load(), before + 1);
-}
-
 TEST(SlotGlobals, ReplacesAParameterOnlyWhereTheObjectAllows) {
     struct Lenient : PlainObject {
         using PlainObject::PlainObject;
