@@ -11,8 +11,12 @@
 #include <palune/geometry_traits.hpp>
 
 #include <array>
+#include <ctime>
 #include <gmock/gmock.h>
+#include <ostream>
 #include <string>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 namespace korl::test {
@@ -29,6 +33,23 @@ struct ParameterRow {
     int expert_level;
     std::string properties;
 };
+
+/// A row of the table of creators: number, declared type of input, properties as "name: Sun".
+struct CreatorRow {
+    CreatorRow(int its_number, const std::type_info* its_input, std::vector<std::string> its_properties = {})
+        : number(its_number), input(its_input ? its_input->name() : ""),
+          properties(std::move(its_properties)) {}
+
+    int number;
+    std::string input; ///< Empty where it is made from nothing.
+    std::vector<std::string> properties;
+
+    bool operator==(const CreatorRow&) const = default;
+};
+
+inline void PrintTo(const CreatorRow& row, std::ostream* stream) {
+    *stream << row.number << " from \"" << row.input << "\" " << testing::PrintToString(row.properties);
+}
 
 /// A light of the module, with what the tests of every type ask of it.
 class LightTest : public testing::Test {
@@ -90,22 +111,32 @@ protected:
         EXPECT_EQ(expected.size(), size);
     }
 
-    void expectCreator(const std::string& type, const std::vector<std::string>& texts,
-                       const std::type_info* input) {
-        const Qelt::VCreatorBase* const creator = Qelt::VCreatorBase::find(type);
-        ASSERT_NE(creator, nullptr);
-        std::vector<std::string> found;
-        for (const auto& property : creator->properties().all())
-            found.push_back(property.kind() == Qelt::VCreatorPropertyBase::Kind::date ? "DATE"
-                                                                                      : property.text());
-        EXPECT_EQ(found, texts);
-        EXPECT_EQ(creator->creatorNumber(), 0);
-        const auto* const sink = dynamic_cast<const Qelt::VSinkBase*>(creator);
-        ASSERT_NE(sink, nullptr);
-        if (input)
-            EXPECT_TRUE(sink->inputType() && *sink->inputType() == *input);
-        else
-            EXPECT_EQ(sink->inputType(), nullptr);
+    /// Compares the creators of the light's type, in the order of the catalogue, with rows of a table.
+    void expectCreators(const std::vector<CreatorRow>& rows) {
+        static constexpr std::array kinds{"description", "group", "date", "name", "source", "category"};
+        std::vector<CreatorRow> found;
+        for (const Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue()) {
+            if (creator->Name() != light.type)
+                continue;
+            const auto* const sink = dynamic_cast<const Qelt::VSinkBase*>(creator);
+            ASSERT_NE(sink, nullptr);
+            CreatorRow& row = found.emplace_back(creator->creatorNumber(), sink->inputType());
+            for (const auto& property : creator->properties().all()) {
+                const std::string kind = kinds.at(static_cast<std::size_t>(property.kind()));
+                const bool is_date = kind == "date" && isDate(property.text());
+                row.properties.push_back(kind + ": " + (is_date ? "of the build" : property.text()));
+            }
+            EXPECT_TRUE(creator->preferences().empty());
+            EXPECT_TRUE(creator->type() == typeid(light.light));
+        }
+        EXPECT_EQ(found, rows);
+    }
+
+    /// Whether it is a date as compilers write it.
+    static bool isDate(const std::string& text) {
+        std::tm date{};
+        const char* const end = strptime(text.c_str(), "%b %d %Y", &date);
+        return end && *end == '\0' && text.size() == 11;
     }
 
     void expectDefaultIcons() {

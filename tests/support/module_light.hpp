@@ -17,8 +17,8 @@ class ModuleLight {
 public:
     using LightSource = Qelt::RenderNamespace::LightSource;
 
-    explicit ModuleLight(const std::string& type)
-        : my_object(Qelt::VCreatorBase::find(type)->create("light")),
+    explicit ModuleLight(const std::string& its_type)
+        : type(its_type), my_object(Qelt::VCreatorBase::find(type)->create("light")),
           light(dynamic_cast<Qelt::RenderAble&>(*my_object.get())) {}
 
     /// The light source of the first or the other context after a frame in it, its uniforms filled.
@@ -32,6 +32,8 @@ public:
     }
 
     Qelt::VParameter& parameter(const std::string& name) { return *light.findParameter(name); }
+
+    const std::string type;
 
 private:
     LightSource& sourceAfterFrame(Qelt::VRenderContext& in,

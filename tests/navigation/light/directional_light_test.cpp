@@ -1,3 +1,4 @@
+#include "every_light.hpp"
 #include "tests/support/light_fixture.hpp"
 #include "tests/support/normalisation_reference.hpp"
 
@@ -10,7 +11,6 @@ namespace {
 using namespace korl::test;
 using Orvid::PhysicalSpace;
 using Orvid::rgba_float_t;
-using testing::ElementsAre;
 
 constexpr const char* intensity = "DirectionalLightIntensity$$";
 constexpr const char* specular = "DirectionalLightSpecularIntensity$$";
@@ -35,10 +35,11 @@ TEST_F(DirectionalLight, HasItsParameters) {
 }
 
 TEST_F(DirectionalLight, CreatorCarriesItsProperties) {
-    expectCreator("DirectionalLight",
-                  {"A directional light source.", "DATE", "DirectionalLight",
-                   "navigation/light/DirectionalLight.cpp", "Scenery"},
-                  &typeid(PhysicalSpace::vector));
+    expectCreators(
+        {{0,
+          &typeid(PhysicalSpace::vector),
+          {"description: A directional light source.", "date: of the build", "name: DirectionalLight",
+           "source: navigation/light/DirectionalLight.cpp", "category: Scenery"}}});
 }
 
 TEST_F(DirectionalLight, SnippetIsExact) {
@@ -76,50 +77,46 @@ TEST_F(DirectionalLight, DefaultsGiveTheirUniforms) {
     EXPECT_EQ(light.source().uniforms().at(direction).index(), 11u);
 }
 
-TEST_F(DirectionalLight, FixedFunctionCallsAreExact) {
-    set("color", "0.2 0.4 0.8 0.3");
-    set("Intensity", "0.5");
-    set("Specular", "0.25");
-    set("direction", "0 -3 -4");
-    EXPECT_THAT(
-        calls(),
-        ElementsAre("glLightf LIGHT0 CONSTANT_ATTENUATION 1", "glLightf LIGHT0 LINEAR_ATTENUATION 0",
-                    "glLightf LIGHT0 QUADRATIC_ATTENUATION 0", "glLightfv LIGHT0 DIFFUSE 0.1 0.2 0.4 1",
-                    "glLightfv LIGHT0 AMBIENT 0 0 0 1", "glLightfv LIGHT0 SPECULAR 0.25 0.25 0.25 1",
-                    "glLightfv LIGHT0 POSITION -0 0.6 0.8 0", "glLightfv LIGHT0 SPOT_DIRECTION 0 -0.6 -0.8 0",
-                    "glLightf LIGHT0 SPOT_CUTOFF 180", "glEnable LIGHT0", "glEnable LIGHTING"));
-}
+/// A strength and a colour for which it makes a difference in each component whether the strength is rounded
+/// before it is multiplied, as in the uniform, or the product, as for OpenGL.
+const LightAnswers directional{
+    "DirectionalLight",
+    {{"Intensity",
+      "0.3",
+      {{"DirectionalLightIntensity$$", "13: 0.17 0.41 0.85 0.54"}, // full strength, not the default
+       {"glLightfv LIGHT2 DIFFUSE", "0.17 0.41 0.85 1"}}},
+     {"Specular",
+      "0.123456789",
+      {{"DirectionalLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+     {"direction",
+      "1 -2 2.5",
+      {{"DirectionalLightDirection$$", "11: 0 0 -1"},
+       {"glLightfv LIGHT2 POSITION", "-0 -0 1 0"},
+       {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"}}},
+     {"color",
+      "0.17 0.41 0.85 0.54",
+      {{"DirectionalLightIntensity$$", "13: 0.21000001 0.21000001 0.21000001 0.3"}, // the default colour
+       {"glLightfv LIGHT2 DIFFUSE", "0.21 0.21 0.21 1"}}}},
+    {{"DirectionalLightDirection$$", "11: 0.29814239699997 -0.59628479399994 0.74535599249993"},
+     {"DirectionalLightIntensity$$", "13: 0.051000003 0.123 0.25500003 0.16200002"}, // alpha as well
+     {"DirectionalLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
+     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+     {"glLightfv LIGHT2 DIFFUSE", "0.051 0.122999996 0.255 1"},
+     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+     {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
+     {"glLightfv LIGHT2 POSITION", "-0.2981424 0.5962848 -0.74535596 0"},
+     {"glLightfv LIGHT2 SPOT_DIRECTION", "0.2981424 -0.5962848 0.74535596 0"},
+     {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
+     {"glEnable LIGHT2", ""},
+     {"glEnable LIGHTING", ""}}};
+
+INSTANTIATE_TEST_SUITE_P(DirectionalLight, EveryLight, testing::Values(directional));
 
 TEST_F(DirectionalLight, DefaultFixedFunctionLightStandsAbove) {
     EXPECT_EQ(call("POSITION"), "-0 -0 1 0");
     EXPECT_EQ(call("SPOT_DIRECTION"), "0 0 -1 0");
-}
-
-TEST_F(DirectionalLight, UniformRoundsTheStrengthFirstAndOpenGLTheProduct) {
-    // A strength and a component for which the two orders of rounding differ.
-    const double strength = 0.1;
-    const float component = 0.7f;
-    float single = 0, product = 0;
-    double used = strength;
-    for (int i = 0; i < 1000 && single == product; ++i, used += 0.001) {
-        single = static_cast<float>(used) * component;
-        product = static_cast<float>(component * used);
-        if (single != product)
-            break;
-    }
-    ASSERT_NE(single, product);
-    light.parameter("Intensity").setGlobalValue(Qelt::VValue<double>(used));
-    set("color", "0.7 0.7 0.7 1");
-    EXPECT_EQ(color(intensity)[0], single);
-    EXPECT_EQ(call("DIFFUSE").substr(0, call("DIFFUSE").find(' ')),
-              Qelt::VValueTrait<rgba_float_t>::Text({product, 0, 0, 0}).substr(0, call("DIFFUSE").find(' ')));
-}
-
-TEST_F(DirectionalLight, AlphaIsMultipliedInTheUniformOnly) {
-    set("Intensity", "0.5");
-    set("color", "1 1 1 0.5");
-    EXPECT_EQ(color(intensity), (FloatColor{0.5f, 0.5f, 0.5f, 0.25f}));
-    EXPECT_EQ(call("DIFFUSE"), "0.5 0.5 0.5 1");
 }
 
 TEST_F(DirectionalLight, NoStrengthLeavesTheOpenGLAlpha) {
@@ -136,7 +133,7 @@ TEST_F(DirectionalLight, ColorLeavesTheHighlightsWhite) {
 
 TEST_F(DirectionalLight, LengthOfTheDirectionDoesNotMatter) {
     EXPECT_EQ(directionOf({0, 0, -5}), (DoubleTriple{0, 0, -1}));
-    EXPECT_EQ(directionOf({0, 3, 4}), directionOf({0, 300, 400}));
+    EXPECT_EQ(directionOf({0, 300, 400}), (DoubleTriple{0, 0.6, 400 * (1 / 500.0)}));
 }
 
 TEST_F(DirectionalLight, HugeDirectionDoesNotOverflow) {
@@ -196,35 +193,6 @@ TEST_F(DirectionalLight, SmallestDenormalOverflowsInZAlone) {
     const double largest_that_overflows = std::ldexp(1.0, -1024);
     EXPECT_TRUE(std::isinf(directionOf({0, 0, largest_that_overflows})[2]));
     EXPECT_NEAR(directionOf({0, 0, largest_that_overflows + tiny})[2], 1, 1e-15);
-}
-
-TEST_F(DirectionalLight, FallsBackWhereParametersWereRemoved) {
-    for (const char* const name : {"Intensity", "Specular", "direction", "color"})
-        remove(name);
-    EXPECT_EQ(color(intensity), (FloatColor{0.7f, 0.7f, 0.7f, 1})); // full strength, not the default
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
-    EXPECT_EQ(call("DIFFUSE"), "0.7 0.7 0.7 1");
-    EXPECT_EQ(call("SPECULAR"), "1 1 1 1");
-    EXPECT_EQ(call("POSITION"), "-0 -0 1 0");
-}
-
-TEST_F(DirectionalLight, FallsBackWhereValuesAreOfAnotherType) {
-    putColor("Intensity");
-    putColor("Specular");
-    putNumber("direction");
-    putNumber("color");
-    EXPECT_EQ(color(intensity), (FloatColor{0.7f, 0.7f, 0.7f, 1}));
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
-    EXPECT_EQ(call("DIFFUSE"), "0.7 0.7 0.7 1");
-}
-
-TEST_F(DirectionalLight, TakesComputedValues) {
-    put("Intensity", new ComputedValue<double>(0.5));
-    put("direction", new ComputedValue<PhysicalSpace::vector>({2, 0, 0}));
-    EXPECT_EQ(color(intensity)[3], 0.5f);
-    EXPECT_EQ(triple(direction), (DoubleTriple{1, 0, 0}));
 }
 
 TEST_F(DirectionalLight, StrengthIsNotClamped) {

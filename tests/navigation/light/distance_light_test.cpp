@@ -1,3 +1,4 @@
+#include "every_light.hpp"
 #include "tests/support/light_fixture.hpp"
 #include "tests/support/normalisation_reference.hpp"
 
@@ -7,7 +8,6 @@ namespace {
 
 using namespace korl::test;
 using Orvid::PhysicalSpace;
-using testing::ElementsAre;
 
 constexpr const char* intensity = "DistanceLightIntensity$$";
 constexpr const char* specular = "DistanceLightSpecularIntensity$$";
@@ -29,10 +29,11 @@ TEST_F(DistanceLight, HasItsParameters) {
 }
 
 TEST_F(DistanceLight, CreatorCarriesItsProperties) {
-    expectCreator("DistanceLight",
-                  {"A light source that shines from one light source to one specific point.", "DATE",
-                   "DistanceLight", "navigation/light/DistanceLight.cpp", "Scenery"},
-                  &typeid(PhysicalSpace::point));
+    expectCreators({{0,
+                     &typeid(PhysicalSpace::point),
+                     {"description: A light source that shines from one light source to one specific point.",
+                      "date: of the build", "name: DistanceLight",
+                      "source: navigation/light/DistanceLight.cpp", "category: Scenery"}}});
 }
 
 TEST_F(DistanceLight, SnippetIsExact) {
@@ -69,19 +70,43 @@ TEST_F(DistanceLight, DefaultsGiveTheirUniforms) {
     EXPECT_EQ(light.source().uniforms().at(direction).index(), 11u);
 }
 
-TEST_F(DistanceLight, FixedFunctionCallsAreExact) {
-    set("Intensity", "0.5");
-    set("Specular", "0.25");
-    set("lightposition", "1 2 3");
-    set("shineat", "4 6 5");
-    set("color", "0.2 0.4 0.8 0.3");
-    // Nothing of attenuation, ambient colour and cut-off.
-    EXPECT_THAT(calls(),
-                ElementsAre("glLightfv LIGHT0 DIFFUSE 0.1 0.2 0.4 1",
-                            "glLightfv LIGHT0 SPECULAR 0.25 0.25 0.25 1", "glLightfv LIGHT0 POSITION 1 2 3 1",
-                            "glLightfv LIGHT0 SPOT_DIRECTION 3 4 2 0", "glEnable LIGHT0",
-                            "glEnable LIGHTING"));
-}
+/// A strength and a colour for which it makes a difference in each component whether the strength is rounded
+/// before it is multiplied, as in the uniform, or the product, as for OpenGL. The position falls back to
+/// (0, 0, 10) in the uniform and to (0, 0, 1) in OpenGL.
+const LightAnswers distance{
+    "DistanceLight",
+    {{"Intensity",
+      "0.65",
+      {{"DistanceLightIntensity$$", "13: 0.21 0.44 0.79 0.57"}, // full strength, not the default
+       {"glLightfv LIGHT2 DIFFUSE", "0.21 0.44 0.79 1"}}},
+     {"Specular",
+      "0.123456789",
+      {{"DistanceLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+     {"lightposition",
+      "3.1 -4.2 5.6",
+      {{"DistanceLightDirection$$", "11: 0.34793873004788 0.29074332236877 -0.89129510299936"},
+       {"glLightfv LIGHT2 POSITION", "0 0 1 1"},
+       {"glLightfv LIGHT2 SPOT_DIRECTION", "7.3 6.1 -9.7 0"}}},
+     {"shineat",
+      "7.3 6.1 -8.7",
+      {{"DistanceLightDirection$$", "11: -0.40492615827205 0.54860963378794 -0.73147951171725"},
+       {"glLightfv LIGHT2 SPOT_DIRECTION", "-3.1 4.2 -5.6 0"}}},
+     {"color",
+      "0.21 0.44 0.79 0.57",
+      {{"DistanceLightIntensity$$", "13: 0.65 0.65 0.65 0.65"},
+       {"glLightfv LIGHT2 DIFFUSE", "0.65 0.65 0.65 1"}}}},
+    {{"DistanceLightDirection$$", "11: 0.23182847043682 0.56853172511887 -0.78932074458251"},
+     {"DistanceLightIntensity$$", "13: 0.13649999 0.28599998 0.5135 0.37049997"}, // alpha as well
+     {"DistanceLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
+     // Nothing of attenuation, ambient colour and cut-off.
+     {"glLightfv LIGHT2 DIFFUSE", "0.1365 0.286 0.51350003 1"},
+     {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
+     {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.6 1"},
+     {"glLightfv LIGHT2 SPOT_DIRECTION", "4.2 10.3 -14.3 0"}, // of any length
+     {"glEnable LIGHT2", ""},
+     {"glEnable LIGHTING", ""}}};
+
+INSTANTIATE_TEST_SUITE_P(DistanceLight, EveryLight, testing::Values(distance));
 
 TEST_F(DistanceLight, DefaultFixedFunctionLight) {
     EXPECT_EQ(call("POSITION"), "0 0 1 1");
@@ -119,78 +144,12 @@ TEST_F(DistanceLight, PositionAtTheTargetIsNotGuarded) {
 TEST_F(DistanceLight, MovingBothPointsMovesTheFixedFunctionLightAlone) {
     set("lightposition", "1 2 4");
     set("shineat", "2 4 6");
-    const auto before = light.source().uniforms();
+    const DoubleTriple along{1 / 3.0, 2 / 3.0, 2 * (1 / 3.0)};
+    EXPECT_EQ(triple(direction), along);
     set("lightposition", "11 2 4");
     set("shineat", "12 4 6");
-    EXPECT_EQ(light.source().uniforms(), before);
+    EXPECT_EQ(triple(direction), along);
     EXPECT_EQ(call("POSITION"), "11 2 4 1");
-}
-
-TEST_F(DistanceLight, StrengthRoundsFirstInTheUniformAndLastInOpenGL) {
-    const float component = 0.7f;
-    double strength = 0.1;
-    while (static_cast<float>(strength) * component == static_cast<float>(component * strength))
-        strength += 0.001;
-    light.parameter("Intensity").setGlobalValue(Qelt::VValue<double>(strength));
-    set("color", "0.7 0.7 0.7 1");
-    EXPECT_EQ(color(intensity)[0], static_cast<float>(strength) * component);
-    const std::string product = Qelt::VValueTrait<Orvid::rgba_float_t>::Text(
-        {static_cast<float>(component * strength), static_cast<float>(component * strength),
-         static_cast<float>(component * strength), 1});
-    EXPECT_EQ(call("DIFFUSE"), product);
-}
-
-TEST_F(DistanceLight, FallbacksDifferBetweenThePaths) {
-    set("lightposition", "5 5 5");
-    set("shineat", "1 2 3");
-    for (const char* const name : {"Intensity", "Specular", "lightposition", "shineat", "color"})
-        remove(name);
-    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1})); // full strength of white
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1})); // from (0, 0, 10) to the origin
-    EXPECT_EQ(call("POSITION"), "0 0 1 1");
-    EXPECT_EQ(call("SPOT_DIRECTION"), "0 0 -1 0");
-    EXPECT_EQ(call("DIFFUSE"), "1 1 1 1");
-}
-
-TEST_F(DistanceLight, PositionAloneFallsBack) {
-    set("shineat", "0 10 10");
-    remove("lightposition");
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 1, 0})); // from (0, 0, 10)
-    EXPECT_EQ(call("SPOT_DIRECTION"), "0 10 9 0");         // from (0, 0, 1)
-}
-
-TEST_F(DistanceLight, TargetAloneFallsBack) {
-    set("lightposition", "0 3 4");
-    set("shineat", "5 5 5");
-    remove("shineat");
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, -0.6, -4 * (1 / 5.0)})); // to the origin
-    EXPECT_EQ(call("SPOT_DIRECTION"), "0 -3 -4 0");
-    EXPECT_EQ(call("POSITION"), "0 3 4 1");
-}
-
-TEST_F(DistanceLight, ColorAloneFallsBack) {
-    set("Intensity", "0.5");
-    set("color", "1 0 0 1");
-    putNumber("color");
-    EXPECT_EQ(color(intensity), (FloatColor{0.5f, 0.5f, 0.5f, 0.5f}));
-    EXPECT_EQ(call("DIFFUSE"), "0.5 0.5 0.5 1");
-}
-
-TEST_F(DistanceLight, FallsBackWhereValuesAreOfAnotherType) {
-    for (const char* const name : {"Intensity", "Specular"})
-        putColor(name);
-    for (const char* const name : {"lightposition", "shineat"})
-        putNumber(name);
-    EXPECT_EQ(color(intensity)[0], 1);
-    EXPECT_EQ(triple(direction), (DoubleTriple{0, 0, -1}));
-    EXPECT_EQ(call("POSITION"), "0 0 1 1");
-}
-
-TEST_F(DistanceLight, TakesComputedValues) {
-    put("lightposition", new ComputedValue<PhysicalSpace::point>({0, 0, 3}));
-    put("shineat", new ComputedValue<PhysicalSpace::point>({4, 0, 0}));
-    EXPECT_EQ(triple(direction), (DoubleTriple{0.8, 0, -3 * (1 / 5.0)}));
 }
 
 TEST_F(DistanceLight, AcceptsObjectsThatProvideAPoint) {

@@ -1,11 +1,10 @@
+#include "every_light.hpp"
 #include "tests/support/light_fixture.hpp"
 
 namespace {
 
 using namespace korl::test;
 using Orvid::PhysicalSpace;
-using testing::ElementsAre;
-using Property = Qelt::VCreatorPropertyBase;
 
 constexpr const char* intensity = "HeadlightIntensity$$";
 constexpr const char* specular = "HeadlightSpecularIntensity$$";
@@ -34,19 +33,13 @@ TEST_F(Headlight, HasItsIcon) {
 }
 
 TEST_F(Headlight, IsRegisteredTwice) {
-    const auto catalogue = Qelt::VCreatorBase::catalogue();
-    const Qelt::VCreatorBase &first = *catalogue.front(), &second = *catalogue.back();
-    EXPECT_EQ(first.creatorNumber(), -3000);
-    EXPECT_EQ(first.keyname("/"), "Headlight");
-    EXPECT_EQ(first.properties().all().size(), 1u);
-    EXPECT_EQ(second.creatorNumber(), 2000);
-    EXPECT_EQ(second.keyname("/"), "Scenery/Headlight");
-    ASSERT_EQ(second.properties().all().size(), 4u);
-    EXPECT_EQ(second.properties().all()[0].kind(), Property::Kind::date);
-    EXPECT_EQ(second.properties().all()[1].text(), "Headlight");
-    EXPECT_EQ(second.properties().all()[2].text(), "navigation/light/VHeadlight.cpp");
-    EXPECT_EQ(second.properties().all()[3].text(), "Scenery");
-    EXPECT_TRUE(first.type() == second.type());
+    expectCreators({{-3000, nullptr, {"name: Headlight"}},
+                    {2000,
+                     nullptr,
+                     {"date: of the build", "name: Headlight", "source: navigation/light/VHeadlight.cpp",
+                      "category: Scenery"}}});
+    EXPECT_EQ(Qelt::VCreatorBase::catalogue().front()->creatorNumber(), -3000); // ahead of all others
+    EXPECT_EQ(Qelt::VCreatorBase::catalogue().back()->creatorNumber(), 2000);   // and behind them
 }
 
 TEST_F(Headlight, EitherCreatorMakesTheSameKindOfObject) {
@@ -54,7 +47,8 @@ TEST_F(Headlight, EitherCreatorMakesTheSameKindOfObject) {
     const auto one = catalogue.front()->create("one"), other = catalogue.back()->create("other");
     const Qelt::VObject &made_by_one = *one.get(), &made_by_other = *other.get();
     EXPECT_TRUE(typeid(made_by_one) == typeid(made_by_other));
-    EXPECT_EQ(one->saveText(), other->saveText());
+    for (const auto& made : {one, other})
+        EXPECT_EQ(made->saveText(), "intensity = 0.8\nspecular = 0.8\npositionmv = 0 0 1\n");
     EXPECT_EQ(catalogue.back()->create("")->Name(), "Headlight");
 }
 
@@ -91,19 +85,33 @@ TEST_F(Headlight, WritesItsUniformsWhileItSetsUpOpenGL) {
     EXPECT_EQ(light.source().uniforms().at(intensity).index(), 13u);
 }
 
-TEST_F(Headlight, FixedFunctionCallsAreExact) {
-    set("intensity", "0.5");
-    set("specular", "0.25");
-    set("positionmv", "0.1 2 -3");
-    EXPECT_THAT(calls(),
-                ElementsAre("glLightf LIGHT0 CONSTANT_ATTENUATION 1", "glLightf LIGHT0 LINEAR_ATTENUATION 0",
-                            "glLightf LIGHT0 QUADRATIC_ATTENUATION 0",
-                            "glLightfv LIGHT0 DIFFUSE 0.5 0.5 0.5 1",
-                            "glLightfv LIGHT0 SPECULAR 0.25 0.25 0.25 0", "glLightfv LIGHT0 AMBIENT 0 0 0 1",
-                            "glMatrixMode MODELVIEW", "glPushMatrix", "glLoadIdentity",
-                            "glLightfv LIGHT0 POSITION 0.1 2 -3 1", "glPopMatrix", "glEnable LIGHT0",
-                            "glEnable LIGHTING"));
-}
+const LightAnswers headlight{
+    "Headlight",
+    {{"intensity",
+      "0.3",
+      {{"HeadlightIntensity$$", "13: 1 1 1 1"}, // not the default 0.8
+       {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}},
+     {"specular",
+      "0.7",
+      {{"HeadlightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 0"}}},
+     {"positionmv", "3.1 -4.2 5.3", {{"glLightfv LIGHT2 POSITION", "0 0 1 1"}}}},
+    {{"HeadlightIntensity$$", "13: 0.3 0.3 0.3 1"},
+     {"HeadlightSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
+     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+     {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
+     {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 0"}, // alpha 0 here, 1 in the uniform
+     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+     {"glMatrixMode MODELVIEW", ""},
+     {"glPushMatrix", ""},
+     {"glLoadIdentity", ""},
+     {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.3 1"},
+     {"glPopMatrix", ""},
+     {"glEnable LIGHT2", ""},
+     {"glEnable LIGHTING", ""}}};
+
+INSTANTIATE_TEST_SUITE_P(Headlight, EveryLight, testing::Values(headlight));
 
 TEST_F(Headlight, DefaultFixedFunctionLight) {
     EXPECT_EQ(call("DIFFUSE"), "0.8 0.8 0.8 1");
@@ -140,31 +148,6 @@ TEST_F(Headlight, EachContextsLightNumberCounts) {
     takeRecordedCalls();
     light.light.environment_render(light.other_context);
     EXPECT_THAT(takeRecordedCalls(), testing::Contains("glEnable LIGHT4"));
-}
-
-TEST_F(Headlight, FallsBackWhereParametersWereRemoved) {
-    set("positionmv", "1 2 3");
-    for (const char* const name : {"intensity", "specular", "positionmv"})
-        remove(name);
-    EXPECT_EQ(rendered(intensity), (FloatColor{1, 1, 1, 1})); // not the default 0.8
-    EXPECT_EQ(rendered(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(call("SPECULAR"), "1 1 1 0");
-    EXPECT_EQ(call("POSITION"), "0 0 1 1");
-}
-
-TEST_F(Headlight, FallsBackWhereValuesAreOfAnotherType) {
-    putColor("intensity");
-    putColor("specular");
-    putNumber("positionmv");
-    EXPECT_EQ(rendered(intensity), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(call("POSITION"), "0 0 1 1");
-}
-
-TEST_F(Headlight, TakesComputedValues) {
-    put("intensity", new ComputedValue<double>(0.5));
-    put("positionmv", new ComputedValue<PhysicalSpace::point>({1, 2, 3}));
-    EXPECT_EQ(rendered(intensity)[0], 0.5f);
-    EXPECT_EQ(call("POSITION"), "1 2 3 1");
 }
 
 } // namespace

@@ -25,8 +25,6 @@ using Qelt::VValueCreator;
 using Tessan::StrongPtr;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
-using Property = Qelt::VCreatorPropertyBase;
 
 constexpr const char* entry_point = "KORL_API_2026_JAN_22__tovek_light";
 
@@ -88,27 +86,6 @@ TEST(Module, TracesItsCreatorsAtLoad) {
               "VCreator::VCreator(Scenery/DirectionalLight,0)\n"
               "VCreator::VCreator(Scenery/AmbientLight,0)\n");
     EXPECT_EQ(traceOf(99, [] { const LoadedModule module; }), "");
-}
-
-TEST(Module, CreatorsCarryTheirProperties) {
-    const LoadedModule module;
-    const VCreatorBase* const creator = VCreatorBase::find("AmbientLight");
-    ASSERT_NE(creator, nullptr);
-    EXPECT_EQ(creator->creatorNumber(), 0);
-    EXPECT_TRUE(creator->preferences().empty());
-    const auto& properties = creator->properties().all();
-    std::vector<Property::Kind> kinds;
-    for (const Property& property : properties)
-        kinds.push_back(property.kind());
-    using Kind = Property::Kind;
-    ASSERT_THAT(kinds, ElementsAre(Kind::description, Kind::group, Kind::date, Kind::name, Kind::source,
-                                   Kind::category));
-    EXPECT_EQ(properties[0].text(), "A light source that lights everything.");
-    EXPECT_EQ(properties[1].text(), "General");
-    EXPECT_THAT(properties[2].text(), MatchesRegex("[A-Z][a-z][a-z] [ 0-9][0-9] [0-9][0-9][0-9][0-9]"));
-    EXPECT_EQ(properties[3].text(), "AmbientLight");
-    EXPECT_EQ(properties[4].text(), "navigation/light/AmbientLight.cpp");
-    EXPECT_EQ(properties[5].text(), "Scenery");
 }
 
 TEST(Module, RegistersCreatorsOfItsValueTypesOnceAndWithdrawsThem) {

@@ -1,3 +1,4 @@
+#include "every_light.hpp"
 #include "tests/support/light_fixture.hpp"
 
 #include <cmath>
@@ -6,7 +7,6 @@
 namespace {
 
 using namespace korl::test;
-using testing::ElementsAre;
 
 constexpr const char* intensity = "SunIntensity$$";
 constexpr const char* specular = "SunSpecularIntensity$$";
@@ -39,12 +39,12 @@ TEST_F(Sun, HasItsParameters) {
 }
 
 TEST_F(Sun, CreatorCarriesItsProperties) {
-    expectCreator("Sun",
-                  {"A light source that is specified by altitude and azimuth angles, and changes its color "
-                   "when setting or "
-                   "rising..",
-                   "DATE", "Sun", "navigation/light/Sun.cpp", "Scenery"},
-                  &typeid(Orvid::PhysicalSpace::vector));
+    expectCreators(
+        {{0,
+          &typeid(Orvid::PhysicalSpace::vector),
+          {"description: A light source that is specified by altitude and azimuth angles, and changes its "
+           "color when setting or rising..",
+           "date: of the build", "name: Sun", "source: navigation/light/Sun.cpp", "category: Scenery"}}});
 }
 
 TEST_F(Sun, SnippetIsExact) {
@@ -139,53 +139,44 @@ TEST_F(Sun, AgreesWithALongDoubleReference) {
     EXPECT_LE(largest, 4 * ulp);
 }
 
-TEST_F(Sun, FixedFunctionCallsAreExactAtAnyTime) {
-    for (const double hour : {0.0, 9.0, 12.0}) {
-        directionAt(52, hour);
-        EXPECT_THAT(
-            calls(),
-            ElementsAre("glLightf LIGHT0 CONSTANT_ATTENUATION 1", "glLightf LIGHT0 LINEAR_ATTENUATION 0",
-                        "glLightf LIGHT0 QUADRATIC_ATTENUATION 0", "glLightfv LIGHT0 DIFFUSE 0.9 0.9 0.9 1",
-                        "glLightfv LIGHT0 AMBIENT 0 0 0 1", "glLightfv LIGHT0 SPECULAR 0.1 0.1 0.1 1",
-                        "glLightfv LIGHT0 POSITION 0 0 1 0", "glLightfv LIGHT0 SPOT_DIRECTION 0 0 -1 0",
-                        "glLightf LIGHT0 SPOT_CUTOFF 180", "glEnable LIGHT0", "glEnable LIGHTING"));
-    }
-}
+const LightAnswers sun{
+    "Sun",
+    {{"Intensity",
+      "0.3",
+      {{"SunIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}}, // not the default 0.9
+     {"Specular",
+      "0.7",
+      {{"SunSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+     // The strengths may be computed, but the sky must be held.
+     {"latitude",
+      "-20",
+      {{"SunDirection$$", "11: -0.92387953251129 -0.2705980500731 -0.2705980500731"}}, // 45 degrees
+      true},
+     {"timeofday",
+      "7.5",
+      {{"SunDirection$$", "11: -1.2246467991474e-16 0.34202014332567 -0.93969262078591"}}, // noon
+      true}},
+    {{"SunDirection$$", "11: -0.92387953251129 0.13088544238587 -0.3596047974905"},
+     {"SunIntensity$$", "13: 0.3 0.3 0.3 0.3"},
+     {"SunSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
+     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+     {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
+     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+     {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 1"},
+     {"glLightfv LIGHT2 POSITION", "0 0 1 0"}, // whatever the latitude and the time
+     {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"},
+     {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
+     {"glEnable LIGHT2", ""},
+     {"glEnable LIGHTING", ""}}};
+
+INSTANTIATE_TEST_SUITE_P(Sun, EveryLight, testing::Values(sun));
 
 TEST_F(Sun, NoStrengthLeavesTheOpenGLAlpha) {
     set("Intensity", "0");
     EXPECT_EQ(color(intensity), (FloatColor{0, 0, 0, 0}));
     EXPECT_EQ(call("DIFFUSE"), "0 0 0 1");
-}
-
-TEST_F(Sun, FallsBackWhereParametersWereRemoved) {
-    for (const char* const name : {"Intensity", "Specular", "latitude", "timeofday"})
-        remove(name);
-    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1})); // not the default 0.9
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(call("DIFFUSE"), "1 1 1 1");
-    EXPECT_EQ(call("SPECULAR"), "1 1 1 1");
-    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15); // latitude 45, noon
-}
-
-TEST_F(Sun, FallsBackWhereValuesAreOfAnotherType) {
-    directionAt(10, 8);
-    for (const char* const name : {"Intensity", "Specular", "latitude", "timeofday"})
-        putColor(name);
-    EXPECT_EQ(color(intensity)[0], 1);
-    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15);
-}
-
-TEST_F(Sun, StrengthsMayBeComputedButTheSkyMustBeHeld) {
-    put("Intensity", new ComputedValue<double>(0.25));
-    put("Specular", new ComputedValue<double>(0.5));
-    put("latitude", new ComputedValue<double>(0));
-    put("timeofday", new ComputedValue<double>(6));
-    EXPECT_EQ(color(intensity)[0], 0.25f);
-    EXPECT_EQ(color(specular)[0], 0.5f);
-    EXPECT_EQ(call("DIFFUSE"), "0.25 0.25 0.25 1");
-    EXPECT_NEAR(triple(direction)[0], 0, 1e-15); // noon
-    EXPECT_NEAR(triple(direction)[1], -std::sqrt(0.5), 1e-15);
 }
 
 TEST_F(Sun, HasNoInputOfItsDeclaredType) {

@@ -1,3 +1,4 @@
+#include "every_light.hpp"
 #include "tests/support/light_fixture.hpp"
 
 #include <cmath>
@@ -42,7 +43,10 @@ TEST_F(Torch, HasItsIcons) {
 
 TEST_F(Torch, CreatorCarriesItsProperties) {
     // No description; the name comes from the file's.
-    expectCreator("Torch", {"DATE", "Torch", "navigation/light/Torch.cpp", "Scenery"}, nullptr);
+    expectCreators(
+        {{0,
+          nullptr,
+          {"date: of the build", "name: Torch", "source: navigation/light/Torch.cpp", "category: Scenery"}}});
     EXPECT_EQ(light.light.help(), "");
 }
 
@@ -100,11 +104,25 @@ TEST_F(Torch, DefaultsGiveTheirUniforms) {
     EXPECT_EQ(number(scale_distance), 1000);
 }
 
+/// No fixed-function light: the uniforms are all there is.
+const LightAnswers torch{"Torch",
+                         {{"intensity", "0.3", {{"TorchIntensity$$", "13: 1 1 1 1"}}}, // not the default 0.8
+                          {"specular", "0.7", {{"TorchSpecularIntensity$$", "13: 1 1 1 1"}}},
+                          {"elevation", "7.1", {{"TorchElevation$$", "11: 0 0 100"}}},
+                          {"scaleDistance", "20.3", {{"TorchScaleDistance$$", "2: 1000"}}},
+                          {"up", "1 0.5 0.25", {}}, // never read
+                          {"location", "3.1 -4.2 5.3", {{"TorchLocation$$", "10: 0 0 0"}}}},
+                         {{"TorchElevation$$", "11: 0 0 7.1"},
+                          {"TorchIntensity$$", "13: 0.3 0.3 0.3 1"},
+                          {"TorchLocation$$", "10: 3.1 -4.2 5.3"},
+                          {"TorchScaleDistance$$", "2: 20.3"},
+                          {"TorchSpecularIntensity$$", "13: 0.7 0.7 0.7 1"}}};
+
+INSTANTIATE_TEST_SUITE_P(Torch, EveryLight, testing::Values(torch));
+
 TEST_F(Torch, ElevationActsAlongZWhateverUpSays) {
     set("elevation", "7");
-    const auto before = light.source().uniforms();
     set("up", "1 0 0");
-    EXPECT_EQ(light.source().uniforms(), before);
     EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 7}));
 }
 
@@ -133,39 +151,6 @@ TEST_F(Torch, StrengthsAreRoundedToSinglePrecisionAndTheRestIsNot) {
     EXPECT_EQ(color(intensity)[0], 0.1f);
     EXPECT_EQ(triple(elevation)[2], 0.1);
     EXPECT_EQ(point(location), (PhysicalSpace::point{0.1, 0.2, 1e-300}));
-}
-
-TEST_F(Torch, SetsUpNoFixedFunctionLight) {
-    EXPECT_THAT(calls(), testing::IsEmpty());
-}
-
-TEST_F(Torch, FallsBackWhereParametersWereRemoved) {
-    set("location", "1 2 3");
-    for (const char* const name : {"intensity", "specular", "elevation", "scaleDistance", "up", "location"})
-        remove(name);
-    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1})); // not the default 0.8
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 100}));
-    EXPECT_EQ(number(scale_distance), 1000);
-    EXPECT_EQ(point(location), (PhysicalSpace::point{0, 0, 0}));
-}
-
-TEST_F(Torch, FallsBackWhereValuesAreOfAnotherType) {
-    for (const char* const name : {"intensity", "specular", "elevation", "scaleDistance"})
-        putColor(name);
-    putNumber("location");
-    EXPECT_EQ(color(intensity), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(color(specular), (FloatColor{1, 1, 1, 1}));
-    EXPECT_EQ(triple(elevation), (DoubleTriple{0, 0, 100}));
-    EXPECT_EQ(number(scale_distance), 1000);
-    EXPECT_EQ(point(location), (PhysicalSpace::point{0, 0, 0}));
-}
-
-TEST_F(Torch, TakesComputedValues) {
-    put("elevation", new ComputedValue<double>(3));
-    put("location", new ComputedValue<PhysicalSpace::point>({1, 2, 3}));
-    EXPECT_EQ(triple(elevation)[2], 3);
-    EXPECT_EQ(point(location), (PhysicalSpace::point{1, 2, 3}));
 }
 
 } // namespace
