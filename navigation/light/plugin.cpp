@@ -5,6 +5,7 @@
 
 #include <sorvik/initialization.hpp>
 
+#include <cstdlib>
 #include <memory>
 
 namespace tovek {
@@ -18,12 +19,11 @@ namespace {
 
 constexpr const char* module_name = "tovek_light";
 
-/// Gives the list of at-unload hooks a first entry, which does nothing.
+/// Gives the library's list of at-unload hooks a first entry, which does nothing.
 struct EmptyHook {
-    EmptyHook() = default;
-    EmptyHook(const EmptyHook&) = delete;
-    EmptyHook& operator=(const EmptyHook&) = delete;
-    ~EmptyHook() {} // NOLINT(modernize-use-equals-default): a defaulted destructor would be no hook at all
+    EmptyHook() {
+        std::atexit([] {});
+    }
 };
 
 /// Tells the shell that the module comes and goes. An exception on the way out ends the process.

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <link.h>
 #include <string>
 
 namespace korl::test {
@@ -18,6 +19,13 @@ public:
     LoadedModule& operator=(const LoadedModule&) = delete;
 
     void* symbol(const char* name) const { return dlsym(my_handle, name); }
+
+    /// The module as the loader lists it.
+    const link_map* linkMap() const {
+        link_map* map = nullptr;
+        EXPECT_EQ(dlinfo(my_handle, RTLD_DI_LINKMAP, &map), 0) << dlerror();
+        return map;
+    }
 
     void unload() {
         if (my_handle) {

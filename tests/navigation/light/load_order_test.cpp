@@ -11,19 +11,65 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
 std::vector<std::string> calls;
 bool unloading_throws = false;
+std::string failing_call; ///< The call that throws; empty for none.
+
+void registerAs(const std::string& call) {
+    calls.push_back(call);
+    if (call == failing_call)
+        throw std::runtime_error("the shell refuses: " + call);
+}
+
+/// A hook that the module has put into the list of what is run when it is unloaded.
+struct Hook {
+    void (*function)(void*);
+    void* argument;
+    std::string name;
+};
+
+/// How many there were since the test began.
+int hooks = 0;
+
+void runHook(void* hook) {
+    const std::unique_ptr<Hook> run(static_cast<Hook*>(hook));
+    calls.push_back("at unload: " + run->name);
+    run->function(run->argument);
+}
+
+bool isOfTheModule(const void* library) {
+    Dl_info found{};
+    return library && dladdr(library, &found) != 0 && std::string_view(found.dli_fname) == TOVEK_LIGHT_MODULE;
+}
 
 } // namespace
 
+/// The runtime's own: through it go the destructors of static objects and the functions given to `atexit`.
+extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*function)(void*), void* argument,
+                                                                   void* library) {
+    using Register = int(void (*)(void*), void*, void*);
+    static auto* const runtime = reinterpret_cast<Register*>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+    if (!isOfTheModule(library))
+        return runtime(function, argument, library);
+    const std::string name = "hook " + std::to_string(++hooks);
+    calls.push_back("registered: " + name);
+    return runtime(&runHook, new Hook{function, argument, name}, library);
+}
+
 void VInitialization::initPlugin(int reason, const char* name, const char* version_key) {
-    calls.push_back("initPlugin " + std::to_string(reason) + " " + name + " " + version_key);
+    registerAs("initPlugin " + std::to_string(reason) + " " + name + " " + version_key);
     if (reason == unloading && unloading_throws)
         throw std::runtime_error("the shell is upset");
 }
@@ -34,16 +80,16 @@ void Qelt::Vprintf(int verbosity, const char* format, ...) {
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    calls.push_back("Vprintf " + std::to_string(verbosity) + " " + text);
+    registerAs("Vprintf " + std::to_string(verbosity) + " " + text);
 }
 
 void Qelt::VValueCreator::registerCreator(const VValueCreator&, const std::string& type_name) {
-    calls.push_back("registerCreator " + type_name);
+    registerAs("registerCreator " + type_name);
 }
 
 void Qelt::TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type, const TypedSlotCreator&,
                                                       const std::string& name) {
-    calls.push_back("registerTypedSlotCreator " + Tessan::Typename(type) + " " + name);
+    registerAs("registerTypedSlotCreator " + Tessan::Typename(type) + " " + name);
 }
 
 bool Qelt::TypedSlotCreator::unregisterTypedSlotCreator(const std::type_info& type, const TypedSlotCreator&,
@@ -62,7 +108,7 @@ std::size_t Qelt::VCreatorBase::deleteAllInstances(const std::type_info& type) {
 // Those of the Qt resource system likewise.
 __attribute__((visibility("default"))) bool
 qRegisterResourceData(int version, const unsigned char*, const unsigned char*, const unsigned char*) {
-    calls.push_back("qRegisterResourceData " + std::to_string(version));
+    registerAs("qRegisterResourceData " + std::to_string(version));
     return true;
 }
 
@@ -74,42 +120,96 @@ qUnregisterResourceData(int version, const unsigned char*, const unsigned char*,
 
 namespace {
 
-using testing::ElementsAre;
+/// What the module does at load, and how it is taken back at unload; empty where there is nothing to take
+/// back.
+struct Step {
+    std::string call, withdrawal;
+};
+
+std::vector<Step> steps() {
+    const auto creator = [](const std::string& key, const std::string& type, int creators) {
+        return Step{"Vprintf 100 VCreator::VCreator(" + key + ")\n",
+                    "deleteAllInstances " + type + " of " + std::to_string(creators) + " creators"};
+    };
+    const auto values = [](const std::string& type) { return Step{"registerCreator " + type, ""}; };
+    const auto slots = [](const std::string& type) {
+        return Step{"registerTypedSlotCreator " + type + " " + type,
+                    "unregisterTypedSlotCreator " + type + " " + type};
+    };
+    const std::string color = "Orvid::rgba_float_t", point = "Orvid::PhysicalSpace::point",
+                      vector = "Orvid::PhysicalSpace::vector";
+    return {
+        {"initPlugin 0 tovek_light KORL_API_VERSION", "initPlugin 1 tovek_light KORL_API_VERSION"},
+        creator("Headlight,-3000", "Headlight", 1),
+        creator("Scenery/Headlight,2000", "Headlight", 2),
+        values("double"),
+        slots("double"),
+        slots(point),
+        creator("Scenery/Torch,0", "Torch", 3),
+        slots(vector),
+        creator("Scenery/Sun,0", "DirectionalLight", 4), // the class of the Sun
+        creator("Scenery/DistanceLight,0", "MyLightSource", 5),
+        values(color),
+        slots(color),
+        creator("Scenery/DirectionalLight,0", "DirectionalLight", 6),
+        {"qRegisterResourceData 3", "qUnregisterResourceData 3"},
+        creator("Scenery/AmbientLight,0", "AmbientLight", 7),
+    };
+}
+
+/// What takes back the first steps, in reverse.
+std::vector<std::string> withdrawalOf(std::size_t count) {
+    std::vector<std::string> withdrawal;
+    for (std::size_t i = count; i-- > 0;)
+        if (!steps()[i].withdrawal.empty())
+            withdrawal.push_back(steps()[i].withdrawal);
+    return withdrawal;
+}
 
 TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
+    hooks = 0;
     korl::test::LoadedModule module;
-    const std::string color = "Orvid::rgba_float_t", number = "double";
-    const std::string point = "Orvid::PhysicalSpace::point";
-    const std::string vector = "Orvid::PhysicalSpace::vector";
-    const auto made = [](const std::string& creator) {
-        return "Vprintf 100 VCreator::VCreator(" + creator + ")\n";
-    };
-    const auto slots = [](const std::string& type) {
-        return "registerTypedSlotCreator " + type + " " + type;
-    };
-    EXPECT_THAT(std::exchange(calls, {}),
-                ElementsAre("initPlugin 0 tovek_light KORL_API_VERSION", made("Headlight,-3000"),
-                            made("Scenery/Headlight,2000"), "registerCreator " + number, slots(number),
-                            slots(point), made("Scenery/Torch,0"), slots(vector), made("Scenery/Sun,0"),
-                            made("Scenery/DistanceLight,0"), "registerCreator " + color, slots(color),
-                            made("Scenery/DirectionalLight,0"), "qRegisterResourceData 3",
-                            made("Scenery/AmbientLight,0")));
+    std::vector<std::string> expected{"registered: hook 1"}; // which is empty
+    for (const Step& step : steps())
+        expected.push_back(step.call);
+    expected.emplace_back("registered: hook 2");
+    EXPECT_EQ(std::exchange(calls, {}), expected);
+
     module.unload();
-    const auto withdrawn = [](const std::string& type) {
-        return "unregisterTypedSlotCreator " + type + " " + type;
-    };
-    const auto deleted = [](const std::string& type, int creators) {
-        return "deleteAllInstances " + type + " of " + std::to_string(creators) + " creators";
-    };
-    EXPECT_THAT(std::exchange(calls, {}),
-                ElementsAre(deleted("AmbientLight", 7), "qUnregisterResourceData 3",
-                            deleted("DirectionalLight", 6), withdrawn(color),
-                            deleted("MyLightSource", 5),    // the class of the DistanceLight
-                            deleted("DirectionalLight", 4), // that of the Sun
-                            withdrawn(vector), deleted("Torch", 3), withdrawn(point), withdrawn(number),
-                            deleted("Headlight", 2), deleted("Headlight", 1),
-                            "initPlugin 1 tovek_light KORL_API_VERSION"));
+    expected = withdrawalOf(steps().size());
+    expected.insert(expected.begin(), "at unload: hook 2");
+    expected.emplace_back("at unload: hook 1");
+    EXPECT_EQ(std::exchange(calls, {}), expected);
     EXPECT_TRUE(Qelt::VCreatorBase::catalogue().empty());
+}
+
+/// Loads the module, prints what it did after the call that throws, and ends the process, in which the loader
+/// has been left in the middle of its work.
+[[noreturn]] void loadUntil(const std::string& call) {
+    failing_call = call;
+    try {
+        dlopen(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_LOCAL);
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        bool after = false;
+        for (const std::string& made : calls) {
+            if (after)
+                std::fprintf(stderr, "%s\n", made.c_str());
+            after = after || made == call;
+        }
+        std::_Exit(Qelt::VCreatorBase::catalogue().empty() ? 0 : 1);
+    }
+    std::_Exit(2);
+}
+
+TEST(LoadOrderDeathTest, WhatWasRegisteredIsWithdrawnWhereTheShellRefuses) {
+    for (std::size_t i = 0; i < steps().size(); ++i) {
+        const std::string call = steps()[i].call;
+        std::string expected = "the shell refuses: " + call + "\n";
+        for (const std::string& withdrawal : withdrawalOf(i))
+            expected += withdrawal + "\n";
+        EXPECT_EXIT(loadUntil(call), testing::ExitedWithCode(0), testing::Eq(expected));
+    }
 }
 
 TEST(LoadOrderDeathTest, ExceptionFromTheShellAtUnloadEndsTheProcess) {
