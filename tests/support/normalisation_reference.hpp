@@ -3,7 +3,9 @@
 #include <orvid/fixed_array.hpp>
 #include <orvid/physical_space.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
@@ -52,7 +54,58 @@ public:
                     expectAgreement({x, y, z});
     }
 
+    /// Along the axes a component is 1 and the others stay what they are, zeros with their signs.
+    void expectAxesToStay() const {
+        for (const double length : {1.0, 5.0, 49.0, 0.1, 1e-300, 1e300})
+            for (const double sign : {1.0, -1.0})
+                for (const double zero : {0.0, -0.0}) {
+                    const double along = sign * length, inverse = 1 / length; // 49 times it is below 1
+                    expectBits({along, zero, zero}, sign, zero, zero);
+                    expectBits({zero, along, zero}, zero, sign, zero);
+                    expectBits({zero, zero, along}, zero, zero, along * inverse);
+                }
+    }
+
+    /// Random vectors, and every combination of simple components: both signs, 1, and equal ones among them.
+    void expectRoundingsOfTheFormula() const {
+        std::mt19937_64 random(5);
+        std::uniform_real_distribution<double> any(-1, 1);
+        int differing = 0;
+        for (int i = 0; i < 2000; ++i)
+            differing += expectRoundings({any(random), any(random), any(random)});
+        EXPECT_GT(differing, 20);
+        constexpr double chosen[] = {0, 0.25, -0.5, 1, -1, 3, -7};
+        for (const double x : chosen)
+            for (const double y : chosen)
+                for (const double z : chosen)
+                    if (x != 0 || y != 0 || z != 0) {
+                        expectAgreement({x, y, z});
+                        expectRoundings({x, y, z});
+                    }
+    }
+
 private:
+    void expectBits(const Vector& v, double x, double y, double z) const {
+        const auto found = my_normalise(v);
+        const double expected[] = {x, y, z};
+        for (std::size_t i = 0; i < 3; ++i) {
+            EXPECT_EQ(found[i], expected[i]) << v.x << " " << v.y << " " << v.z << ", component " << i;
+            EXPECT_EQ(std::signbit(found[i]), std::signbit(expected[i]))
+                << v.x << " " << v.y << " " << v.z << ", component " << i;
+        }
+    }
+
+    /// x and y are divided by the length, z is multiplied by its reciprocal.
+    /// @returns whether that makes a difference for both kinds.
+    bool expectRoundings(const Vector& v) const {
+        const double m = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+        const double qx = v.x / m, qy = v.y / m, qz = v.z / m;
+        const double length = m * std::sqrt(qx * qx + qy * qy + qz * qz);
+        expectBits(v, v.x / length, v.y / length, v.z * (1 / length));
+        return v.z / length != v.z * (1 / length) && v.x / length != v.x * (1 / length) &&
+               v.y / length != v.y * (1 / length);
+    }
+
     void expectAgreement(const Vector& v) const {
         if (v.x == 0 && v.y == 0 && v.z == 0)
             return; // has no direction

@@ -45,6 +45,17 @@ TEST_P(EveryLight, LightSourceTakesTheTimeOfItsMaking) {
     EXPECT_EQ(young.source().age(), Tessan::Ageable::GlobalTime.load());
 }
 
+TEST_P(EveryLight, EachContextHasItsOwnLightSourceButForTheHeadlight) {
+    auto& source = light.source();
+    auto& other = light.otherSource();
+    EXPECT_EQ(&light.source(), &source); // from frame to frame
+    source.uniforms()["Own$$"] = 7;
+    const bool has_one_for_all = GetParam().type == "Headlight";
+    EXPECT_EQ(&source == &other, has_one_for_all);
+    EXPECT_EQ(source.serialNumber() == other.serialNumber(), has_one_for_all);
+    EXPECT_EQ(other.uniforms().contains("Own$$"), has_one_for_all);
+}
+
 TEST(EveryType, IsTestedAsEveryLight) {
     const LoadedModule module;
     std::set<std::string> types, tested;
