@@ -38,6 +38,16 @@ TEST_P(EveryLight, UniformsAreSpeltAsInTheSnippet) {
     }
 }
 
+TEST_P(EveryLight, StartsWithTheValuesThatItsMakerPrefers) {
+    Qelt::VCreationPreferences preferences;
+    for (const ParameterAnswers& parameter : GetParam().parameters)
+        preferences.prefer(parameter.name, parameter.value);
+    const auto made = Qelt::VCreatorBase::find(GetParam().type)->create("made", nullptr, preferences);
+    for (const ParameterAnswers& parameter : GetParam().parameters)
+        EXPECT_EQ(made->findParameter(parameter.name)->globalValue().Text(), parameter.value)
+            << parameter.name;
+}
+
 TEST_P(EveryLight, LightSourceTakesTheTimeOfItsMaking) {
     Tessan::Ageable clock;
     clock.grow();

@@ -6,6 +6,8 @@
 #include <array>
 #include <epoxy/gl.h>
 #include <gmock/gmock.h>
+#include <map>
+#include <string>
 
 namespace {
 
@@ -37,6 +39,17 @@ protected:
         GLTest::TearDown();
     }
 
+    static void set(ModuleLight& light, const std::map<std::string, std::string>& values) {
+        for (const auto& [parameter, text] : values)
+            ASSERT_TRUE(light.parameter(parameter).setGlobalValueFromText(text)) << parameter;
+    }
+
+    static void expectNoAttenuation() {
+        EXPECT_EQ(state(GL_CONSTANT_ATTENUATION)[0], 1);
+        EXPECT_EQ(state(GL_LINEAR_ATTENUATION)[0], 0);
+        EXPECT_EQ(state(GL_QUADRATIC_ATTENUATION)[0], 0);
+    }
+
     void setUp(ModuleLight& light) {
         light.context.setLightNumber(3);
         EXPECT_TRUE(light.light.environment_render(light.context));
@@ -47,23 +60,29 @@ protected:
 
 TEST_F(LightStateGLTest, DirectionalLight) {
     ModuleLight light("DirectionalLight");
-    light.parameter("direction").setGlobalValueFromText("0 -3 -4");
+    set(light,
+        {{"Intensity", "0.5"}, {"Specular", "0.1"}, {"direction", "1 -2 -2"}, {"color", "0.2 0.4 0.8 0.3"}});
     setUp(light);
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{static_cast<float>(0.7f * 0.9), static_cast<float>(0.7f * 0.9),
-                                       static_cast<float>(0.7f * 0.9), 1}));
+    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.1f, 0.2f, 0.4f, 1}));
     EXPECT_EQ(state(GL_AMBIENT), (Quad{0, 0, 0, 1}));
     EXPECT_EQ(state(GL_SPECULAR), (Quad{0.1f, 0.1f, 0.1f, 1}));
-    EXPECT_EQ(state(GL_POSITION), (Quad{0, 0.6f, 0.8f, 0}));
-    EXPECT_EQ(spotDirection(), (Triple{0, -0.6f, -0.8f}));
+    EXPECT_EQ(state(GL_POSITION), (Quad{-1 / 3.0f, 2 / 3.0f, 2 / 3.0f, 0}));
+    EXPECT_EQ(spotDirection(), (Triple{1 / 3.0f, -2 / 3.0f, -2 / 3.0f}));
     EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 180);
+    expectNoAttenuation();
 }
 
 TEST_F(LightStateGLTest, Sun) {
     ModuleLight light("Sun");
+    set(light, {{"Intensity", "0.3"}, {"Specular", "0.7"}, {"latitude", "10"}, {"timeofday", "8"}});
     setUp(light);
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.9f, 0.9f, 0.9f, 1}));
+    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.3f, 0.3f, 0.3f, 1}));
+    EXPECT_EQ(state(GL_AMBIENT), (Quad{0, 0, 0, 1}));
+    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.7f, 0.7f, 0.7f, 1}));
     EXPECT_EQ(state(GL_POSITION), (Quad{0, 0, 1, 0}));
     EXPECT_EQ(spotDirection(), (Triple{0, 0, -1}));
+    EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 180);
+    expectNoAttenuation();
 }
 
 TEST_F(LightStateGLTest, SunIsTakenInTheCurrentMatrix) {
@@ -79,17 +98,24 @@ TEST_F(LightStateGLTest, DistanceLightLeavesWhatItDoesNotSet) {
     glLightfv(GL_LIGHT2, GL_AMBIENT, odd.data());
     glLightf(GL_LIGHT2, GL_SPOT_CUTOFF, 33);
     glLightf(GL_LIGHT2, GL_LINEAR_ATTENUATION, 0.25f);
+    set(light, {{"Intensity", "0.5"},
+                {"Specular", "0.7"},
+                {"lightposition", "1 2 3"},
+                {"shineat", "5 4 -3"},
+                {"color", "0.2 0.4 0.8 0.3"}});
     setUp(light);
     EXPECT_EQ(state(GL_AMBIENT), odd);
     EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 33);
     EXPECT_EQ(state(GL_LINEAR_ATTENUATION)[0], 0.25f);
-    EXPECT_EQ(state(GL_POSITION), (Quad{0, 0, 1, 1}));
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.8f, 0.8f, 0.8f, 1}));
+    EXPECT_EQ(state(GL_POSITION), (Quad{1, 2, 3, 1}));
+    EXPECT_EQ(spotDirection(), (Triple{4, 2, -6}));
+    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.1f, 0.2f, 0.4f, 1}));
+    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.7f, 0.7f, 0.7f, 1}));
 }
 
 TEST_F(LightStateGLTest, HeadlightStandsInEyeSpaceWhateverTheScene) {
     ModuleLight light("Headlight");
-    light.parameter("positionmv").setGlobalValueFromText("1 2 3");
+    set(light, {{"intensity", "0.3"}, {"specular", "0.7"}, {"positionmv", "1 2 3"}});
     glMatrixMode(GL_MODELVIEW);
     glTranslatef(10, 20, 30);
     glRotatef(40, 1, 1, 0);
@@ -98,8 +124,8 @@ TEST_F(LightStateGLTest, HeadlightStandsInEyeSpaceWhateverTheScene) {
     glMatrixMode(GL_PROJECTION);
     setUp(light);
     EXPECT_EQ(state(GL_POSITION), (Quad{1, 2, 3, 1}));
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.8f, 0.8f, 0.8f, 1}));
-    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.8f, 0.8f, 0.8f, 0}));
+    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.3f, 0.3f, 0.3f, 1}));
+    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.7f, 0.7f, 0.7f, 0}));
     EXPECT_EQ(state(GL_AMBIENT), (Quad{0, 0, 0, 1}));
     glGetFloatv(GL_MODELVIEW_MATRIX, after.data());
     EXPECT_EQ(before, after);

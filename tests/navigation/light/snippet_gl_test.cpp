@@ -186,7 +186,7 @@ TEST_F(SnippetValueGLTest, AmbientLight) {
 TEST_F(SnippetValueGLTest, DirectionalLight) {
     ModuleLight light("DirectionalLight");
     set(light, "direction", "1 -2 -2");
-    set(light, "color", "0.2 0.4 0.8 1");
+    set(light, "color", "0.2 0.4 0.8 0.6");
     set(light, "Intensity", "1.5");
     set(light, "Specular", "0.3");
     expectLight(light, [](const glm::dvec3&) {
@@ -198,20 +198,22 @@ TEST_F(SnippetValueGLTest, DistanceLight) {
     ModuleLight light("DistanceLight");
     set(light, "lightposition", "1 1 3");
     set(light, "shineat", "2 -1 1");
-    set(light, "color", "1 0.5 0.25 1");
+    set(light, "color", "1 0.5 0.25 0.3");
+    set(light, "Specular", "0.3");
     expectLight(light, [](const glm::dvec3&) {
-        return Light{{1 / 3.0, -2 / 3.0, -2 / 3.0}, {0.8, 0.4, 0.2}, {0.8, 0.8, 0.8}};
+        return Light{{1 / 3.0, -2 / 3.0, -2 / 3.0}, {0.8, 0.4, 0.2}, {0.3, 0.3, 0.3}};
     });
 }
 
 TEST_F(SnippetValueGLTest, Sun) {
     ModuleLight light("Sun");
+    set(light, "Intensity", "0.6");
     set(light, "latitude", "52");
     set(light, "timeofday", "9");
     expectLight(light, [](const glm::dvec3&) {
         const double phi = glm::radians(52.0), t = glm::radians(135.0);
         return Light{{-std::sin(t), std::cos(t) * std::sin(phi), std::cos(t) * std::cos(phi)},
-                     {0.9, 0.9, 0.9},
+                     {0.6, 0.6, 0.6},
                      {0.1, 0.1, 0.1}};
     });
 }
