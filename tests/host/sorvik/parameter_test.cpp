@@ -117,6 +117,8 @@ TEST(Parameter, SettingTheGlobalValueIsTraced) {
                       }),
               "VParameter::setGlobalValue() got variable with 0.5 0.4 0.3 1\n");
     EXPECT_EQ(parameter.globalValue().Text(), "0.5 0.4 0.3 1");
+    EXPECT_EQ(traceOf(50, [&] { EXPECT_TRUE(parameter.setGlobalValueFromText("0.1 0.2 0.3 0.4")); }),
+              "VParameter::setGlobalValue() got variable with 0.1 0.2 0.3 0.4\n");
     EXPECT_EQ(traceOf(49, [&] { EXPECT_TRUE(parameter.setGlobalValueFromText("0 1 0 1")); }), "");
     EXPECT_EQ(parameter.globalValue().Text(), "0 1 0 1");
     EXPECT_EQ(parameter.DefaultValue().Text(), "1 1 1 1");

@@ -150,6 +150,21 @@ TEST(ValuePool, EachOneForgetsParametersThatGo) {
     }
 }
 
+TEST(ValuePool, ValueMayHoldWhatPoolsForgetInTurn) {
+    struct Holding : VValue<double> {
+        VValueParameter<double> inner{2, "inner"};
+    };
+    const StrongPtr<ValuePool> pool(new ValuePool);
+    const StrongPtr<VValueBase> inner_value = number(3);
+    {
+        const VValueParameter<double> passing(1, "p");
+        auto* const holding = new Holding;
+        pool->createVariable(passing, StrongPtr<VValueBase>(holding));
+        pool->createVariable(holding->inner, inner_value);
+    }
+    EXPECT_EQ(inner_value->controlBlock().strongCount(), 1);
+}
+
 TEST(ValuePool, MayGoBeforeTheParameter) {
     const StrongPtr<VValueBase> value = number(2);
     const VValueParameter<double> parameter(1, "p");

@@ -202,9 +202,12 @@ TEST(StrongPtr, PointersThatGoAfterTheirObjectSayNothing) {
     HeardReports heard;
     {
         const StrongPtr<Thing> first(new Thing), second = first;
+        const Tessan::ControlBlock& block = first->controlBlock();
         Counted::destroy(first.get());
+        const int count = block.strongCount();
         const StrongPtr<Thing> copy = second;
         EXPECT_FALSE(copy);
+        EXPECT_EQ(block.strongCount(), count); // the copy holds nothing
     }
     EXPECT_THAT(heard.places, IsEmpty());
     Counted::destroy(nullptr); // nothing to destroy

@@ -48,6 +48,10 @@ TEST(WeakPtr, LooksAtNothingUnlessTold) {
     EXPECT_THAT(heard.places, IsEmpty());
     EXPECT_EQ(empty.operator->(), nullptr);
     EXPECT_THAT(heard.places, ElementsAre("InvalidWeakPtr"));
+    const WeakPtr<DerivedThing, Thing> derived;
+    EXPECT_EQ(derived.operator->(), nullptr);
+    EXPECT_EQ(heard.messages.back(),
+              "a weak pointer to korl::test::DerivedThing was dereferenced, but its object is gone");
 }
 
 TEST(WeakPtr, CountsEveryPointer) {
@@ -105,6 +109,7 @@ TEST(WeakPtr, LooksAtObjectsOfDerivedClasses) {
 
 TEST(WeakPtr, LooksAtObjectsThatNobodyOwns) {
     WeakPtr<Thing> weak;
+    const ControlBlock* block = nullptr; // lives as long as `weak` looks at it
     {
         Thing on_the_stack;
         weak = WeakPtr<Thing>(&on_the_stack);
@@ -112,8 +117,12 @@ TEST(WeakPtr, LooksAtObjectsThatNobodyOwns) {
         EXPECT_TRUE(weak);
         EXPECT_EQ(on_the_stack.controlBlock().weakCount(), 1);
         EXPECT_EQ(on_the_stack.controlBlock().strongCount(), 0);
+        block = &on_the_stack.controlBlock();
     }
     EXPECT_FALSE(weak);
+    const StrongPtr<Thing> locked = weak.lock();
+    EXPECT_FALSE(locked);
+    EXPECT_EQ(block->strongCount(), 0); // no share in what has gone
 }
 
 TEST(WeakPtr, LockTakesAnObjectThatNobodyOwned) {
