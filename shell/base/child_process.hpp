@@ -17,8 +17,12 @@ struct ProcessStart {
     std::vector<std::pair<std::string, std::string>> environment{}; ///< beside what this process has
     std::filesystem::path folder{};                                 ///< to work in; empty for this process's
     int input = -1;              ///< its descriptor 0; -1 for nothing to read
+    int shared = -1;             ///< its descriptor 3, beside the usual three; -1 for none
     std::filesystem::path log{}; ///< takes its outputs; empty for standard error
 };
+
+/// The descriptor at which a program finds `ProcessStart::shared`.
+inline constexpr int shared_descriptor = 3;
 
 /// A program that runs beside this one, in a process group of its own: a Ctrl-C on the terminal ends it only
 /// through this process. Started without a fork that this process's threads, locks and drivers would have to

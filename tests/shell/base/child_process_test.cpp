@@ -5,8 +5,10 @@
 #include "shell/error.hpp"
 
 #include <chrono>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 namespace korl {
 namespace {
@@ -28,6 +30,18 @@ protected:
 TEST_F(ChildProcessTest, WorksInItsFolderWithItsLogAndEnvironment) {
     EXPECT_EQ(run("pwd; echo $KORL_WORD >&2; cat"), "exit code 0"); // nothing to read for cat
     EXPECT_EQ(test::bytesOf(folder / "log"), folder.path().string() + "\nspoken\n");
+}
+
+TEST_F(ChildProcessTest, GetsTheSharedDescriptorAsItsThird) {
+    const int file = ::open(folder.write("words", "shared words").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(file, 0);
+    ProcessStart start{"/bin/sh", {"-c", "cat <&3"}};
+    start.log = folder / "log";
+    start.shared = file;
+    EXPECT_EQ(endText(ChildProcess(start).wait()), "exit code 0");
+    EXPECT_EQ(test::bytesOf(folder / "log"), "shared words");
+    ::close(file);
+    EXPECT_EQ(run("cat <&3"), "exit code 2") << "without one there is none";
 }
 
 TEST_F(ChildProcessTest, TellsHowItEnded) {
