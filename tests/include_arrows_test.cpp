@@ -27,6 +27,9 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/scene",
      {"shell/error.hpp", "shell/base/", "shell/scene/", "doltra/", "palune/", "sorvik/", "tessan/",
       "orvid/"}},
+    {"shell/importer",
+     {"shell/error.hpp", "shell/base/", "shell/importer/", "shell/scene/", "doltra/", "palune/", "sorvik/",
+      "tessan/", "orvid/"}},
     {"shell/render",
      {"shell/error.hpp", "shell/base/", "shell/scene/", "shell/render/", "doltra/", "palune/", "sorvik/",
       "tessan/", "orvid/"}},
@@ -55,7 +58,8 @@ const std::map<std::string, std::regex> forbidden{
     {"navigation/light", std::regex("(EGL|epoxy|glm|assimp|nlohmann|CLI).*")},
     {"shell/base", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI).*")},
     {"shell/plugins", std::regex("(GL|EGL|epoxy|Q[A-Z]|assimp).*")},
-    {"shell/scene", std::regex("(GL|EGL|epoxy|Q[A-Z]).*")},
+    {"shell/scene", std::regex("(GL|EGL|epoxy|Q[A-Z]|assimp).*")},
+    {"shell/importer", std::regex("(GL|EGL|epoxy|Q[A-Z]).*")},
 };
 
 /// The beginnings of include paths that are the project's own.

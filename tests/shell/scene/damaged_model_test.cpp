@@ -3,6 +3,7 @@
 #include "shell/error.hpp"
 #include "tests/shell/scene/model_files.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -46,7 +47,8 @@ TEST_F(DamagedModelTest, WhatIsNoModelIsRefused) {
               prefix + "/missing.obj: there is no such file; check the path");
     EXPECT_EQ(errorOf(my_folder / "folder.obj"),
               prefix + "/folder.obj: it is a directory; give the name of a model file");
-    EXPECT_EQ(errorOf(my_folder / "pipe.obj"), prefix + "/pipe.obj: it is no regular file");
+    EXPECT_EQ(errorOf(my_folder / "pipe.obj"),
+              prefix + "/pipe.obj: it is a FIFO; give the name of a model file");
     EXPECT_EQ(errorOf(""), "cannot read the model : there is no such file; check the path");
     EXPECT_EQ(errorOfText("empty.obj", ""), "it is empty");
     EXPECT_EQ(errorOfText("model.xyz", "v 0 0 0\n"),
@@ -93,19 +95,22 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
         {"zero.ply", std::string("ply\nformat ascii 1.0\nelement vertex 0\0\nend_header\n", 51),
          damaged + "its header has bytes that are no text"},
         {"missing.ply", ply + "0 0 0\n1 0 0\n", damaged + "vertex 2 of 3 is missing"},
-        {"short.ply", ply + "0 0 0\n1 0\n0 1 0\n3 0 1 2\n", damaged + "vertex 1 of 3 is incomplete"},
-        {"word.ply", ply + "0 0 0\n1 zero 0\n0 1 0\n3 0 1 2\n", damaged + "vertex 1 of 3 is incomplete"},
+        {"short.ply", ply + "0 0 0\n1 0\n0 1 0\n3 0 1 2\n", damaged + "line 11: vertex 1 of 3 is incomplete"},
+        {"word.ply", ply + "0 0 0\n1 zero 0\n0 1 0\n3 0 1 2\n",
+         damaged + "line 11: vertex 1 of 3 is incomplete"},
         {"face.ply", ply + vertices, damaged + "face 0 of 1 is missing"},
-        {"corner.ply", ply + vertices + "3 0 1\n", damaged + "face 0 of 1 is incomplete"},
-        {"two.ply", ply + vertices + "2 0 1\n", damaged + "face 0 of 1 has fewer than 3 corners"},
-        {"minus.ply", ply + vertices + "-1 0 1 2\n", damaged + "face 0 of 1 has a list without a length"},
+        {"corner.ply", ply + vertices + "3 0 1\n", damaged + "line 13: face 0 of 1 is incomplete"},
+        {"two.ply", ply + vertices + "2 0 1\n", damaged + "line 13: face 0 of 1 has fewer than 3 corners"},
+        {"minus.ply", ply + vertices + "-1 0 1 2\n",
+         damaged + "line 13: \"-1\" is beyond the type \"uchar\""},
         {"endless.ply", ply + vertices + "1e300 0 1 2\n",
-         damaged + "face 0 of 1 has a list without a length"},
-        {"nan.ply", ply + vertices + "nan 0 1 2\n", damaged + "face 0 of 1 has a list without a length"},
+         damaged + "line 13: \"1e300\" is not a whole number, as the type \"uchar\" takes"},
+        {"nan.ply", ply + vertices + "nan 0 1 2\n",
+         damaged + "line 13: \"nan\" is not a whole number, as the type \"uchar\" takes"},
         {"beyond.ply", ply + vertices + "3 0 1 3\n",
-         damaged + "face 0 of 1 leads to a vertex that does not exist"},
+         damaged + "line 13: face 0 of 1 leads to a vertex that does not exist"},
         {"below.ply", ply + vertices + "3 0 -1 2\n",
-         damaged + "face 0 of 1 leads to a vertex that does not exist"},
+         damaged + "line 13: face 0 of 1 leads to a vertex that does not exist"},
         {"binary.ply",
          "ply\nformat binary_little_endian 1.0\nelement vertex 3\nproperty char x\nend_header\nab",
          damaged + "it ends before the last vertex"},
@@ -113,7 +118,9 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
          damaged + "it has no \"endsolid\""},
         {"text.glb", "glTF, but no more than that",
          damaged + "its length or that of a chunk is not what its head tells"},
-        {"text.gltf", "{ \"asset\"", damaged + "its content is not what its extension tells"},
+        {"text.gltf", "{ \"asset\"",
+         "this is no JSON: parse error at line 1, column 10: syntax error while parsing object separator - "
+         "unexpected end of input; expected ':'"},
     };
     for (const auto& [name, text, message] : rows)
         EXPECT_EQ(errorOfText(name, text), message) << name;
@@ -140,7 +147,7 @@ TEST_F(DamagedModelTest, AFileThatMayNotBeOpenedIsRefused) {
 }
 
 /// However short a file is cut, it is refused or gives a valid mesh. What is lost can't always be seen in a
-/// text.
+/// text. Each reading is a process, so that not every length is tried.
 TEST(ModelTruncationTest, NoModelThatIsCutShortDoesHarm) {
     const TemporaryFolder folder;
     for (const std::string companion : {"corner.bin", "corner.mtl"})
@@ -149,14 +156,17 @@ TEST(ModelTruncationTest, NoModelThatIsCutShortDoesHarm) {
         const std::string whole = bytesOf(data / name);
         const bool shows_every_loss =
             name.find("binary") != std::string::npos || name == "corner.glb" || name == "corner.3ds";
-        for (std::size_t size = 0; size < whole.size(); ++size) {
+        const std::size_t last = whole.size() - 1, step = whole.size() / 20;
+        for (std::size_t size = 0; size <= last;
+             size = size < last ? std::min(size + step, last) : size + 1) {
             writeBytes(folder / name, whole.substr(0, size));
             try {
                 validate(importModel(folder / name, UpAxis::y));
                 EXPECT_FALSE(shows_every_loss) << name << " gave a mesh although cut at byte " << size;
             } catch (const Error& error) {
-                const std::string expected = size == 0 ? ": it is empty" : ": it ";
+                const std::string expected = size == 0 ? ": it is empty" : ": ";
                 EXPECT_NE(std::string(error.what()).find(name + expected), std::string::npos) << error.what();
+                EXPECT_EQ(std::string(error.what()).find("crashed"), std::string::npos) << error.what();
             }
         }
     }
@@ -180,7 +190,7 @@ TEST(ModelTruncationTest, AGltfModelNeedsAllOfItsBuffer) {
     std::filesystem::copy_file(data / "corner.gltf", folder / "corner.gltf");
     EXPECT_NE(errorOf(folder / "corner.gltf"), "no error") << "without any buffer";
     const std::string whole = bytesOf(data / "corner.bin");
-    for (std::size_t size = 0; size < whole.size(); ++size) {
+    for (std::size_t size = 0; size < whole.size(); size += 7) {
         writeBytes(folder / "corner.bin", whole.substr(0, size));
         EXPECT_NE(errorOf(folder / "corner.gltf"), "no error") << size;
     }

@@ -1,0 +1,82 @@
+#include "shell/importer/companion_files.hpp"
+
+#include "shell/base/printable.hpp"
+#include "shell/scene/model_file.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace korl {
+
+namespace fs = std::filesystem;
+
+bool ModelPlace::allows(const fs::path& named) const {
+    std::error_code problem;
+    if (anywhere || !fs::exists(named, problem))
+        return true;
+    const fs::path real = fs::canonical(named, problem);
+    const fs::path folder = fs::canonical(file.parent_path(), problem);
+    return !problem &&
+           std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first == folder.end();
+}
+
+std::string percentDecoded(std::string_view uri) {
+    std::string decoded;
+    for (std::size_t i = 0; i < uri.size(); ++i) {
+        unsigned code = 0;
+        const bool is_escape = uri[i] == '%' && i + 2 < uri.size() &&
+                               std::from_chars(&uri[i + 1], &uri[i + 3], code, 16).ptr == &uri[i + 3];
+        decoded += is_escape ? static_cast<char>(code) : uri[i];
+        i += is_escape ? 2 : 0;
+    }
+    return decoded;
+}
+
+Assimp::IOStream* CompanionFiles::Open(const char* file, const char* mode) {
+    if (file == my_place.file)
+        return DefaultIOSystem::Open(file, mode);
+    const auto opened = companion(file);
+    return opened ? DefaultIOSystem::Open(opened->c_str(), mode) : nullptr;
+}
+
+std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
+    // The importer puts the model's folder before every name, even before one that begins at the root.
+    const std::string folder = my_place.file.parent_path().string() + "/";
+    std::string name = asked.string();
+    if (name.starts_with(folder))
+        name.erase(0, folder.size());
+    const std::string shown = "\"" + printable(name) + "\"";
+    if (const auto scheme = uriScheme(name); !scheme.empty()) {
+        my_refusal = "it names " + shown + ", a URI of the scheme \"" + std::string(scheme) +
+                     "\"; only files are read";
+        return std::nullopt;
+    }
+    std::error_code problem;
+    fs::path file = my_place.file.parent_path() / name;
+    if (!fs::exists(file, problem) && extensionOf(my_place.file) == ".gltf")
+        file = my_place.file.parent_path() / percentDecoded(name);
+    const fs::file_type type = fs::status(file, problem).type();
+    if (type == fs::file_type::not_found) {
+        // Where a material library is missing, the importer tries the one of the model's own name.
+        if (my_notes.empty() || file.stem() != my_place.file.stem())
+            note("the file " + shown + " that it names is not there and was left out");
+        return std::nullopt;
+    }
+    if (const std::string kind = otherKind(type); !kind.empty()) {
+        my_refusal = "it names " + shown + ", which is " + kind;
+        return std::nullopt;
+    }
+    if (my_place.allows(file))
+        return file;
+    note("the file " + shown + " that it names lies outside its folder and was left out; allow it with " +
+         "--model-anywhere (model_anywhere in Python)");
+    return std::nullopt;
+}
+
+void CompanionFiles::note(const std::string& text) {
+    if (std::find(my_notes.begin(), my_notes.end(), text) == my_notes.end())
+        my_notes.push_back(text);
+}
+
+} // namespace korl

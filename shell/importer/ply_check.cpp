@@ -1,0 +1,394 @@
+#include "shell/importer/ply_check.hpp"
+
+#include "shell/base/printable.hpp"
+#include "shell/error.hpp"
+#include "shell/importer/model_limits.hpp"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korl {
+
+namespace {
+
+enum class Format { text, little_endian, big_endian };
+
+struct Type {
+    std::string_view name, other_name;
+    std::size_t size; ///< bytes in a binary file
+    enum { is_signed, is_unsigned, is_float } kind;
+};
+
+constexpr std::array types{
+    Type{"char", "int8", 1, Type::is_signed},    Type{"uchar", "uint8", 1, Type::is_unsigned},
+    Type{"short", "int16", 2, Type::is_signed},  Type{"ushort", "uint16", 2, Type::is_unsigned},
+    Type{"int", "int32", 4, Type::is_signed},    Type{"uint", "uint32", 4, Type::is_unsigned},
+    Type{"float", "float32", 4, Type::is_float}, Type{"double", "float64", 8, Type::is_float},
+};
+
+struct Property {
+    std::string_view name;
+    const Type* type;
+    const Type* count_type; ///< of a list's length; null for a single value
+
+    bool isCornerList() const { return count_type && (name == "vertex_indices" || name == "vertex_index"); }
+};
+
+struct Element {
+    std::string_view name;
+    std::uint64_t count;
+    std::vector<Property> properties;
+};
+
+[[noreturn]] void fail(const std::string& reason) {
+    throw Error("it is damaged or truncated: " + reason);
+}
+
+/// A word of the file in quotes, for messages.
+std::string quoted(std::string_view word) {
+    constexpr std::size_t longest = 40;
+    return "\"" + printable(word.substr(0, longest)) + (word.size() > longest ? "..." : "") + "\"";
+}
+
+/// The file, as far as it was not read, and which line was read last.
+struct Bytes {
+    std::string_view rest;
+    std::size_t line = 0;
+
+    /// Cuts the next line off, without its end.
+    std::optional<std::string_view> takeLine() {
+        const std::size_t end = rest.find('\n');
+        if (end == std::string_view::npos && rest.empty())
+            return std::nullopt;
+        std::string_view taken = rest.substr(0, end);
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+        if (taken.ends_with('\r'))
+            taken.remove_suffix(1);
+        ++line;
+        return taken;
+    }
+
+    [[noreturn]] void failInLine(const std::string& reason) const {
+        fail("line " + std::to_string(line) + ": " + reason);
+    }
+};
+
+/// Cuts the next word off; empty at the end of the line.
+std::string_view takeWord(std::string_view& line) {
+    constexpr std::string_view blanks = " \t\r\v\f";
+    line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
+    const std::string_view word = line.substr(0, line.find_first_of(blanks));
+    line.remove_prefix(word.size());
+    return word;
+}
+
+/// The whole of a word as a number; nothing where it is none or beyond the type.
+template <class Number>
+std::optional<Number> numberOf(std::string_view word) {
+    if (word.starts_with('+'))
+        word.remove_prefix(1);
+    Number number{};
+    const auto [end, problem] = std::from_chars(word.data(), word.data() + word.size(), number);
+    return problem == std::errc() && end == word.data() + word.size() ? std::optional(number) : std::nullopt;
+}
+
+/// The same for a real number, where one that is too small is 0 and one that is too large infinite.
+std::optional<double> realNumberOf(std::string_view word) {
+    if (const auto number = numberOf<double>(word))
+        return number;
+    const std::string text(word);
+    char* end = nullptr;
+    errno = 0;
+    const double number = std::strtod(text.c_str(), &end);
+    const bool is_number = !text.empty() && errno == ERANGE && end == text.c_str() + text.size();
+    return is_number ? std::optional(number) : std::nullopt;
+}
+
+/// The smallest and the largest number of a type.
+std::pair<double, double> rangeOf(const Type& type) {
+    if (type.kind == Type::is_float) {
+        const double largest =
+            type.size == 4 ? double{std::numeric_limits<float>::max()} : std::numeric_limits<double>::max();
+        return {-largest, largest};
+    }
+    const auto bits = static_cast<int>(8 * type.size);
+    return type.kind == Type::is_signed ? std::pair(-std::ldexp(1, bits - 1), std::ldexp(1, bits - 1) - 1)
+                                        : std::pair(0.0, std::ldexp(1, bits) - 1);
+}
+
+const Type* typeOf(std::string_view name) {
+    const auto type = std::find_if(types.begin(), types.end(), [&](const Type& candidate) {
+        return name == candidate.name || name == candidate.other_name;
+    });
+    if (type == types.end())
+        fail("its header has the unknown type " + quoted(name));
+    return &*type;
+}
+
+struct Header {
+    Format format = Format::text;
+    std::vector<Element> elements;
+};
+
+Format formatOf(std::string_view name) {
+    if (name == "ascii")
+        return Format::text;
+    if (name == "binary_little_endian")
+        return Format::little_endian;
+    if (name == "binary_big_endian")
+        return Format::big_endian;
+    fail("its header has the unknown format " + quoted(name));
+}
+
+void addElement(Header& header, std::string_view line, const Bytes& bytes) {
+    const std::string_view name = takeWord(line), word = takeWord(line);
+    constexpr std::size_t most_digits = 10; // of what 32 bits hold
+    const bool is_number = !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+    const auto count = numberOf<std::uint32_t>(word);
+    if (!is_number)
+        fail("its header does not tell how many elements " + quoted(name) + " there are");
+    if (!count || word.size() > most_digits)
+        bytes.failInLine("expected a number of elements up to 4294967295, found " + quoted(word));
+    if (std::any_of(header.elements.begin(), header.elements.end(),
+                    [&](const Element& element) { return element.name == name; }))
+        bytes.failInLine("the element " + quoted(name) + " stands twice in the header");
+    if (name == "tristrips")
+        bytes.failInLine("triangle strips are not read; write it with faces");
+    header.elements.push_back({name, *count, {}});
+}
+
+/// Lists that the importer takes for single values, or for corners where it expects none, crash it.
+bool mayHaveList(std::string_view element, std::string_view property) {
+    constexpr std::array corners{"vertex_indices", "vertex_index"};
+    const bool is_corners = std::find(corners.begin(), corners.end(), property) != corners.end();
+    if (element == "face")
+        return is_corners || property == "texcoord";
+    return element != "vertex" && element != "material" && element != "edge" && !is_corners;
+}
+
+void addProperty(Header& header, std::string_view line, const Bytes& bytes) {
+    if (header.elements.empty())
+        fail("its header has a property before the first element");
+    Element& element = header.elements.back();
+    std::string_view type = takeWord(line);
+    const Type* count_type = nullptr;
+    if (type == "list") {
+        count_type = typeOf(takeWord(line));
+        type = takeWord(line);
+    }
+    const Property property{takeWord(line), typeOf(type), count_type};
+    if (count_type && count_type->kind == Type::is_float)
+        bytes.failInLine("the length of a list cannot be of the type " + quoted(count_type->name));
+    if (count_type && !mayHaveList(element.name, property.name))
+        bytes.failInLine("the element " + quoted(element.name) + " cannot have the list " +
+                         quoted(property.name) + "; corners are \"vertex_indices\" of a \"face\"");
+    if (std::any_of(element.properties.begin(), element.properties.end(), [&](const Property& other) {
+            return other.name == property.name || (other.isCornerList() && property.isCornerList());
+        }))
+        bytes.failInLine("the element " + quoted(element.name) + " has " + quoted(property.name) + " twice");
+    element.properties.push_back(property);
+}
+
+/// Cuts the header off.
+Header takeHeader(Bytes& bytes) {
+    if (bytes.takeLine() != "ply")
+        fail("it does not begin with a line \"ply\"");
+    Header header;
+    bool has_format = false;
+    while (bytes.rest.find('\n') != std::string_view::npos) {
+        std::string_view line = *bytes.takeLine();
+        if (std::any_of(line.begin(), line.end(), [](char c) { return c >= 0 && c < ' ' && c != '\t'; }))
+            fail("its header has bytes that are no text");
+        const std::string_view keyword = takeWord(line);
+        if (keyword == "format") {
+            header.format = formatOf(takeWord(line));
+            has_format = true;
+        } else if (keyword == "element") {
+            addElement(header, line, bytes);
+        } else if (keyword == "property") {
+            addProperty(header, line, bytes);
+        } else if (keyword == "end_header" && has_format) {
+            return header;
+        }
+    }
+    fail("its header is incomplete");
+}
+
+/// The values after the header, one after the other.
+class Values {
+public:
+    Values(Format format, Bytes body) : my_format(format), my_bytes(body) {}
+
+    /// In a text file each item has a line of its own.
+    bool beginItem() {
+        if (my_format != Format::text)
+            return true;
+        const auto line = my_bytes.takeLine();
+        my_line = line.value_or("");
+        if (line && my_line.find_first_not_of(" \t\r") == std::string_view::npos)
+            my_bytes.failInLine("it is blank, but numbers are expected");
+        return line.has_value();
+    }
+
+    /// Nothing where there is no number.
+    std::optional<double> next(const Type& type) {
+        if (my_format == Format::text)
+            return nextWord(type);
+        if (my_bytes.rest.size() < type.size)
+            return std::nullopt;
+        std::array<char, 8> bytes{};
+        std::copy_n(my_bytes.rest.begin(), type.size, bytes.begin());
+        my_bytes.rest.remove_prefix(type.size);
+        if ((my_format == Format::big_endian) != (std::endian::native == std::endian::big))
+            std::reverse(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(type.size));
+        return valueOf(type, bytes);
+    }
+
+    /// Passes over the items of an element without lists in a binary file.
+    bool skip(std::uint64_t count, std::size_t item_size) {
+        if (item_size != 0 && my_bytes.rest.size() / item_size < count)
+            return false;
+        my_bytes.rest.remove_prefix(static_cast<std::size_t>(count) * item_size);
+        return true;
+    }
+
+    bool isText() const { return my_format == Format::text; }
+
+    /// Where the values are, for messages.
+    std::string place() const { return isText() ? "line " + std::to_string(my_bytes.line) + ": " : ""; }
+
+private:
+    std::optional<double> nextWord(const Type& type) {
+        const std::string_view word = takeWord(my_line);
+        const auto number = realNumberOf(word);
+        if (!number)
+            return std::nullopt;
+        const auto [lowest, highest] = rangeOf(type);
+        const bool is_whole = word.find_first_not_of("+-0123456789") == std::string_view::npos;
+        if (type.kind != Type::is_float && !is_whole)
+            my_bytes.failInLine(quoted(word) + " is not a whole number, as the type \"" +
+                                std::string(type.name) + "\" takes");
+        const bool is_finite_word = word.find_first_of("0123456789") != std::string_view::npos;
+        if (is_finite_word && (*number < lowest || *number > highest))
+            my_bytes.failInLine(quoted(word) + " is beyond the type \"" + std::string(type.name) + "\"");
+        return number;
+    }
+
+    template <class Number>
+    static double read(const std::array<char, 8>& bytes) {
+        Number number{};
+        std::memcpy(&number, bytes.data(), sizeof number);
+        return static_cast<double>(number);
+    }
+
+    static double valueOf(const Type& type, const std::array<char, 8>& bytes) {
+        if (type.kind == Type::is_float)
+            return type.size == 4 ? read<float>(bytes) : read<double>(bytes);
+        const bool has_sign = type.kind == Type::is_signed;
+        if (type.size == 1)
+            return has_sign ? read<std::int8_t>(bytes) : read<std::uint8_t>(bytes);
+        if (type.size == 2)
+            return has_sign ? read<std::int16_t>(bytes) : read<std::uint16_t>(bytes);
+        return has_sign ? read<std::int32_t>(bytes) : read<std::uint32_t>(bytes);
+    }
+
+    Format my_format;
+    Bytes my_bytes;
+    std::string_view my_line; ///< what of it was not read
+};
+
+/// Walks through the values of one element.
+class ElementCheck {
+public:
+    ElementCheck(const Element& element, std::uint64_t vertex_count)
+        : my_element(element), my_vertex_count(vertex_count) {}
+
+    void walk(Values& values) {
+        const auto& properties = my_element.properties;
+        if (properties.empty())
+            fail("its header has no properties for the element " + quoted(my_element.name));
+        const bool has_lists = std::any_of(properties.begin(), properties.end(),
+                                           [](const Property& property) { return property.count_type; });
+        if (!values.isText() && !has_lists) {
+            std::size_t item_size = 0;
+            for (const Property& property : properties)
+                item_size += property.type->size;
+            if (!values.skip(my_element.count, item_size))
+                fail("it ends before the last " + printable(my_element.name));
+            return;
+        }
+        for (my_item = 0; my_item < my_element.count; ++my_item) {
+            if (!values.beginItem())
+                failHere("is missing");
+            for (const Property& property : properties)
+                walkProperty(property, values);
+        }
+    }
+
+private:
+    [[noreturn]] void failHere(const std::string& what, const std::string& place = "") const {
+        fail(place + printable(my_element.name) + " " + std::to_string(my_item) + " of " +
+             std::to_string(my_element.count) + " " + what);
+    }
+
+    double next(const Type& type, Values& values) const {
+        if (const auto value = values.next(type))
+            return *value;
+        failHere("is incomplete", values.place());
+    }
+
+    void walkProperty(const Property& property, Values& values) const {
+        if (!property.count_type) {
+            next(*property.type, values);
+            return;
+        }
+        const double stated_length = next(*property.count_type, values);
+        constexpr double longest = std::numeric_limits<std::uint32_t>::max();
+        if (!(stated_length >= 0 && stated_length <= longest))
+            failHere("has a list without a length", values.place());
+        const auto length = static_cast<std::uint32_t>(stated_length);
+        const bool is_face = my_element.name == "face" && property.isCornerList();
+        if (is_face && length > most_corners)
+            failHere("has " + std::to_string(length) + " corners, more than the " +
+                         std::to_string(most_corners) + " that are read; cut it into smaller ones",
+                     values.place());
+        if (is_face && length < 3)
+            failHere("has fewer than 3 corners", values.place());
+        for (std::uint32_t i = 0; i < length; ++i) {
+            const double index = next(*property.type, values);
+            if (is_face && !(index >= 0 && index < static_cast<double>(my_vertex_count)))
+                failHere("leads to a vertex that does not exist", values.place());
+        }
+    }
+
+    const Element& my_element;
+    std::uint64_t my_vertex_count;
+    std::uint64_t my_item = 0;
+};
+
+} // namespace
+
+void requireSoundPly(std::string_view file) {
+    Bytes bytes{file};
+    const Header header = takeHeader(bytes);
+    std::uint64_t vertex_count = 0;
+    for (const Element& element : header.elements)
+        vertex_count = element.name == "vertex" ? element.count : vertex_count;
+    Values values(header.format, bytes);
+    for (const Element& element : header.elements)
+        ElementCheck(element, vertex_count).walk(values);
+}
+
+} // namespace korl
