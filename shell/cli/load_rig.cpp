@@ -12,6 +12,7 @@ namespace {
 struct LoadRigOptions {
     std::string scene, rig, output;
     bool replace = false;
+    ModelOptions models;
 };
 
 } // namespace
@@ -25,11 +26,12 @@ void addLoadRigCommand(CLI::App& app, Program& program) {
     command->add_option("-o,--output", options->output, "The scene file to write")
         ->required()
         ->check(aFile());
+    addModelOptions(*command, options->models);
     command->add_flag("--replace", options->replace, "Take the scene's own lights out first");
     command->callback([&program, options] {
         program.command = [&program, options] {
             withShell(program, [&](Shell& shell) {
-                readSceneFile(options->scene, shell.scene(), {note, {}});
+                readSceneFile(options->scene, shell.scene(), readingWith(options->models));
                 loadRig(options->rig, shell.scene(), options->replace, note);
                 saveScene(options->output, shell.scene(), note);
             });

@@ -11,6 +11,7 @@ namespace {
 
 struct SaveRigOptions {
     std::string scene, output;
+    ModelOptions models;
 };
 
 } // namespace
@@ -23,10 +24,11 @@ void addSaveRigCommand(CLI::App& app, Program& program) {
     command->add_option("-o,--output", options->output, "The file of the lights, such as rig.json")
         ->required()
         ->check(aFile());
+    addModelOptions(*command, options->models);
     command->callback([&program, options] {
         program.command = [&program, options] {
             withShell(program, [&](Shell& shell) {
-                readSceneFile(options->scene, shell.scene(), {note, {}});
+                readSceneFile(options->scene, shell.scene(), readingWith(options->models));
                 saveRig(options->output, shell.scene(), note);
             });
         };

@@ -3,17 +3,21 @@
 #include "shell/scene/builtin_scene.hpp"
 #include "shell/scene/color_text.hpp"
 #include "shell/scene/model_import.hpp"
-#include "shell/scene/scene_file.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
 
 #include <array>
 #include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
 
 namespace korl::cli {
 
 namespace {
+
+constexpr double mebibyte = 1 << 20; ///< in bytes
 
 /// Runs `step`; what is wrong with an option's text is wrong usage, and the option is named.
 template <class Step>
@@ -133,6 +137,32 @@ void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double as
 
 } // namespace
 
+void addModelOptions(CLI::App& command, ModelOptions& options) {
+    constexpr double most = 1e9;
+    const ModelReading usual;
+    options.timeout = std::chrono::duration<double>(usual.timeout).count();
+    options.memory = std::floor(static_cast<double>(usual.memory) / mebibyte);
+    command.add_option("--model-timeout", options.timeout, "How many seconds reading a model may take")
+        ->check(CLI::Range(0.001, most))
+        ->capture_default_str();
+    command
+        .add_option("--model-memory", options.memory,
+                    "How many MiB of memory reading a model may take; half of the machine's if left out")
+        ->check(CLI::Range(1.0, most));
+    command.add_flag("--model-anywhere", options.anywhere,
+                     "Read what a model names outside its folder too: buffers, material libraries");
+}
+
+SceneReading readingWith(const ModelOptions& options) {
+    ModelReading reading;
+    reading.timeout =
+        std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(options.timeout));
+    reading.memory = static_cast<std::uint64_t>(options.memory * mebibyte);
+    reading.anywhere = options.anywhere;
+    reading.tell = note;
+    return {note, modelImportWith(reading)};
+}
+
 void addSceneOptions(CLI::App& command, SceneOptions& options) {
     const CLI::Validator given([](const std::string& text) { return text.empty() ? "it is empty" : ""; }, "",
                                "given");
@@ -143,6 +173,7 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
         ->check(given);
     command.add_option("--model-up", options.model_up, "Which axis of the model is up: x, y or z")
         ->capture_default_str();
+    addModelOptions(command, options.models);
     command.add_option("--light", options.lights, "Add a light: TYPE or TYPE:NAME")->allow_extra_args(false);
     command.add_option("--set", options.settings, "Set a parameter: NAME.PARAM=VALUE")
         ->allow_extra_args(false);
@@ -161,11 +192,12 @@ void addSceneOptions(CLI::App& command, SceneOptions& options) {
 
 void fillScene(const SceneOptions& options, double aspect, Scene& scene, ScenePurpose purpose) {
     const ParsedOptions parsed(options);
+    const SceneReading reading = readingWith(options.models);
     const bool is_completed = purpose == ScenePurpose::show || options.file.empty();
     if (!options.file.empty())
-        readSceneFile(options.file, scene, {note, {}});
+        readSceneFile(options.file, scene, reading);
     if (!options.model.empty())
-        scene.addMesh(importModel(options.model, parsed.model_up));
+        scene.addMesh(reading.import_model(options.model, parsed.model_up));
     if (is_completed && scene.meshes().empty())
         for (Mesh& mesh : builtinScene())
             scene.addMesh(std::move(mesh));

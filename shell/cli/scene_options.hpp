@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/cli/program.hpp"
+#include "shell/scene/scene_file.hpp"
 
 #include <map>
 #include <optional>
@@ -10,11 +11,25 @@
 
 namespace korl::cli {
 
+/// The options that say what reading a model may take, shared by all commands that read any.
+struct ModelOptions {
+    double timeout = 0; ///< in seconds
+    double memory = 0;  ///< in MiB
+    bool anywhere = false;
+};
+
+/// Adds the options, with their defaults.
+void addModelOptions(CLI::App& command, ModelOptions& options);
+
+/// How a scene file is read with these options. What is to be told becomes notes.
+SceneReading readingWith(const ModelOptions& options);
+
 /// The options that say what the scene is, shared by all commands that have one.
 struct SceneOptions {
     std::string file;
     std::string model;
     std::string model_up = "y";
+    ModelOptions models;
     std::vector<std::string> lights;
     std::vector<std::string> settings;
     std::vector<std::string> connections;

@@ -114,14 +114,14 @@ std::uint64_t readBuffer(const JsonValue& buffer, const Place& place, const Mode
     if (!fs::exists(file, problem))
         file = model.file.parent_path() / percentDecoded(text);
     const fs::file_type type = fs::status(file, problem).type();
-    if (!model.allows(file))
-        where.fail("the file " + quoted +
-                   " lies outside the model's folder; allow it with --model-anywhere " +
-                   "(model_anywhere in Python)");
     if (type == fs::file_type::not_found)
         where.fail("there is no file " + quoted);
     if (const std::string kind = otherKind(type); !kind.empty())
         where.fail(quoted + " is " + kind);
+    if (!model.allows(file))
+        where.fail("the file " + quoted +
+                   " lies outside the model's folder; allow it with --model-anywhere " +
+                   "(model_anywhere in Python)");
     return length;
 }
 

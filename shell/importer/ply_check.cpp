@@ -1,14 +1,13 @@
 #include "shell/importer/ply_check.hpp"
 
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/importer/model_limits.hpp"
+#include "shell/importer/ply_header.hpp"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -17,92 +16,12 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace korl {
 
 namespace {
 
-enum class Format { text, little_endian, big_endian };
-
-struct Type {
-    std::string_view name, other_name;
-    std::size_t size; ///< bytes in a binary file
-    enum { is_signed, is_unsigned, is_float } kind;
-};
-
-constexpr std::array types{
-    Type{"char", "int8", 1, Type::is_signed},    Type{"uchar", "uint8", 1, Type::is_unsigned},
-    Type{"short", "int16", 2, Type::is_signed},  Type{"ushort", "uint16", 2, Type::is_unsigned},
-    Type{"int", "int32", 4, Type::is_signed},    Type{"uint", "uint32", 4, Type::is_unsigned},
-    Type{"float", "float32", 4, Type::is_float}, Type{"double", "float64", 8, Type::is_float},
-};
-
-struct Property {
-    std::string_view name;
-    const Type* type;
-    const Type* count_type; ///< of a list's length; null for a single value
-
-    bool isCornerList() const { return count_type && (name == "vertex_indices" || name == "vertex_index"); }
-};
-
-struct Element {
-    std::string_view name;
-    std::uint64_t count;
-    std::vector<Property> properties;
-};
-
-[[noreturn]] void fail(const std::string& reason) {
-    throw Error("it is damaged or truncated: " + reason);
-}
-
-/// A word of the file in quotes, for messages.
-std::string quoted(std::string_view word) {
-    constexpr std::size_t longest = 40;
-    return "\"" + printable(word.substr(0, longest)) + (word.size() > longest ? "..." : "") + "\"";
-}
-
-/// The file, as far as it was not read, and which line was read last.
-struct Bytes {
-    std::string_view rest;
-    std::size_t line = 0;
-
-    /// Cuts the next line off, without its end.
-    std::optional<std::string_view> takeLine() {
-        const std::size_t end = rest.find('\n');
-        if (end == std::string_view::npos && rest.empty())
-            return std::nullopt;
-        std::string_view taken = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (taken.ends_with('\r'))
-            taken.remove_suffix(1);
-        ++line;
-        return taken;
-    }
-
-    [[noreturn]] void failInLine(const std::string& reason) const {
-        fail("line " + std::to_string(line) + ": " + reason);
-    }
-};
-
-/// Cuts the next word off; empty at the end of the line.
-std::string_view takeWord(std::string_view& line) {
-    constexpr std::string_view blanks = " \t\r\v\f";
-    line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-    const std::string_view word = line.substr(0, line.find_first_of(blanks));
-    line.remove_prefix(word.size());
-    return word;
-}
-
-/// The whole of a word as a number; nothing where it is none or beyond the type.
-template <class Number>
-std::optional<Number> numberOf(std::string_view word) {
-    if (word.starts_with('+'))
-        word.remove_prefix(1);
-    Number number{};
-    const auto [end, problem] = std::from_chars(word.data(), word.data() + word.size(), number);
-    return problem == std::errc() && end == word.data() + word.size() ? std::optional(number) : std::nullopt;
-}
+using namespace ply;
 
 /// The same for a real number, where one that is too small is 0 and one that is too large infinite.
 std::optional<double> realNumberOf(std::string_view word) {
@@ -126,104 +45,6 @@ std::pair<double, double> rangeOf(const Type& type) {
     const auto bits = static_cast<int>(8 * type.size);
     return type.kind == Type::is_signed ? std::pair(-std::ldexp(1, bits - 1), std::ldexp(1, bits - 1) - 1)
                                         : std::pair(0.0, std::ldexp(1, bits) - 1);
-}
-
-const Type* typeOf(std::string_view name) {
-    const auto type = std::find_if(types.begin(), types.end(), [&](const Type& candidate) {
-        return name == candidate.name || name == candidate.other_name;
-    });
-    if (type == types.end())
-        fail("its header has the unknown type " + quoted(name));
-    return &*type;
-}
-
-struct Header {
-    Format format = Format::text;
-    std::vector<Element> elements;
-};
-
-Format formatOf(std::string_view name) {
-    if (name == "ascii")
-        return Format::text;
-    if (name == "binary_little_endian")
-        return Format::little_endian;
-    if (name == "binary_big_endian")
-        return Format::big_endian;
-    fail("its header has the unknown format " + quoted(name));
-}
-
-void addElement(Header& header, std::string_view line, const Bytes& bytes) {
-    const std::string_view name = takeWord(line), word = takeWord(line);
-    constexpr std::size_t most_digits = 10; // of what 32 bits hold
-    const bool is_number = !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
-    const auto count = numberOf<std::uint32_t>(word);
-    if (!is_number)
-        fail("its header does not tell how many elements " + quoted(name) + " there are");
-    if (!count || word.size() > most_digits)
-        bytes.failInLine("expected a number of elements up to 4294967295, found " + quoted(word));
-    if (std::any_of(header.elements.begin(), header.elements.end(),
-                    [&](const Element& element) { return element.name == name; }))
-        bytes.failInLine("the element " + quoted(name) + " stands twice in the header");
-    if (name == "tristrips")
-        bytes.failInLine("triangle strips are not read; write it with faces");
-    header.elements.push_back({name, *count, {}});
-}
-
-/// Lists that the importer takes for single values, or for corners where it expects none, crash it.
-bool mayHaveList(std::string_view element, std::string_view property) {
-    constexpr std::array corners{"vertex_indices", "vertex_index"};
-    const bool is_corners = std::find(corners.begin(), corners.end(), property) != corners.end();
-    if (element == "face")
-        return is_corners || property == "texcoord";
-    return element != "vertex" && element != "material" && element != "edge" && !is_corners;
-}
-
-void addProperty(Header& header, std::string_view line, const Bytes& bytes) {
-    if (header.elements.empty())
-        fail("its header has a property before the first element");
-    Element& element = header.elements.back();
-    std::string_view type = takeWord(line);
-    const Type* count_type = nullptr;
-    if (type == "list") {
-        count_type = typeOf(takeWord(line));
-        type = takeWord(line);
-    }
-    const Property property{takeWord(line), typeOf(type), count_type};
-    if (count_type && count_type->kind == Type::is_float)
-        bytes.failInLine("the length of a list cannot be of the type " + quoted(count_type->name));
-    if (count_type && !mayHaveList(element.name, property.name))
-        bytes.failInLine("the element " + quoted(element.name) + " cannot have the list " +
-                         quoted(property.name) + "; corners are \"vertex_indices\" of a \"face\"");
-    if (std::any_of(element.properties.begin(), element.properties.end(), [&](const Property& other) {
-            return other.name == property.name || (other.isCornerList() && property.isCornerList());
-        }))
-        bytes.failInLine("the element " + quoted(element.name) + " has " + quoted(property.name) + " twice");
-    element.properties.push_back(property);
-}
-
-/// Cuts the header off.
-Header takeHeader(Bytes& bytes) {
-    if (bytes.takeLine() != "ply")
-        fail("it does not begin with a line \"ply\"");
-    Header header;
-    bool has_format = false;
-    while (bytes.rest.find('\n') != std::string_view::npos) {
-        std::string_view line = *bytes.takeLine();
-        if (std::any_of(line.begin(), line.end(), [](char c) { return c >= 0 && c < ' ' && c != '\t'; }))
-            fail("its header has bytes that are no text");
-        const std::string_view keyword = takeWord(line);
-        if (keyword == "format") {
-            header.format = formatOf(takeWord(line));
-            has_format = true;
-        } else if (keyword == "element") {
-            addElement(header, line, bytes);
-        } else if (keyword == "property") {
-            addProperty(header, line, bytes);
-        } else if (keyword == "end_header" && has_format) {
-            return header;
-        }
-    }
-    fail("its header is incomplete");
 }
 
 /// The values after the header, one after the other.

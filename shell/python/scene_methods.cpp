@@ -8,6 +8,8 @@
 #include <palune/geometry_traits.hpp>
 
 #include <array>
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <pybind11/numpy.h>
 #include <span>
@@ -19,6 +21,9 @@ namespace {
 
 using Triple = std::array<double, 3>;
 using CameraValues = std::tuple<Triple, Triple, Triple, double>; ///< position, target, up, field of view
+
+using ModelLimits = std::tuple<double, std::uint64_t, bool>; ///< seconds, MiB, whether files lie anywhere
+constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;   ///< in bytes
 
 /// The picture's shape that a camera is fitted to where none is known: that of 640 x 480 pixels.
 constexpr double usual_aspect = 4.0 / 3;
@@ -117,7 +122,19 @@ void defineScene(py::module_& module, Session& session) {
         [](Shell& shell, const std::string& name) { shell.scene().removeView(name); });
     add(session, "meshes", meshes);
     add(session, "add_model", [](Shell& shell, const std::filesystem::path& file, const std::string& up) {
-        shell.scene().addMesh(importModel(file, parseUpAxis(up)));
+        shell.scene().addMesh(importModel(file, parseUpAxis(up), shell.modelReading()));
+    });
+    add(session, "model_limits", [](Shell& shell) {
+        const ModelReading& reading = shell.modelReading();
+        return ModelLimits(std::chrono::duration<double>(reading.timeout).count(), reading.memory / mebibyte,
+                           reading.anywhere);
+    });
+    add(session, "set_model_limits", [](Shell& shell, double timeout, std::uint64_t memory, bool anywhere) {
+        ModelReading& reading = shell.modelReading();
+        reading.timeout =
+            std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(timeout));
+        reading.memory = memory * mebibyte;
+        reading.anywhere = anywhere;
     });
     session.def("add_mesh", &addMesh);
     add(session, "add_landscape", [](Shell& shell) {

@@ -25,7 +25,7 @@ void defineFiles(Session& session) {
         saveScene(file, shell.scene(), notesOf(shell));
     });
     add(session, "load_scene", [](Shell& shell, const std::filesystem::path& file) {
-        readSceneFile(file, shell.scene(), {.tell = notesOf(shell)});
+        readSceneFile(file, shell.scene(), {notesOf(shell), modelImportWith(shell.modelReading())});
     });
     add(session, "save_rig", [](Shell& shell, const std::filesystem::path& file) {
         saveRig(file, shell.scene(), notesOf(shell));

@@ -107,6 +107,10 @@ std::uint64_t ModelReading::halfOfMemory() {
            static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) / 2;
 }
 
+ModelImport modelImportWith(const ModelReading& reading) {
+    return [reading](const fs::path& file, UpAxis up) { return importModel(file, up, reading); };
+}
+
 Mesh importModel(const fs::path& file, UpAxis up, const ModelReading& reading) {
     try {
         requireModelFile(file);

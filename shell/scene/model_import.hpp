@@ -26,6 +26,9 @@ struct ModelReading {
     static std::uint64_t halfOfMemory();
 };
 
+/// Reads a file into a mesh, whose axis becomes z.
+using ModelImport = std::function<Mesh(const std::filesystem::path&, UpAxis)>;
+
 /// Reads a model from an OBJ, PLY, STL, glTF (.gltf, .glb) or 3DS file and fits it to the scene.
 ///
 /// A program of its own, korl-import, reads the file: a file that crashes the reader, or keeps it busy, does
@@ -45,5 +48,8 @@ struct ModelReading {
 /// or truncated, has no triangles, a vertex that is not finite, or all vertices in one place; that takes more
 /// time or memory than it may; and where its reader crashes.
 Mesh importModel(const std::filesystem::path& file, UpAxis up, const ModelReading& reading = {});
+
+/// `importModel` with such a reading.
+ModelImport modelImportWith(const ModelReading& reading);
 
 } // namespace korl

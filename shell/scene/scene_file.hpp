@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/scene/mesh.hpp"
+#include "shell/scene/model_import.hpp"
 
 #include <filesystem>
 #include <functional>
@@ -19,7 +19,7 @@ struct SceneReading {
     SceneNotes tell{};
 
     /// Reads the model files that the scene names; `importModel` where it is left out.
-    std::function<Mesh(const std::filesystem::path&, UpAxis)> import_model{};
+    ModelImport import_model{};
 };
 
 /// Adds what a scene file describes to a scene. docs/scene-files.md describes the format,

@@ -2,9 +2,9 @@
 
 #include "shell/error.hpp"
 #include "shell/scene/json_text.hpp"
+#include "shell/scene/model_import.hpp"
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,10 +66,6 @@ private:
     const std::filesystem::path* my_file;
     std::string my_pointer;
 };
-
-struct Mesh;
-enum class UpAxis;
-using ModelImport = std::function<Mesh(const std::filesystem::path&, UpAxis)>;
 
 /// Reads the entries of a scene's "meshes". Throws Error with the place.
 /// @param folder the scene file's, to which the paths of models are relative.

@@ -4,7 +4,9 @@
 
 namespace korl {
 
-Shell::Shell(Reports::Sink report) : my_report(std::move(report)) {}
+Shell::Shell(Reports::Sink report) : my_report(std::move(report)) {
+    my_model_reading.tell = [this](const std::string& text) { this->report(text); };
+}
 
 Shell::~Shell() {
     if (my_context)

@@ -5,6 +5,7 @@
 #include "shell/render/renderer.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/view.hpp"
+#include "shell/scene/model_import.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <map>
@@ -29,6 +30,9 @@ public:
     const PluginSet& plugins() const noexcept { return my_plugins; }
     Scene& scene() noexcept { return my_scene; }
     const Scene& scene() const noexcept { return my_scene; }
+
+    /// What reading a model may take. Whom it tells is this shell's report.
+    ModelReading& modelReading() noexcept { return my_model_reading; }
 
     /// The OpenGL context, made at its first use. Throws Error where there is no OpenGL to be had.
     GLContext& context();
@@ -56,6 +60,7 @@ private:
     PluginSet my_plugins;
     Scene my_scene;
     Reports::Sink my_report;
+    ModelReading my_model_reading;
     std::map<std::string, std::unique_ptr<View>> my_views; ///< those that were asked for, by name
     std::unique_ptr<GLContext> my_context;
     std::unique_ptr<Renderer> my_renderer;

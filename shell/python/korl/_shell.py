@@ -16,6 +16,7 @@ from ._strict import Strict
 from ._values import array_of, numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
 
 _PATHS = _korl.RenderPath.__members__
+_MOST = 10**9  # the largest limit of time or memory
 
 
 class Plugin(NamedTuple):
@@ -178,7 +179,7 @@ class Shell(Strict):
         """Adds a mesh to the scene: from a model file, or from arrays.
 
         A model (OBJ, PLY, STL, glTF, 3DS) is turned so that its axis `up` is z and scaled to a radius of 0.5
-        around the origin. Arrays are taken as they are, in scene space: N x 3 vertices; M x 3 triangles, by
+        around the origin. A process of its own reads it, within `model_timeout` and `model_memory`. Arrays are taken as they are, in scene space: N x 3 vertices; M x 3 triangles, by
         the vertices' indices from 0, counter-clockwise seen from the front; normals and colours (0 to 1), N x 3.
         Without normals, smooth ones are made. Arrays of float32 and uint32 in C order are read where they lie.
         """
@@ -186,6 +187,7 @@ class Shell(Strict):
             if normals is not None or colors is not None:
                 raise WrongTypeError("vertices without triangles make no mesh; give triangles too")
             self._session.add_model(path_of(mesh), text_in(up, "the model's axis that is up"))
+            self._tell()
             return
         vertices = _rows("vertices", mesh, numpy.float32)
         none = numpy.empty((0, 3), numpy.float32)
@@ -196,6 +198,38 @@ class Shell(Strict):
             none if normals is None else _rows_for(vertices, "normals", normals),
             none if colors is None else _rows_for(vertices, "colors", colors),
         )
+
+    @property
+    def model_timeout(self):
+        """How many seconds reading a model file may take."""
+        return self._session.model_limits()[0]
+
+    @model_timeout.setter
+    def model_timeout(self, seconds):
+        (seconds,) = numbers_in(seconds, 1, "model_timeout takes a number of seconds")
+        if not 0.001 <= seconds <= _MOST:
+            raise InvalidValueError(f"model_timeout takes 0.001 to 1e9 seconds, found {seconds!r}")
+        self._session.set_model_limits(seconds, *self._session.model_limits()[1:])
+
+    @property
+    def model_memory(self):
+        """How many MiB of memory reading a model file may take."""
+        return self._session.model_limits()[1]
+
+    @model_memory.setter
+    def model_memory(self, mebibytes):
+        mebibytes = whole(mebibytes, 1, "model_memory takes a whole number of MiB", _MOST)
+        timeout, _, anywhere = self._session.model_limits()
+        self._session.set_model_limits(timeout, mebibytes, anywhere)
+
+    @property
+    def model_anywhere(self):
+        """Whether a model file may name others that lie outside its folder: buffers, material libraries."""
+        return self._session.model_limits()[2]
+
+    @model_anywhere.setter
+    def model_anywhere(self, anywhere):
+        self._session.set_model_limits(*self._session.model_limits()[:2], bool(anywhere))
 
     def add_landscape(self):
         """Adds the program's own meshes: hilly land, a column and a sphere, in a radius of 0.6 about the origin."""
