@@ -1,6 +1,7 @@
 #include "shell/sequence/animate.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/mesh_memory.hpp"
 #include "shell/scene/scene_file.hpp"
 #include "shell/sequence/film.hpp"
 #include "shell/sequence/frame_stamp.hpp"
@@ -216,7 +217,16 @@ private:
         for (const PluginLibrary& plugin : my_shell.plugins().libraries())
             job.plugins.push_back(plugin.file().string());
 
+        // The models as they are in the scene, read once, whatever has become of their files since.
+        const MemoryFile meshes;
+        MeshWriter writer(meshes);
+        for (const auto& mesh : my_shell.scene().meshes())
+            if (mesh->source)
+                writer.put(*mesh);
+        meshes.seal();
+
         WorkerPool::Settings pool;
+        pool.meshes = meshes.descriptor();
         pool.program = my_settings.program.empty() ? thisProgram() : my_settings.program;
         const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
         pool.jobs = my_settings.jobs > 0 ? my_settings.jobs : cores;

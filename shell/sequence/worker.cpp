@@ -1,8 +1,10 @@
 #include "shell/sequence/worker.hpp"
 
+#include "shell/base/child_process.hpp"
 #include "shell/error.hpp"
 #include "shell/render/png.hpp"
 #include "shell/scene/file_output.hpp"
+#include "shell/scene/mesh_memory.hpp"
 #include "shell/scene/scene_file.hpp"
 #include "shell/sequence/frame_stamp.hpp"
 #include "shell/sequence/worker_protocol.hpp"
@@ -73,7 +75,10 @@ void setUp(Shell& shell, const WorkerJob& job, const MessageSocket& socket) {
     Qelt::setVerbosity(job.verbosity);
     for (const std::string& plugin : job.plugins)
         shell.plugins().load(plugin);
-    readSceneFile(job.scene_file, shell.scene());
+    const MemoryFile models(shared_descriptor);
+    MeshReader meshes(models);
+    const auto nextModel = [&](const std::filesystem::path&, UpAxis) { return meshes.mesh(); };
+    readSceneFile(job.scene_file, shell.scene(), {{}, nextModel});
     const GLContext::Info& info = shell.context().info();
     if (job.verbosity > 0)
         socket.send(

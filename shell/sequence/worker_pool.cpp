@@ -62,6 +62,7 @@ void WorkerPool::startWorker() {
     ProcessStart start{my_settings.program, {"sequence-worker"}};
     start.environment = environmentOf(my_settings.jobs);
     start.input = there.descriptor();
+    start.shared = my_settings.meshes;
     my_workers.push_back({ChildProcess(start), std::move(here)});
     my_workers.back().socket.send(my_job.message()); // one that has gone is noticed when it is listened to
 }

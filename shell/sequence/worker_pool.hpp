@@ -21,8 +21,9 @@ namespace korl {
 class WorkerPool {
 public:
     struct Settings {
-        std::filesystem::path program;                  ///< the korl program
-        int jobs = 1;                                   ///< how many workers at once, at least 1
+        std::filesystem::path program; ///< the korl program
+        int meshes = -1;               ///< descriptor of a MemoryFile, the scene's models in order
+        int jobs = 1;                  ///< how many workers at once, at least 1
         std::function<void(const std::string&)> report; ///< takes what the workers tell users, each text once
         /// Hears how many frames are done and how many have failed, at least ten times a second; it may
         /// throw to end it all.
