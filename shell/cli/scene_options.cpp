@@ -138,22 +138,26 @@ void setCamera(const ParsedOptions& parsed, std::optional<double> fov, double as
 } // namespace
 
 void addModelOptions(CLI::App& command, ModelOptions& options) {
-    constexpr double most = 1e9;
     const ModelReading usual;
     options.timeout = std::chrono::duration<double>(usual.timeout).count();
     options.memory = std::floor(static_cast<double>(usual.memory) / mebibyte);
     command.add_option("--model-timeout", options.timeout, "How many seconds reading a model may take")
-        ->check(CLI::Range(0.001, most))
         ->capture_default_str();
-    command
-        .add_option("--model-memory", options.memory,
-                    "How many MiB of memory reading a model may take; half of the machine's if left out")
-        ->check(CLI::Range(1.0, most));
+    command.add_option("--model-memory", options.memory,
+                       "How many MiB of memory reading a model may take; half of the machine's if left out");
     command.add_flag("--model-anywhere", options.anywhere,
                      "Read what a model names outside its folder too: buffers, material libraries");
 }
 
 SceneReading readingWith(const ModelOptions& options) {
+    constexpr double most = 1e9;
+    const auto require = [](const std::string& option, double found, double least, const std::string& unit) {
+        if (!(found >= least && found <= most))
+            throw UsageError(option + " takes " + (least < 1 ? "0.001" : "1") + " to 1e9 " + unit +
+                             ", found " + Qelt::VValueTrait<double>::Text(found));
+    };
+    require("--model-timeout", options.timeout, 0.001, "seconds");
+    require("--model-memory", options.memory, 1, "MiB");
     ModelReading reading;
     reading.timeout =
         std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(options.timeout));

@@ -21,7 +21,8 @@ struct ModelOptions {
 /// Adds the options, with their defaults.
 void addModelOptions(CLI::App& command, ModelOptions& options);
 
-/// How a scene file is read with these options. What is to be told becomes notes.
+/// How a scene file is read with these options. What is to be told becomes notes. Throws UsageError for
+/// limits that cannot be.
 SceneReading readingWith(const ModelOptions& options);
 
 /// The options that say what the scene is, shared by all commands that have one.

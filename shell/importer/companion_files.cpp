@@ -33,6 +33,11 @@ std::string percentDecoded(std::string_view uri) {
     return decoded;
 }
 
+bool CompanionFiles::Exists(const char* file) const {
+    std::error_code problem;
+    return fs::exists(file, problem);
+}
+
 Assimp::IOStream* CompanionFiles::Open(const char* file, const char* mode) {
     if (file == my_place.file)
         return DefaultIOSystem::Open(file, mode);
@@ -48,35 +53,49 @@ std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
         name.erase(0, folder.size());
     const std::string shown = "\"" + printable(name) + "\"";
     if (const auto scheme = uriScheme(name); !scheme.empty()) {
-        my_refusal = "it names " + shown + ", a URI of the scheme \"" + std::string(scheme) +
-                     "\"; only files are read";
+        refuse("it names " + shown + ", a URI of the scheme \"" + std::string(scheme) +
+               "\"; only files are read");
         return std::nullopt;
     }
     std::error_code problem;
     fs::path file = my_place.file.parent_path() / name;
     if (!fs::exists(file, problem) && extensionOf(my_place.file) == ".gltf")
         file = my_place.file.parent_path() / percentDecoded(name);
+    // The importer tries several paths for each name. What counts is whether one of them leads to the file.
+    const std::string file_name = name.substr(name.find_last_of("/\\") + 1);
     const fs::file_type type = fs::status(file, problem).type();
     if (type == fs::file_type::not_found) {
         // Where a material library is missing, the importer tries the one of the model's own name.
-        if (my_notes.empty() || file.stem() != my_place.file.stem())
-            note("the file " + shown + " that it names is not there and was left out");
+        if (my_left_out.empty() || file.stem() != my_place.file.stem())
+            my_left_out.emplace(file_name,
+                                "the file " + shown + " that it names is not there and was left out");
         return std::nullopt;
     }
     if (const std::string kind = otherKind(type); !kind.empty()) {
-        my_refusal = "it names " + shown + ", which is " + kind;
+        refuse("it names " + shown + ", which is " + kind);
         return std::nullopt;
     }
-    if (my_place.allows(file))
-        return file;
-    note("the file " + shown + " that it names lies outside its folder and was left out; allow it with " +
-         "--model-anywhere (model_anywhere in Python)");
-    return std::nullopt;
+    if (!my_place.allows(file)) {
+        my_left_out.emplace(file_name,
+                            "the file " + shown +
+                                " that it names lies outside its folder and was left out; allow it "
+                                "with --model-anywhere (model_anywhere in Python)");
+        return std::nullopt;
+    }
+    my_left_out.erase(file_name);
+    return file;
 }
 
-void CompanionFiles::note(const std::string& text) {
-    if (std::find(my_notes.begin(), my_notes.end(), text) == my_notes.end())
-        my_notes.push_back(text);
+void CompanionFiles::refuse(const std::string& reason) {
+    if (my_refusal.empty())
+        my_refusal = reason;
+}
+
+std::vector<std::string> CompanionFiles::notes() const {
+    std::vector<std::string> notes;
+    for (const auto& [file_name, note] : my_left_out)
+        notes.push_back(note);
+    return notes;
 }
 
 } // namespace korl

@@ -3,6 +3,7 @@
 #include <assimp/DefaultIOSystem.h>
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,22 +31,23 @@ class CompanionFiles final : public Assimp::DefaultIOSystem {
 public:
     explicit CompanionFiles(ModelPlace place) : my_place(std::move(place)) {}
 
+    bool Exists(const char* file) const override; ///< without opening it, which waits where it is a FIFO
     Assimp::IOStream* Open(const char* file, const char* mode) override;
 
     /// Why the model cannot be read, because of a file that it names; empty where it can.
     const std::string& refusal() const { return my_refusal; }
 
     /// What was left out, each file once.
-    const std::vector<std::string>& notes() const { return my_notes; }
+    std::vector<std::string> notes() const;
 
 private:
     /// The file to open where the importer asks for one that the model names; nothing where it is left out.
     std::optional<std::filesystem::path> companion(const std::filesystem::path& asked);
-    void note(const std::string& text);
+    void refuse(const std::string& reason);
 
     ModelPlace my_place;
     std::string my_refusal;
-    std::vector<std::string> my_notes;
+    std::map<std::string, std::string> my_left_out; ///< what is told of it, by the file's name
 };
 
 } // namespace korl

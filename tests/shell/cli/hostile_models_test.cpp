@@ -175,6 +175,11 @@ TEST_F(HostileModels, EveryCommandThatReadsModelsHasTheirLimits) {
         EXPECT_TRUE(result.errors.ends_with(": " + refusal)) << words[0] << ": " << result.errors;
         EXPECT_EQ(result.exit_code, 1) << words[0];
     }
+    EXPECT_EQ(
+        runProgram(KORL_PROGRAM, {"script", "--model-timeout", "0"}).errors,
+        "korl: --model-timeout takes 0.001 to 1e9 seconds, found 0\nRun with --help for more information.\n");
+    EXPECT_EQ(runProgram(KORL_PROGRAM, {"script", "--model-memory", "0.5"}).errors,
+              "korl: --model-memory takes 1 to 1e9 MiB, found 0.5\nRun with --help for more information.\n");
     for (const std::string option : {"--model-memory", "--model-timeout"})
         for (const std::string value : {"0", "-1", "nan", "inf", "1e99", "much", ""})
             EXPECT_EQ(

@@ -57,7 +57,7 @@ protected:
     }
 
     TemporaryFolder my_folder;
-    ModelReading reading;
+    ModelReading reading{.timeout = std::chrono::seconds(100)};
 };
 
 using Notes = std::vector<std::string>;
@@ -83,13 +83,14 @@ TEST_F(ModelProcessTest, ReadingEndsWithItsTime) {
 
 TEST_F(ModelProcessTest, ReadingEndsWithItsMemory) {
     writeLargeModel("large.obj");
-    reading.memory = std::uint64_t{100} << 20;
+    reading.memory = std::uint64_t{60} << 20;
     EXPECT_EQ(errorOf("large.obj"),
-              "reading it takes more than 100 MiB of memory\nIf it is not damaged, allow "
+              "reading it takes more than 60 MiB of memory\nIf it is not damaged, allow "
               "more with --model-memory (model_memory in Python).");
 }
 
 TEST_F(ModelProcessTest, ByDefaultItGetsFiveMinutesAndHalfOfTheMemory) {
+    reading = {};
     EXPECT_EQ(reading.timeout, std::chrono::minutes(5));
     const auto all = static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES)) *
                      static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
@@ -179,9 +180,11 @@ TEST_F(ModelProcessTest, FilesBesideTheModelAreReadAndOthersLeftOut) {
     };
     std::filesystem::create_directory(my_folder / "inside");
     writeBytes(my_folder / "inside/red.mtl", "newmtl red\nKd 1 0 0\n");
-    write("inside/../inside/red.mtl");
-    EXPECT_EQ(notesOf("sail.obj"), Notes());
-    EXPECT_FALSE(importModel(my_folder / "sail.obj", UpAxis::y).colors.empty());
+    for (const std::string library : {"inside/../inside/red.mtl", "inside\\red.mtl"}) {
+        write(library);
+        EXPECT_EQ(notesOf("sail.obj"), Notes());
+        EXPECT_EQ(importModel(my_folder / "sail.obj", UpAxis::y).colors.at(0), glm::vec3(1, 0, 0));
+    }
 
     const std::string up = "../" + outside.path().filename().string() + "/red.mtl";
     std::filesystem::create_symlink(outside / "red.mtl", my_folder / "link.mtl");
@@ -189,7 +192,7 @@ TEST_F(ModelProcessTest, FilesBesideTheModelAreReadAndOthersLeftOut) {
         write(library);
         reading.anywhere = false;
         EXPECT_EQ(notesOf("sail.obj"), left_out(library));
-        EXPECT_TRUE(importModel(my_folder / "sail.obj", UpAxis::y).colors.empty());
+        EXPECT_NE(importModel(my_folder / "sail.obj", UpAxis::y).colors.at(0), glm::vec3(1, 0, 0));
         reading.anywhere = true;
         EXPECT_EQ(notesOf("sail.obj"), Notes());
         EXPECT_EQ(importModel(my_folder / "sail.obj", UpAxis::y, reading).colors.at(0), glm::vec3(1, 0, 0));
