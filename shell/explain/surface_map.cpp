@@ -1,6 +1,7 @@
 #include "shell/explain/surface_map.hpp"
 
 #include "shell/render/gl_error.hpp"
+#include "shell/render/gl_state.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/offscreen_target.hpp"
@@ -56,7 +57,7 @@ SurfaceMap::SurfaceMap(Meshes meshes, const Viewpoint& viewpoint, int width, int
     for (const auto& mesh : meshes)
         buffers.push_back(std::make_unique<MeshBuffers>(*mesh));
 
-    glEnable(GL_DEPTH_TEST);
+    DrawingState().set();
     glUseProgram(program.name());
     glUniformMatrix4fv(program.uniformLocation("korl_view"), 1, GL_FALSE, glm::value_ptr(viewpoint.view));
     glUniformMatrix4fv(program.uniformLocation("korl_projection"), 1, GL_FALSE,

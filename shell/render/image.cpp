@@ -37,6 +37,16 @@ void validate(const Image& image) {
                     " bytes, but this one has " + std::to_string(image.pixels.size()));
 }
 
+void makeAlphaStraight(Image& image) {
+    for (std::size_t at = 0; at + 3 < image.pixels.size(); at += bytes_per_pixel) {
+        const int alpha = image.pixels[at + 3];
+        for (std::size_t i = at; i < at + 3 && alpha < 255; ++i)
+            image.pixels[i] = alpha == 0 ? std::uint8_t{0}
+                                         : static_cast<std::uint8_t>(std::min(
+                                               255, (image.pixels[i] * 255 + alpha / 2) / alpha)); // rounded
+    }
+}
+
 Image sideBySide(const Image& left, const Image& right) {
     validate(left);
     validate(right);

@@ -9,9 +9,13 @@ namespace korl {
 struct Image {
     int width = 0;  ///< pixels
     int height = 0; ///< pixels
-    std::vector<std::uint8_t>
-        pixels; ///< red, green, blue, alpha of each, the rows from top to bottom, left to right
+    /// Red, green, blue and alpha of each, the rows from top to bottom, left to right. Alpha is straight:
+    /// the colours are not multiplied by it.
+    std::vector<std::uint8_t> pixels;
 };
+
+/// Divides colours that are multiplied by their alpha by it; where alpha is 0, all becomes 0.
+void makeAlphaStraight(Image& image);
 
 /// One picture beside the other. Throws Error where their heights differ, or where one hasn't as many bytes
 /// as its size tells.

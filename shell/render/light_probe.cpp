@@ -29,19 +29,15 @@ bool areFinite(const glm::vec3& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
 
-/// Keeps framebuffer, viewport and tests, sets what the probe needs, and brings them back.
+/// Keeps framebuffer and state, sets what the probe needs, and brings them back.
 class ProbeState {
 public:
-    ProbeState() {
-        glPushAttrib(GL_ENABLE_BIT | GL_VIEWPORT_BIT);
+    explicit ProbeState(const DrawingState& drawing) {
+        glPushAttrib(GL_ALL_ATTRIB_BITS);
         glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &my_draw_framebuffer);
         glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &my_read_framebuffer);
-        for (const int test :
-             {GL_DEPTH_TEST, GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST, GL_CULL_FACE})
-            glDisable(static_cast<GLenum>(test));
-        // A compatibility context may otherwise clamp floats to 0..1 on their way; it stays so, as every
-        // reader of floats sets it.
-        glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
+        drawing.set();
+        glDisable(GL_DEPTH_TEST);
     }
     ~ProbeState() {
         glUseProgram(0);
@@ -62,6 +58,7 @@ private:
 void readSamples(std::span<LightSample> samples) {
     const int rows = rowsOf(static_cast<int>(samples.size()));
     std::vector<glm::vec4> output(static_cast<std::size_t>(target_width) * static_cast<std::size_t>(rows));
+    setReadingState();
     constexpr std::array members{&LightSample::incidence, &LightSample::intensity,
                                  &LightSample::specular_intensity};
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -96,7 +93,9 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     if (count > mostPoints())
         throw Error("light \"" + light_name + "\" cannot be evaluated at " + std::to_string(count) +
                     " points at once: this driver's buffers hold at most " + std::to_string(mostPoints()));
-    const ProbeState state;
+    if (!my_drawing_state)
+        my_drawing_state.emplace();
+    const ProbeState state(*my_drawing_state);
     const Probe& probe = probeFor(source, light_name);
     bindTarget(count);
     glUseProgram(probe.program.name());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/render/gl_objects.hpp"
+#include "shell/render/gl_state.hpp"
 
 #include <doltra/light_source.hpp>
 #include <glm/vec3.hpp>
@@ -8,6 +9,7 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -24,7 +26,7 @@ struct LightSample {
 };
 
 /// Evaluates lights one by one, in the driver: a light's snippet, with the values that its uniforms have. A
-/// context must be current; its framebuffer, viewport and enabled tests are left as they were.
+/// context must be current; its framebuffer and state are left as they were.
 class LightProbe {
 public:
     /// What a light source gives at points in scene space.
@@ -73,6 +75,7 @@ private:
 
     std::map<std::string, Probe, std::less<>> my_probes; ///< by the snippet
     std::unique_ptr<Target> my_target;
+    std::optional<DrawingState> my_drawing_state; ///< once a context was there to ask
 };
 
 } // namespace korl

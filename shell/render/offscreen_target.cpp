@@ -1,6 +1,7 @@
 #include "shell/render/offscreen_target.hpp"
 
 #include "shell/error.hpp"
+#include "shell/render/gl_state.hpp"
 
 #include <algorithm>
 
@@ -89,23 +90,18 @@ void OffscreenTarget::allocate(Surface& surface, int samples, bool has_depth) co
 
 void OffscreenTarget::bind() const {
     glBindFramebuffer(GL_FRAMEBUFFER, my_drawing.framebuffer.name());
+    glDrawBuffer(GL_COLOR_ATTACHMENT0); // whoever drew before may have changed that
     glViewport(0, 0, my_width, my_height);
 }
 
 void OffscreenTarget::bindForReading() const {
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, my_drawing.framebuffer.name());
+    setReadingState();
     if (!my_resolved) {
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, my_drawing.framebuffer.name());
         return;
     }
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, my_drawing.framebuffer.name());
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, my_resolved->framebuffer.name());
-    // The scissor box cuts blits too; a picture is always resolved whole.
-    const GLboolean had_scissor = glIsEnabled(GL_SCISSOR_TEST);
-    glDisable(GL_SCISSOR_TEST);
     glBlitFramebuffer(0, 0, my_width, my_height, 0, 0, my_width, my_height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-    if (had_scissor == GL_TRUE) {
-        glEnable(GL_SCISSOR_TEST);
-    }
     glBindFramebuffer(GL_READ_FRAMEBUFFER, my_resolved->framebuffer.name());
 }
 
@@ -122,7 +118,6 @@ void OffscreenTarget::requireReadable(std::size_t value_count, Format format) co
 void OffscreenTarget::read(std::span<std::uint8_t> pixels) const {
     requireReadable(pixels.size(), Format::RGBA8);
     bindForReading();
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, my_width, my_height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     bind();
     turnUpsideDown(pixels, my_height);
@@ -131,8 +126,6 @@ void OffscreenTarget::read(std::span<std::uint8_t> pixels) const {
 void OffscreenTarget::read(std::span<float> pixels) const {
     requireReadable(pixels.size(), Format::RGBA32F);
     bindForReading();
-    // Without this a compatibility context may clamp floats to 0..1 on the way out.
-    glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
     glReadPixels(0, 0, my_width, my_height, GL_RGBA, GL_FLOAT, pixels.data());
     bind();
     turnUpsideDown(pixels, my_height);

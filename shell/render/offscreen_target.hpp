@@ -25,7 +25,8 @@ public:
     void bind() const;
 
     /// The picture, four channels a pixel, the rows from top to bottom, left to right; exactly width x height
-    /// x 4 values, of the type of the format. Afterwards the target is bound for drawing again.
+    /// x 4 values, of the type of the format. Afterwards the target is bound for drawing again, and the
+    /// scissor test is off.
     void read(std::span<std::uint8_t> pixels) const;
     void read(std::span<float> pixels) const;
 

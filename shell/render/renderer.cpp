@@ -3,6 +3,7 @@
 #include "shell/render/gl_error.hpp"
 #include "shell/render/uniform_values.hpp"
 
+#include <algorithm>
 #include <glm/gtc/type_ptr.hpp>
 #include <utility>
 
@@ -18,6 +19,15 @@ void drawObjects(View& view, const Viewpoint& viewpoint) {
     glLoadMatrixf(glm::value_ptr(viewpoint.view));
     for (const View::Member& member : view.members())
         member.object->safe_render(view.context());
+}
+
+/// With colours that are multiplied by their alpha: only so are those at the edge of a mesh, where several
+/// samples are averaged, what they would be on any colour behind the picture.
+void clear(const Orvid::rgba_float_t& background) {
+    const auto unit = [](float value) { return std::clamp(value, 0.0f, 1.0f); };
+    const float alpha = unit(background.a);
+    glClearColor(alpha * unit(background.r), alpha * unit(background.g), alpha * unit(background.b), alpha);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
 } // namespace
@@ -47,9 +57,10 @@ Image Renderer::render(const Scene& scene, View& view, const RenderSettings& set
 void Renderer::drawPath(RenderPath path, bool alone, const Scene& scene, View& view, Image& image) {
     const Viewpoint viewpoint = viewpointOf(scene, static_cast<double>(image.width) / image.height);
     my_target->bind();
-    glClearColor(scene.background.r, scene.background.g, scene.background.b, scene.background.a);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glEnable(GL_DEPTH_TEST);
+    if (!my_drawing_state)
+        my_drawing_state.emplace();
+    my_drawing_state->set();
+    clear(scene.background);
 
     const Frame frame(view, scene, 0);
     const auto& meshes = my_meshes.buffersOf(scene.meshes());
@@ -62,6 +73,8 @@ void Renderer::drawPath(RenderPath path, bool alone, const Scene& scene, View& v
     }
     drawObjects(view, viewpoint);
     my_target->read(image.pixels);
+    if (scene.background.a < 1)
+        makeAlphaStraight(image);
     requireNoGLError("an object that draws itself, or the rendering of", "the scene");
 }
 

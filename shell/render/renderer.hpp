@@ -2,6 +2,7 @@
 
 #include "shell/render/fixed_path.hpp"
 #include "shell/render/gl_context.hpp"
+#include "shell/render/gl_state.hpp"
 #include "shell/render/image.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/offscreen_target.hpp"
@@ -36,8 +37,11 @@ public:
     /// @param report takes what the user should know about the pictures, each thing once.
     explicit Renderer(GLContext& context, Reports::Sink report = {});
 
-    /// Draws one frame of a view, whole, on one path after the other.
-    /// @returns the picture; for both paths twice as wide.
+    /// Draws one frame of a view, whole, on one path after the other. What a frame's lights and objects leave
+    /// behind in OpenGL does not show in the next one.
+    /// @returns the picture; for both paths twice as wide. Where the background is see-through, so is the
+    /// picture, with straight alpha: drawn over a colour it is the picture of the scene with the background
+    /// over that colour.
     /// Throws Error for a size that the driver can't draw, and for a light that it can't compile.
     Image render(const Scene& scene, View& view, const RenderSettings& settings);
 
@@ -59,6 +63,7 @@ private:
     FixedPath my_fixed_path;
     MeshBufferCache my_meshes;
     std::optional<OffscreenTarget> my_target;
+    std::optional<DrawingState> my_drawing_state; ///< since the first picture
 };
 
 } // namespace korl

@@ -57,7 +57,7 @@ std::string applySuffix(std::string_view name, std::string_view suffix);
 ///
 /// - A zero incidence is ambient light: intensity times diffuse colour, whatever the normal.
 /// - A light with a NaN or an infinity in any of its three outputs adds nothing.
-/// - The sum is clamped to 0..1; alpha is the vertex colour's. No light at all gives black.
+/// - The sum is clamped to 0..1; alpha is 1. No light at all gives black.
 ///
 /// Uniforms: mat4 korl_view (scene to eye space), mat4 korl_projection, vec3 korl_eye (scene space), float
 /// korl_specular, float korl_shininess. Each snippet stays as it is but for its "$$". Each function that a

@@ -104,7 +104,7 @@ void main()
 )";
 
 inline constexpr std::string_view fragment_end = R"(
-    korl_fragment_color = vec4(clamp(korl_sum, 0.0, 1.0), korl_material_color.a);
+    korl_fragment_color = vec4(clamp(korl_sum, 0.0, 1.0), 1.0);
 }
 )";
 

@@ -67,4 +67,12 @@ TEST(ImageTest, DamagedPicturesAreRefused) {
 }
 
 } // namespace
+TEST(ImageTest, StraightAlphaIsDividedOutAndRounded) {
+    Image image{3, 2, {1, 2, 3, 0, 10, 51, 102, 102, 3, 1, 0, 7, 8, 9, 10, 255, 1, 2, 3, 254, 90, 80, 0, 80}};
+    korl::makeAlphaStraight(image);
+    EXPECT_EQ(image.pixels, (std::vector<std::uint8_t>{
+                                0, 0, 0,  0,   25, 128, 255, 102, 109, 36,  0, 7,
+                                8, 9, 10, 255, 1,  2,   3,   254, 255, 255, 0, 80})); // never above white
+}
+
 } // namespace korl
