@@ -192,7 +192,8 @@ private:
                                static_cast<int>(my_settings.picture.path)})
             sum.add(static_cast<double>(part));
         for (const Variation& variation : my_settings.variations) {
-            const std::string text = valueAt(variation, number - 1, my_settings.frames);
+            const std::string text =
+                valueAt(variation, number - 1, my_settings.frames, isDirection(variation, my_shell.scene()));
             request.values.push_back({variation.object, variation.parameter, text});
             sum.add(nameOf(variation));
             sum.add(text);

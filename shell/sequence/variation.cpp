@@ -8,7 +8,10 @@
 #include <sorvik/creator.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
+#include <numbers>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -58,6 +61,54 @@ void validateEnd(const std::string& name, const Qelt::VParameter& parameter, con
         throw Error("cannot vary \"" + name + "\": it takes finite numbers, found \"" + text + "\"");
 }
 
+// The lengths of vectors, which are squared on the way, are within a long double's range whatever they are.
+using LongVector = std::array<long double, 3>;
+
+LongVector longVector(const std::vector<double>& values) {
+    return {values[0], values[1], values[2]};
+}
+
+long double dot(const LongVector& a, const LongVector& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+/// a + factor b, of unit length where it is not zero.
+LongVector unitSum(const LongVector& a, long double factor, const LongVector& b) {
+    LongVector sum{a[0] + factor * b[0], a[1] + factor * b[1], a[2] + factor * b[2]};
+    if (const long double length = std::sqrt(dot(sum, sum)); length > 0)
+        for (long double& component : sum)
+            component /= length;
+    return sum;
+}
+
+/// Whether the way from one vector to another is through zero, but for the rounding of its ends.
+bool isThroughZero(const LongVector& a, const LongVector& b) {
+    constexpr long double tolerance = 1e-12L;
+    const LongVector unit_a = unitSum(a, 0, a), unit_b = unitSum(b, 0, b);
+    const LongVector off{unit_a[0] + unit_b[0], unit_a[1] + unit_b[1], unit_a[2] + unit_b[2]};
+    return dot(unit_a, unit_a) > 0 && dot(unit_b, unit_b) > 0 && dot(off, off) < tolerance * tolerance;
+}
+
+/// Where the great circle from a to the opposite b is after a share of it, 0 to 1 (see valueAt).
+std::vector<double> onGreatCircle(const LongVector& a, const LongVector& b, long double share) {
+    constexpr long double pi = std::numbers::pi_v<long double>;
+    constexpr LongVector down{0, 0, -1}, from_the_viewer{0, -1, 0};
+    const LongVector start = unitSum(a, 0, a);
+    const bool is_vertical = std::hypot(start[0], start[1]) < 1e-9L;
+    const LongVector& wanted = is_vertical ? from_the_viewer : down;
+    const LongVector middle = unitSum(wanted, -dot(wanted, start), start);
+    const long double length_a = std::sqrt(dot(a, a)), length_b = std::sqrt(dot(b, b));
+    const long double length = length_a + (length_b - length_a) * share;
+    const long double along = std::sin(pi * (0.5L - share)); // exactly 0 half way
+    const long double across = std::sin(pi * share);
+    constexpr long double most = std::numeric_limits<double>::max();
+    std::vector<double> values;
+    for (std::size_t i = 0; i < 3; ++i)
+        values.push_back(
+            static_cast<double>(std::clamp((along * start[i] + across * middle[i]) * length, -most, most)));
+    return values;
+}
+
 } // namespace
 
 Variation parseVariation(const std::string& text) {
@@ -100,13 +151,16 @@ void validate(const Variation& variation, const Scene& scene, const std::string&
     }
 }
 
-std::string valueAt(const Variation& variation, int frame, int frames) {
+std::string valueAt(const Variation& variation, int frame, int frames, bool is_direction) {
     if (frame == 0)
         return variation.from;
     if (frame == frames - 1)
         return variation.to;
     std::vector<double> values = numbersIn(variation.from);
     const std::vector<double> ends = numbersIn(variation.to);
+    if (is_direction && isThroughZero(longVector(values), longVector(ends)))
+        return Qelt::componentsToText(onGreatCircle(longVector(values), longVector(ends),
+                                                    static_cast<long double>(frame) / (frames - 1)));
     for (std::size_t i = 0; i < values.size(); ++i) {
         const double a = values[i], b = ends[i];
         const double value = a + (b - a) * frame / (frames - 1);
@@ -114,6 +168,10 @@ std::string valueAt(const Variation& variation, int frame, int frames) {
         values[i] = std::isfinite(value) ? value : std::lerp(a, b, static_cast<double>(frame) / (frames - 1));
     }
     return Qelt::componentsToText(values);
+}
+
+bool isDirection(const Variation& variation, const Scene& scene) {
+    return valueKind(scene.parameter(variation.object, variation.parameter).type()) == "vector";
 }
 
 bool isSolarTime(const Variation& variation, const Scene& scene) {

@@ -29,9 +29,19 @@ void validate(const Variation& variation, const Scene& scene, const std::string&
 /// The value of a frame in text form, each component by itself: a + (b - a)·k/(n - 1) in double precision.
 /// The first and the last frame have the texts of the ends, exactly; a single frame has that of the first.
 /// The variation must be valid.
+///
+/// A direction whose ends are opposite would go through zero, where it is none. It takes the great circle
+/// instead, at a steady angle, half way along the one that a light from above travels: with a and b of the
+/// lengths |a| and |b|, u = a/|a| and the unit vector d that is perpendicular to u and closest to (0, 0, -1),
+/// it is (cos(pi·t)·u + sin(pi·t)·d)·(|a| + (|b| - |a|)·t), t = k/(n - 1). Where u is vertical, d is (0, -1,
+/// 0): such a light comes from where a camera stands that is fitted to the scene.
 /// @param frame k, counted from 0.
 /// @param frames n, at least 1.
-std::string valueAt(const Variation& variation, int frame, int frames);
+/// @param is_direction whether the value is a direction (see isDirection).
+std::string valueAt(const Variation& variation, int frame, int frames, bool is_direction = false);
+
+/// Whether a variation is of a direction: a parameter that holds a vector.
+bool isDirection(const Variation& variation, const Scene& scene);
 
 /// Whether the parameter is the time of day of a Sun: hours of solar time on the day of an equinox.
 bool isSolarTime(const Variation& variation, const Scene& scene);

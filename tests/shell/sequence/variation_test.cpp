@@ -5,6 +5,11 @@
 #include "shell/error.hpp"
 #include "shell/scene/scene.hpp"
 
+#include <sorvik/component_text.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -79,6 +84,73 @@ TEST_F(VariationTest, GoesInEqualStepsWithExactEnds) {
     EXPECT_EQ(values("6", "18", 1), Texts{"6"});
     EXPECT_EQ(values("6", "18", 2), (Texts{"6", "18"}));
     EXPECT_EQ(values("-1.5e308", "1.5e308", 3), (Texts{"-1.5e308", "0", "1.5e308"}));
+}
+
+using Vector = std::array<double, 3>;
+
+std::vector<Vector> directions(const std::string& from, const std::string& to, int frames) {
+    std::vector<Vector> found;
+    for (int frame = 0; frame < frames; ++frame) {
+        Vector& vector = found.emplace_back();
+        EXPECT_TRUE(Qelt::componentsFromText(vector, valueAt({"a", "b", from, to}, frame, frames, true)));
+    }
+    return found;
+}
+
+void expectNear(const Vector& found, const Vector& wanted, const std::string& what) {
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(found[i], wanted[i], 4e-16 * std::max(1.0, std::abs(wanted[i])))
+            << what << ", component " << i;
+}
+
+TEST_F(VariationTest, DirectionsThatWouldGoThroughZeroTakeTheGreatCircle) {
+    const double half = std::sqrt(0.5), third = std::sqrt(0.75);
+    struct Row {
+        std::string from, to;
+        std::vector<Vector> way;
+    };
+    const std::vector<Row> table{
+        // By way of straight down, as light from above travels.
+        {"1 0 0", "-1 0 0", {{1, 0, 0}, {half, 0, -half}, {0, 0, -1}, {-half, 0, -half}, {-1, 0, 0}}},
+        {"0 -1 0",
+         "0 1 0",
+         {{0, -1, 0},
+          {0, -third, -0.5},
+          {0, -0.5, -third},
+          {0, 0, -1},
+          {0, 0.5, -third},
+          {0, third, -0.5},
+          {0, 1, 0}}},
+        // The perpendicular that is closest to straight down; the lengths go in equal steps.
+        {"3 0 4", "-6 0 -8", {{3, 0, 4}, {6, 0, -4.5}, {-6, 0, -8}}},
+        {"3 0 -4", "-3 0 4", {{3, 0, -4}, {-4, 0, -3}, {-3, 0, 4}}},
+        // From straight down to straight up by way of the direction in which the viewer looks.
+        {"0 0 -1", "0 0 1", {{0, 0, -1}, {0, -half, -half}, {0, -1, 0}, {0, -half, half}, {0, 0, 1}}},
+        {"0 0 2", "0 0 -2", {{0, 0, 2}, {0, -2, 0}, {0, 0, -2}}},
+        // Opposite but for what rounding makes of them.
+        {"0.1 0 0.3",
+         "-0.2 0 -0.6000000000000001",
+         {{0.1, 0, 0.3}, {0.45, 0, -0.15}, {-0.2, 0, -0.6000000000000001}}},
+        {"1e-300 0 0", "-1e-300 0 0", {{1e-300, 0, 0}, {0, 0, -1e-300}, {-1e-300, 0, 0}}},
+        {"1.5e308 0 0", "-1.5e308 0 0", {{1.5e308, 0, 0}, {0, 0, -1.5e308}, {-1.5e308, 0, 0}}},
+    };
+    for (const Row& row : table) {
+        const auto found = directions(row.from, row.to, static_cast<int>(row.way.size()));
+        for (std::size_t i = 0; i < found.size(); ++i)
+            expectNear(found[i], row.way[i], row.from + " to " + row.to + ", frame " + std::to_string(i));
+    }
+    EXPECT_EQ(valueAt({"a", "b", "1 0 0", "-1 0 0"}, 1, 3, true), "0 0 -1"); // no rounding half way
+}
+
+TEST_F(VariationTest, OtherValuesGoStraightEvenThroughZero) {
+    EXPECT_EQ(valueAt({"a", "b", "1 0 0", "-1 0 0"}, 1, 3, false), "0 0 0"); // a point
+    EXPECT_EQ(valueAt({"a", "b", "1 0 0", "-1 0 0.1"}, 1, 3, true), "0 0 0.05");
+    EXPECT_EQ(valueAt({"a", "b", "0 0 0", "0 0 1"}, 1, 3, true), "0 0 0.5");
+    EXPECT_EQ(valueAt({"a", "b", "0 0 0", "0 0 0"}, 1, 3, true), "0 0 0");
+    scene.create("Plain", "p");
+    EXPECT_TRUE(isDirection({"p", "way", "", ""}, scene));
+    for (const std::string other : {"place", "strength", "tint"})
+        EXPECT_FALSE(isDirection({"p", other, "", ""}, scene)) << other;
 }
 
 TEST_F(VariationTest, RefusesWhatTheSceneDoesNotHave) {
