@@ -44,6 +44,10 @@ Ball merged(const Ball& a, const Ball& b) {
 
 } // namespace
 
+std::string tooLongChainText() {
+    return "would follow another parameter through more than " + std::to_string(longest_chain) + " others";
+}
+
 Scene::Scene() : my_revision(nextRevision()) {}
 
 Scene::~Scene() {
@@ -93,7 +97,8 @@ VObject& Scene::object(const std::string& name) const {
                       "\": " + nearNames(name, known, "the scene has no objects"));
 }
 
-void Scene::remove(const std::string& name) {
+// By value: the name may be the one that the object holds, and goes with it.
+void Scene::remove(std::string name) { // NOLINT(performance-unnecessary-value-param)
     if (my_foreign.remove(name))
         return;
     VObject& gone = object(name);
@@ -119,17 +124,36 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
     const VParameter& follower_parameter = parameter(object_name, parameter_name);
     VParameter& source = parameter(source_object, source_parameter);
     VObject& following = object(object_name);
-    if (following.connectInput(parameter_name, source)) {
-        my_foreign.disconnect(following.number(), parameter_name);
-        return;
-    }
     const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
     const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
     if (follower_parameter.type() != source.type())
         throw WrongType(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
                         " is " + valueForm(source.type()) + "; they stay unconnected");
-    throw Error(follower + " cannot follow " + followed +
-                ": that one follows it already, or the input takes no connections");
+    if (const std::string reason = tooLongChain(follower_parameter, source); !reason.empty())
+        throw Error(follower + " cannot follow " + followed + ": " + reason);
+    if (!following.connectInput(parameter_name, source))
+        throw Error(follower + " cannot follow " + followed +
+                    ": that one follows it already, or the input takes no connections");
+    my_foreign.disconnect(following.number(), parameter_name);
+}
+
+std::string Scene::tooLongChain(const VParameter& follower, const VParameter& source) const {
+    int above = 1; // how many the follower would read its value through
+    for (const VParameter* next = source.source(); next; next = next->source(), ++above)
+        if (next == &follower)
+            return {}; // a circle, which is refused as such
+    if (above > longest_chain)
+        return "it " + tooLongChainText();
+    for (const auto& object : objects())
+        for (const auto& [parameter, expert_level] : object->parameters()) {
+            int length = above;
+            const VParameter* next = parameter.get();
+            for (; next && next != &follower; next = next->source())
+                ++length;
+            if (next && length > longest_chain)
+                return "\"" + object->Name() + "." + parameter->Name() + "\" " + tooLongChainText();
+        }
+    return {};
 }
 
 void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,

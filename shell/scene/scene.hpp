@@ -23,6 +23,13 @@
 
 namespace korl {
 
+/// Through so many others at most a parameter follows another one: reading a value goes up the chain, step by
+/// step, and so does each connection.
+inline constexpr int longest_chain = 100;
+
+/// What is said of a parameter that would follow others through more.
+std::string tooLongChainText();
+
 /// What is to be seen and what lights it: objects by name, meshes, a camera, a background, and views that may
 /// have values of their own.
 ///
@@ -49,7 +56,7 @@ public:
     bool isTaken(const std::string& name) const { return find(name) || my_foreign.contains(name); }
 
     /// Deletes an object. Throws Error if there is none of this name.
-    void remove(const std::string& name);
+    void remove(std::string name);
 
     /// Sets the global value of an object's parameter from its text form.
     /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and
@@ -65,8 +72,9 @@ public:
                         const std::string& view = {});
 
     /// Makes a parameter follow another object's, in every view.
-    /// Throws Error for an unknown object or parameter, for parameters of different types, and for one that
-    /// would come to follow itself; nothing is changed then.
+    /// Throws Error for an unknown object or parameter, for parameters of different types, for one that would
+    /// come to follow itself, and where any would come to follow another one through more than longest_chain
+    /// others; nothing is changed then.
     void connect(const std::string& object, const std::string& parameter, const std::string& source_object,
                  const std::string& source_parameter);
 
@@ -134,6 +142,9 @@ private:
     void objectCreated(const Tessan::StrongPtr<Qelt::VObject>& object, Qelt::VContext* context,
                        Qelt::VCreatorBase& creator) override;
     void dropTheGone() const;
+    /// Why a connection would make a chain too long, the follower's own or that of one below it; empty where
+    /// it would not.
+    std::string tooLongChain(const Qelt::VParameter& follower, const Qelt::VParameter& source) const;
 
     mutable std::vector<Tessan::StrongPtr<Qelt::VObject>> my_objects;
     mutable std::unordered_map<std::string, Tessan::StrongPtr<Qelt::VObject>> my_objects_by_name;

@@ -335,8 +335,6 @@ void SceneReader::readConnections(const JsonValue& connections, std::size_t made
 }
 
 void SceneReader::connectLinks() {
-    // Reading a value goes up the chain, step by step, and so does each connection.
-    constexpr int longest_chain = 100;
     for (const Link& link : my_links) {
         const std::string& name = link.follower->Name();
         int length = 0;
@@ -344,9 +342,7 @@ void SceneReader::connectLinks() {
              next != my_followed.end() && next->second != link.follower;
              next = my_followed.find(next->second))
             if (++length > longest_chain)
-                placeOf(link.made, name)
-                    .fail("it would follow another parameter through more than " +
-                          std::to_string(longest_chain) + " others");
+                placeOf(link.made, name).fail("it " + tooLongChainText());
         VObject& object = *my_created[link.made].object;
         if (!object.connectInput(name, *link.source)) // why not, the scene says
             placeOf(link.made, name).during([&] {

@@ -285,6 +285,48 @@ TEST_F(SceneTest, ConnectsAndDisconnects) {
         "unknown parameter \"p.strenth\": did you mean \"strength\"? There are: strength, tint, place, way.");
 }
 
+TEST_F(SceneTest, RefusesChainsThatLoadingRefuses) {
+    const auto name = [](int i) { return "p" + std::to_string(i); };
+    for (int i = 0; i <= 102; ++i)
+        scene.create("Plain", name(i));
+    for (int i = 1; i <= 100; ++i)
+        scene.connect(name(i), "way", name(i - 1), "way");
+    EXPECT_EQ(
+        errorOf([&] { scene.connect("p101", "way", "p100", "way"); }),
+        "\"p101.way\" cannot follow \"p100.way\": it would follow another parameter through more than 100 "
+        "others");
+    EXPECT_FALSE(scene.parameter("p101", "way").hasSource());
+    // From below, too: what follows the follower must not come to follow through too many.
+    EXPECT_EQ(
+        errorOf([&] { scene.connect("p0", "way", "p101", "way"); }),
+        "\"p0.way\" cannot follow \"p101.way\": \"p100.way\" would follow another parameter through more "
+        "than 100 others");
+    EXPECT_FALSE(scene.parameter("p0", "way").hasSource());
+    scene.disconnect("p50", "way");
+    scene.connect("p101", "way", "p100", "way"); // 51 others now
+    scene.connect("p50", "way", "p102", "way");
+    EXPECT_EQ(
+        errorOf([&] { scene.connect("p102", "way", "p49", "way"); }),
+        "\"p102.way\" cannot follow \"p49.way\": \"p100.way\" would follow another parameter through more "
+        "than 100 others");
+    // A circle is refused as such, and so are other types, however long the chain.
+    EXPECT_THAT(errorOf([&] { scene.connect("p102", "way", "p101", "way"); }),
+                testing::HasSubstr("that one follows it already"));
+    EXPECT_THAT(errorOf([&] { scene.connect("p102", "way", "p101", "strength"); }),
+                testing::HasSubstr("is a double"));
+}
+
+TEST_F(SceneTest, RemovesAnObjectByItsOwnName) {
+    for (const char* const name : {"p", "a name that is too long for the string itself to hold"}) {
+        auto& object = scene.create("Plain", name);
+        scene.remove(object.Name());
+        EXPECT_EQ(scene.find(name), nullptr);
+        scene.create("Plain", name);
+        EXPECT_NE(scene.find(name), nullptr);
+    }
+    EXPECT_EQ(scene.objects().size(), 2u);
+}
+
 TEST(ValueKind, NamesWhatUsersSee) {
     EXPECT_EQ(korl::valueKind(typeid(double)), "double");
     EXPECT_EQ(korl::valueKind(typeid(Orvid::rgba_float_t)), "color");
