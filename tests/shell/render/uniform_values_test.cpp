@@ -4,9 +4,15 @@
 
 #include "shell/render/gl_objects.hpp"
 
+#include <sorvik/component_text.hpp>
+
+#include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
 #include <limits>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -20,8 +26,8 @@ using Orvid::Quadratic;
 using Qelt::RenderNamespace::UniformValue;
 using FloatPoint = Coordinates<Cartesian3D, float>::point;
 
-/// One value of each alternative, the GLSL type that takes it, its text, and the numbers that reach the
-/// program.
+/// One value of each alternative, all of its components different, the GLSL type that takes it, and its text,
+/// which has the numbers that reach the program in their order.
 struct Sample {
     UniformValue value;
     const char* glsl_type;
@@ -32,25 +38,25 @@ std::vector<Sample> samples() {
     return {
         {-3, "int", "-3"},
         {0.1f, "float", "0.1"},
-        {0.1, "float", "0.1"},
-        {3000000000u, "uint", "3000000000"},
-        {FixedArray<int, 2>{1, -2}, "ivec2", "1 -2"},
+        {0.3, "float", "0.3"},
+        {3000000001u, "uint", "3000000001"},
+        {FixedArray<int, 2>{2147483647, -2147483647}, "ivec2", "2147483647 -2147483647"},
         {FixedArray<float, 2>{0.1f, 2}, "vec2", "0.1 2"},
-        {FixedArray<double, 2>{0.1, 2}, "vec2", "0.1 2"},
-        {FixedArray<int, 3>{1, 2, 3}, "ivec3", "1 2 3"},
-        {FloatPoint{1, 2, 3}, "vec3", "1 2 3"},
+        {FixedArray<double, 2>{0.7, -2}, "vec2", "0.7 -2"},
+        {FixedArray<int, 3>{16777217, -2, 3}, "ivec3", "16777217 -2 3"}, // the first is no float
+        {FloatPoint{1.5f, 2.5f, 3.5f}, "vec3", "1.5 2.5 3.5"},
         {FixedArray<float, 3>{1, 2, 0.3f}, "vec3", "1 2 0.3"},
-        {PhysicalSpace::point{1, 2, 1e-300}, "vec3", "1 2 1e-300"},
-        {FixedArray<double, 3>{1, 2, 0.3}, "vec3", "1 2 0.3"},
-        {FixedArray<int, 4>{1, 2, 3, 4}, "ivec4", "1 2 3 4"},
-        {FixedArray<float, 4>{0.7f, 0.7f, 0.7f, 1}, "vec4", "0.7 0.7 0.7 1"},
-        {FixedArray<double, 4>{1, 2, 3, 0.4}, "vec4", "1 2 3 0.4"},
+        {PhysicalSpace::point{4.1, -2.1, 1e-30}, "vec3", "4.1 -2.1 1e-30"},
+        {FixedArray<double, 3>{5.1, 6.2, 0.3}, "vec3", "5.1 6.2 0.3"},
+        {FixedArray<int, 4>{-1, 20, 300, -4000}, "ivec4", "-1 20 300 -4000"},
+        {FixedArray<float, 4>{0.7f, 0.8f, 0.9f, 0.6f}, "vec4", "0.7 0.8 0.9 0.6"},
+        {FixedArray<double, 4>{1.1, 2.2, 3.3, 0.4}, "vec4", "1.1 2.2 3.3 0.4"},
         {Quadratic<2, float>{{1, 2, 3, 4}}, "mat2", "1 2 3 4"},
         {Quadratic<3, float>{{1, 2, 3, 4, 5, 6, 7, 8, 9}}, "mat3", "1 2 3 4 5 6 7 8 9"},
         {Quadratic<4, float>{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}}, "mat4",
          "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"},
-        {std::vector<FixedArray<float, 3>>{{1, 2, 3}, {4, 5, 6}}, "vec3[2]", "1 2 3 4 5 6"},
-        {std::vector<FloatPoint>{{1, 2, 3}, {4, 5, 6}}, "vec3[2]", "1 2 3 4 5 6"},
+        {std::vector<FixedArray<float, 3>>{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, "vec3[3]", "1 2 3 4 5 6 7 8 9"},
+        {std::vector<FloatPoint>{{9, 8, 7}, {6, 5, 4}, {3, 2, 1}}, "vec3[3]", "9 8 7 6 5 4 3 2 1"},
     };
 }
 
@@ -82,32 +88,61 @@ TEST(UniformValues, AreComparedByBits) {
 
 class UniformValuesGLTest : public korl::test::GLTest {};
 
-TEST_F(UniformValuesGLTest, EveryAlternativeReachesItsTypeOfUniform) {
+/// A program whose uniform U has a type such as "vec3" or "vec3[3]", of which no part can be left out.
+korl::Program programWith(const std::string& type) {
+    const std::string element = type.substr(0, type.find('['));
+    std::string use = "U == " + element + "(7)";
+    if (type != element)
+        use = "U[0] == U[1] && U[1] == U[2]";
+    korl::Shader vertex(GL_VERTEX_SHADER);
+    EXPECT_TRUE(vertex.compile("#version 330\nuniform " + element + " U" + type.substr(element.size()) +
+                               ";\nvoid main() { gl_Position = vec4(" + use + " ? 1 : 0); }\n"))
+        << vertex.log();
+    korl::Program program;
+    program.attach(vertex);
+    EXPECT_TRUE(program.link()) << program.log();
+    return program;
+}
+
+/// What a program holds in its uniform U, read back element by element as numbers of its type.
+std::string heldText(const korl::Program& program, const std::string& type, std::size_t components) {
+    std::vector<std::string> locations{"U"};
+    if (type.ends_with("[3]"))
+        locations = {"U[0]", "U[1]", "U[2]"};
+    const std::size_t each = components / locations.size();
+    const auto read = [&]<class Number>(auto getUniform, Number) {
+        std::vector<Number> all;
+        for (const std::string& location : locations) {
+            std::array<Number, 16> held{};
+            getUniform(program.name(), program.uniformLocation(location), held.data());
+            all.insert(all.end(), held.begin(), held.begin() + static_cast<std::ptrdiff_t>(each));
+        }
+        return all;
+    };
+    const auto joined = [](const auto& numbers) {
+        std::string text;
+        for (const auto number : numbers)
+            text += (text.empty() ? "" : " ") + std::to_string(number);
+        return text;
+    };
+    if (type.starts_with('i'))
+        return joined(read(glGetUniformiv, GLint{}));
+    if (type.starts_with('u'))
+        return joined(read(glGetUniformuiv, GLuint{}));
+    return Qelt::componentsToText(std::span<const float>(read(glGetUniformfv, GLfloat{})));
+}
+
+TEST_F(UniformValuesGLTest, EachComponentOfEveryAlternativeReachesTheProgram) {
     for (const Sample& sample : samples()) {
-        const std::string type(sample.glsl_type);
-        const bool is_array = type.ends_with("[2]");
-        const std::string element = is_array ? type.substr(0, type.size() - 3) : type;
-        const std::string use = is_array                                   ? "U[0].x + U[1].x"
-                                : element.find("mat") == 0                 ? "U[0][0]"
-                                : element.find("vec") != std::string::npos ? "float(U.x)"
-                                                                           : "float(U)";
-        korl::Shader vertex(GL_VERTEX_SHADER);
-        ASSERT_TRUE(vertex.compile("#version 330\nuniform " + element + " U" + (is_array ? "[2]" : "") +
-                                   ";\nvoid main() { gl_Position = vec4(" + use + "); }\n"))
-            << vertex.log();
-        korl::Program program;
-        program.attach(vertex);
-        ASSERT_TRUE(program.link()) << program.log();
+        const korl::Program program = programWith(sample.glsl_type);
         glUseProgram(program.name());
         korl::uploadUniform(program.uniformLocation("U"), sample.value);
-        EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR}) << type << " = " << sample.text;
-        // What the program holds now, against the text: the first number, and the last of the first element.
-        if (element.find("mat") == 0 || element.starts_with("vec") || element == "float") {
-            std::array<GLfloat, 16> held{};
-            glGetUniformfv(program.name(), program.uniformLocation("U"), held.data());
-            EXPECT_EQ(held[0], std::strtof(sample.text, nullptr)) << type;
-        }
+        EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR}) << sample.glsl_type << " = " << sample.text;
         glUseProgram(0);
+        const std::string text = sample.text;
+        const auto components = static_cast<std::size_t>(std::count(text.begin(), text.end(), ' ')) + 1;
+        EXPECT_EQ(heldText(program, sample.glsl_type, components), text)
+            << sample.glsl_type << ", alternative " << sample.value.index();
     }
 }
 
