@@ -35,7 +35,9 @@ enum class FindingKind {
     zero_intensity,     ///< its intensity is 0
     negative_intensity, ///< its intensity is below 0, so that it takes light away
     weak,               ///< its intensity is low
-    grazing             ///< it strikes the surfaces at a small angle
+    grazing,            ///< it strikes the surfaces at a small angle
+    uniform_undeclared, ///< it writes a uniform that its snippet does not declare
+    uniform_unwritten   ///< its snippet declares a uniform that it does not write
 };
 
 /// A kind as scripts and JSON name it, such as "zero_intensity".

@@ -1,6 +1,7 @@
 #include "shell/explain/light_explanations.hpp"
 
 #include "shell/explain/opengl_light.hpp"
+#include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/value_kind.hpp"
@@ -94,6 +95,15 @@ void nameBadUniforms(LightExplanation& light, const Qelt::RenderNamespace::Light
             finding.text += "; not finite is its uniform " + names + ": check its parameters";
 }
 
+/// Notes where a light writes other uniforms than its snippet declares.
+void noteUniforms(LightExplanation& light, const Qelt::RenderNamespace::LightSource& source) {
+    const UniformMismatch mismatch = compareUniforms(source.snippet(), source.uniforms());
+    if (!mismatch.undeclared.empty())
+        light.findings.push_back({FindingKind::uniform_undeclared, undeclaredText(mismatch), false});
+    if (!mismatch.unwritten.empty())
+        light.findings.push_back({FindingKind::uniform_unwritten, unwrittenText(mismatch), false});
+}
+
 /// Names the parameters that were set to zero, for a light that has zero intensity: numbers, and colours but
 /// for their alpha.
 void nameZeroParameters(LightExplanation& light, const Qelt::VObject& object, Qelt::ValuePool& pool) {
@@ -178,8 +188,11 @@ void explainLights(const LitScene& at, Explanation& explanation) {
             judgeLight(light, shaderSampler(probe, at.view, *member, at.viewpoint.eye), at.places);
         else if (const auto held = fixed.lights.find(member->object); held != fixed.lights.end())
             judgeLight(light, fixedSampler(held->second, place->outcome == Outcome::ambient_only), at.places);
-        if (!on_fixed && member->source_count > 0)
-            nameBadUniforms(light, *at.view.sources()[member->first_source].get());
+        if (!on_fixed && member->source_count > 0) {
+            const auto& source = *at.view.sources()[member->first_source].get();
+            nameBadUniforms(light, source);
+            noteUniforms(light, source);
+        }
         nameZeroParameters(light, *object.get(), at.view.pool());
         std::stable_sort(light.findings.begin(), light.findings.end(), [](const auto& a, const auto& b) {
             return a.is_cause != b.is_cause ? a.is_cause : a.kind < b.kind;

@@ -16,7 +16,7 @@ struct KindWords {
 };
 
 const KindWords& wordsOf(FindingKind kind) {
-    static constexpr std::array<KindWords, 19> words{{
+    static constexpr std::array<KindWords, 21> words{{
         {"no_lights", ""},
         {"no_mesh_in_view", ""},
         {"normals_missing", ""},
@@ -36,6 +36,8 @@ const KindWords& wordsOf(FindingKind kind) {
         {"negative_intensity", "take light away"},
         {"weak", "are weak"},
         {"grazing", "only graze what is seen"},
+        {"uniform_undeclared", ""},
+        {"uniform_unwritten", ""},
     }};
     return words.at(static_cast<std::size_t>(kind));
 }

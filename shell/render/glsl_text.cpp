@@ -31,19 +31,6 @@ int floatsOf(std::string_view type) {
     return found == vectors.end() ? 0 : static_cast<int>(found - vectors.begin()) + 1;
 }
 
-/// Whether a line is for the preprocessor and more than a pragma.
-bool hasMacros(std::string_view uncommented) {
-    for (int line = 1; line <= lineCount(uncommented); ++line) {
-        std::string_view rest = trimmed(lineOf(uncommented, line));
-        if (!rest.starts_with('#'))
-            continue;
-        rest.remove_prefix(1);
-        if (!takeWord(rest, "pragma"))
-            return true;
-    }
-    return false;
-}
-
 /// Whether a declaration outside brackets is of a variable: neither a uniform, nor a constant, nor a
 /// function.
 bool hasGlobalVariables(std::string_view uncommented) {
@@ -68,6 +55,37 @@ bool hasGlobalVariables(std::string_view uncommented) {
         depth += c == '(' || c == '{' || c == '[' ? 1 : 0;
     }
     return false;
+}
+
+constexpr std::string_view keyword = "uniform";
+
+/// What follows each word `uniform` of a text.
+std::vector<std::string_view> uniformDeclarations(std::string_view text) {
+    std::vector<std::string_view> declarations;
+    for (std::size_t at = text.find(keyword); at != std::string_view::npos; at = text.find(keyword, at + 1)) {
+        const std::string_view rest = text.substr(at + keyword.size());
+        if ((at == 0 || !isNameCharacter(text[at - 1])) && (rest.empty() || !isNameCharacter(rest.front())))
+            declarations.push_back(rest);
+    }
+    return declarations;
+}
+
+/// The parts of a declaration up to its semicolon, as commas outside brackets separate them.
+std::vector<std::string_view> declarators(std::string_view declaration) {
+    std::vector<std::string_view> parts;
+    int depth = 0;
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < declaration.size(); ++i) {
+        const char c = declaration[i];
+        depth += c == '(' || c == '{' || c == '[' ? 1 : c == ')' || c == '}' || c == ']' ? -1 : 0;
+        if (depth != 0 || (c != ',' && c != ';'))
+            continue;
+        parts.push_back(declaration.substr(first, i - first));
+        first = i + 1;
+        if (c == ';')
+            break;
+    }
+    return parts;
 }
 
 } // namespace
@@ -137,16 +155,47 @@ UncommentedText withoutComments(std::string_view source) {
     return result;
 }
 
+bool hasMacros(std::string_view uncommented) {
+    for (int line = 1; line <= lineCount(uncommented); ++line) {
+        std::string_view rest = trimmed(lineOf(uncommented, line));
+        if (!rest.starts_with('#'))
+            continue;
+        rest.remove_prefix(1);
+        if (!takeWord(rest, "pragma"))
+            return true;
+    }
+    return false;
+}
+
+std::vector<std::string> uniformNames(std::string_view snippet) {
+    const std::string text = withoutComments(snippet).text;
+    std::vector<std::string> names;
+    for (const std::string_view declaration : uniformDeclarations(text)) {
+        for (const std::string_view part : declarators(declaration)) {
+            std::string_view rest = part;
+            if (const std::size_t body_end = part.rfind('}'); body_end != std::string_view::npos) {
+                if (takeName(rest) != "struct")
+                    continue; // a block
+                rest = part.substr(body_end + 1);
+            }
+            rest = rest.substr(0, rest.find_first_of("[="));
+            std::string_view name; // the last word, behind the type
+            for (std::string_view word = takeName(rest); !word.empty(); word = takeName(rest))
+                name = word;
+            if (!name.empty())
+                names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
 std::optional<std::vector<UniformDeclaration>> floatUniforms(std::string_view snippet) {
     const std::string text = withoutComments(snippet).text;
     if (hasMacros(text) || hasGlobalVariables(text))
         return {};
     std::vector<UniformDeclaration> declarations;
-    constexpr std::string_view keyword = "uniform";
-    for (std::size_t at = text.find(keyword); at != std::string::npos; at = text.find(keyword, at + 1)) {
-        std::string_view rest = std::string_view(text).substr(at + keyword.size());
-        if ((at > 0 && isNameCharacter(text[at - 1])) || (!rest.empty() && isNameCharacter(rest.front())))
-            continue; // a part of another name
+    for (std::string_view rest : uniformDeclarations(text)) {
+        const std::size_t at = static_cast<std::size_t>(rest.data() - text.data()) - keyword.size();
         const int size = floatsOf(takeName(rest));
         const std::string_view name = takeName(rest);
         const std::string_view declared = rest.substr(0, rest.find(';'));

@@ -40,6 +40,13 @@ struct UniformDeclaration {
     std::size_t at = 0; ///< where in the text the word `uniform` stands
 };
 
+/// Whether a line of a text without comments is for the preprocessor and more than a pragma.
+bool hasMacros(std::string_view uncommented);
+
+/// The names of all uniforms that a snippet declares, of whatever type, as they are written, with their "$$".
+/// Members of uniform blocks, which OpenGL sets by buffers, are not among them.
+std::vector<std::string> uniformNames(std::string_view snippet);
+
 /// The uniforms that a snippet declares; none where one of them is more than a plain float or vector, one
 /// name to a declaration, where it has other variables outside functions, whose values may come from the
 /// uniforms, or macros, which may hide any of that.

@@ -4,6 +4,7 @@
 #include "shell/render/gl_error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/material.hpp"
+#include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 
 #include <glm/gtc/type_ptr.hpp>
@@ -77,6 +78,15 @@ Error wrongType(const std::string& light, const std::string& uniform,
                  " is of another type than its snippet declares");
 }
 
+void reportUniforms(const Qelt::RenderAble& light, const UniformMismatch& mismatch, Reports& reports) {
+    const auto tell = [&](const std::string& text, const char* kind) {
+        if (!text.empty())
+            reports.once(light.number(), kind, [&] { return "light \"" + light.Name() + "\" " + text; });
+    };
+    tell(undeclaredText(mismatch), "uniform not declared");
+    tell(unwrittenText(mismatch), "uniform not written");
+}
+
 } // namespace
 
 AssembledShader assembleFrame(const View& view) {
@@ -102,7 +112,7 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
 
 void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache& meshes,
                       Reports& reports) {
-    const Lineup& lineup = lineupFor(view);
+    const Lineup& lineup = lineupFor(view, reports);
     const LightingProgram& lighting = *lineup.lighting;
     reportNotFinite(view, reports);
     {
@@ -119,7 +129,7 @@ void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBu
     my_result_check.check(view, viewpoint.eye, meshes, my_probe, reports);
 }
 
-const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view) {
+const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view, Reports& reports) {
     my_serials.clear();
     for (const auto& source : view.sources())
         my_serials.push_back(source->serialNumber());
@@ -134,8 +144,11 @@ const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view) {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < view.sources().size(); ++i) {
         const auto [snippet, missing] = my_snippets.try_emplace(my_serials[i]);
-        if (missing)
+        if (missing) {
             snippet->second = view.sources()[i]->snippet();
+            reportUniforms(view.ownerOf(i), compareUniforms(snippet->second, view.sources()[i]->uniforms()),
+                           reports);
+        }
         texts.push_back(snippet->second);
     }
     GroupedSnippets grouped = groupSnippets(view, texts);

@@ -38,9 +38,9 @@ public:
     void fillUniforms(View& view, const Viewpoint& viewpoint);
 
     /// Draws the meshes under the lights of the frame, into the framebuffer and viewport that are current. A
-    /// light whose result is not finite adds nothing there and is reported by name. Throws Error if the
-    /// driver refuses a light's snippet, or a uniform's value for its declared type, and for more values of
-    /// lights than the driver's buffers hold.
+    /// light whose result is not finite adds nothing there and is reported by name; so is one that writes
+    /// other uniforms than its snippet declares. Throws Error if the driver refuses a light's snippet, or a
+    /// uniform's value for its declared type, and for more values of lights than the driver's buffers hold.
     void draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache& meshes, Reports& reports);
 
     /// What evaluates single lights.
@@ -92,7 +92,7 @@ private:
         bool bind(GLint sampler);
     };
 
-    const Lineup& lineupFor(const View& view);
+    const Lineup& lineupFor(const View& view, Reports& reports);
     std::unique_ptr<LightingProgram> build(const AssembledShader& shader,
                                            std::span<const LightSnippet> snippets, const View& view,
                                            const std::vector<std::vector<std::size_t>>& sources);

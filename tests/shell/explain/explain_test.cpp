@@ -1,13 +1,16 @@
 #include "shell/explain/explain.hpp"
 
+#include "tests/support/counted_light.hpp"
 #include "tests/support/gl_test.hpp"
 
 #include "shell/error.hpp"
 #include "shell/explain/explanation_text.hpp"
+#include "shell/explain/number_text.hpp"
 #include "shell/scene/builtin_scene.hpp"
 #include "shell/session/shell.hpp"
 
 #include <sorvik/component_text.hpp>
+#include <sorvik/creator.hpp>
 
 #include <algorithm>
 #include <array>
@@ -188,6 +191,61 @@ TEST_F(ExplainGLTest, SilencedLightsNameTheOneThatShinesAlone) {
         explanation.summary,
         "The picture is dark because the light \"sun\" is silenced, since \"dim\" shines alone; and the "
         "light \"dim\" is weak: its intensity is at most 0.01 at the meshes.");
+}
+
+TEST_F(ExplainGLTest, WeakLightIsToBlameOnWhiteSurfacesThatFaceIt) {
+    useFloor();
+    add("Sun", "sun", {{"latitude", "0"}, {"timeofday", "12"}, {"Specular", "0"}});
+    for (const std::string intensity : {"0.05", "0.0999", "0.1"})
+        for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
+            shell.scene().setParameter("sun", "Intensity", intensity);
+            const Explanation explanation = explain(path);
+            EXPECT_THAT(explanation.causes, ElementsAre(FindingKind::weak)) << intensity;
+            EXPECT_EQ(explanation.summary,
+                      "The picture is dark because the light \"sun\" is weak: its intensity is "
+                      "at most " +
+                          korl::numberText(std::stof(intensity)) + " at the meshes.");
+        }
+    shell.scene().setParameter("sun", "Intensity", "0.2");
+    EXPECT_FALSE(explain().is_dark);
+    EXPECT_THAT(kindsOf(explain().lights.at(0)), IsEmpty());
+}
+
+TEST_F(ExplainGLTest, WeakLightIsToBlameOnAWhiteSphere) {
+    korl::Mesh sphere = std::move(korl::builtinScene().back());
+    ASSERT_EQ(sphere.name, "sphere");
+    shell.scene().addMesh(std::move(sphere));
+    add("Headlight", "lamp", {{"intensity", "0.12"}, {"specular", "0"}});
+    const Explanation explanation = explain();
+    EXPECT_TRUE(explanation.is_dark); // most of it at a slope
+    EXPECT_THAT(explanation.causes, ElementsAre(FindingKind::weak));
+}
+
+TEST_F(ExplainGLTest, UniformsThatALightAndItsSnippetDoNotShareAreNoted) {
+    struct Confused : korl::test::CountedLight {
+        Confused(const std::string& name, const Qelt::VCreationPreferences&)
+            : CountedLight(name, "uniform float Weight$$ = 1.0;\n"
+                                 "void getLight_$$(in vec3 v, out vec3 incidence, out vec3 i, out vec3 s)\n"
+                                 "{ incidence = s = vec3(0); i = vec3(Weight$$); }\n") {}
+    };
+    const Qelt::VCreator<Confused, void> creator{std::string("Confused"), 0};
+    useFloor();
+    add("Confused", "lamp");
+    const Explanation explanation = explain();
+    EXPECT_FALSE(explanation.is_dark);
+    ASSERT_THAT(kindsOf(explanation.lights.at(0)),
+                ElementsAre(FindingKind::uniform_undeclared, FindingKind::uniform_unwritten));
+    const auto& findings = explanation.lights[0].findings;
+    EXPECT_EQ(findings[0].text,
+              "writes the uniform \"Strength$$\", which its snippet does not declare: the shader "
+              "gets nothing of it");
+    EXPECT_EQ(findings[1].text,
+              "never writes the uniform \"Weight$$\", which its snippet declares: the shader has "
+              "the declared value");
+    EXPECT_FALSE(findings[0].is_cause || findings[1].is_cause);
+    EXPECT_EQ(nameOf(findings[0].kind), "uniform_undeclared");
+    EXPECT_EQ(nameOf(findings[1].kind), "uniform_unwritten");
+    shell.scene().remove("lamp");
 }
 
 TEST_F(ExplainGLTest, NegativeIntensityTakesLightAway) {

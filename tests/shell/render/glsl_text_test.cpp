@@ -21,6 +21,28 @@ std::string described(std::string_view snippet) {
     return text;
 }
 
+TEST(UniformNames, AreReadFromDeclarationsOfEveryForm) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"", ""},
+        {"void getLight_$$() { int uniformed = 1; }", ""},
+        {"uniform float S$$;", "S$$"},
+        {"uniform int A$$ = 3; uniform highp mat3 B$$ ; uniform vec4 C$$\n= vec4(1,2,3,4);", "A$$ B$$ C$$"},
+        {"uniform float A$$ = max(1, 2), B$$[2] = float[2](1, 2), C$$;", "A$$ B$$ C$$"},
+        {"layout(location = 3) uniform samplerBuffer Map;", "Map"},
+        {"uniform struct Lamp { vec3 place, way; } L$$, M$$[3];", "L$$ M$$"},
+        {"uniform Block$$ { vec3 place; float size; }; uniform float A$$;", "A$$"},
+        {"// uniform float A$$;\n/* uniform float B$$; */ uniform float C$$;", "C$$"},
+        {"#if 1\nuniform float A$$;\n#endif\n", "A$$"},
+        {"uniform float A$$", ""}, // not to its end, which no driver takes
+    };
+    for (const auto& [snippet, expected] : cases) {
+        std::string names;
+        for (const std::string& name : korl::uniformNames(snippet))
+            names += (names.empty() ? "" : " ") + name;
+        EXPECT_EQ(names, expected) << snippet;
+    }
+}
+
 TEST(FloatUniforms, AreReadFromDeclarationsOfEveryForm) {
     const std::vector<std::pair<std::string, std::string>> cases{
         {"", ""},

@@ -247,4 +247,79 @@ TEST_F(ShaderPathGLTest, ShaderPathSetsUpOtherLightsWithNumberOneAndRestoresStat
     EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
 }
 
+/// A light with a snippet and uniforms of a test's own.
+struct WordyLight : korl::test::CountedLight {
+    WordyLight(const std::string& name, const Qelt::VCreationPreferences&)
+        : CountedLight(name, next_snippet) {}
+
+    void fillUniforms(Qelt::RenderNamespace::UniformMap& uniforms, Qelt::VRenderContext&) const override {
+        for (const std::string& name : next_uniforms)
+            Qelt::RenderNamespace::writeUniform(uniforms, name.c_str(), 1.0f);
+    }
+
+    static inline std::string next_snippet;
+    static inline std::vector<std::string> next_uniforms;
+};
+
+const std::string no_light_body = "void getLight_$$(in vec3 v, out vec3 l, out vec3 i, out vec3 s)\n"
+                                  "{ l = i = s = vec3(0); }\n";
+
+TEST_F(ShaderPathGLTest, UniformsThatALightAndItsSnippetDoNotShareAreReportedOnceByName) {
+    const Qelt::VCreator<WordyLight, void> creator{std::string("WordyLight"), 0};
+    const std::string writes = "light \"WordyLight\" writes the uniform",
+                      never = "light \"WordyLight\" never writes ";
+    const std::string undeclared = ", which its snippet does not declare: the shader gets nothing of it";
+    const std::string unwritten = ", which its snippet declares: the shader has the declared value";
+    struct Row {
+        std::string declarations;
+        std::vector<std::string> written, reports;
+    };
+    const std::vector<Row> table{
+        {"uniform float A$$ = 1.0;\n", {"A$$"}, {}},
+        {"", {"A$$"}, {writes + " \"A$$\"" + undeclared}},
+        {"uniform float A$$;\n", {}, {never + "the uniform \"A$$\"" + unwritten}},
+        {"// uniform float A$$;\n", {"A$$", "B$$"}, {writes + "s \"A$$\" and \"B$$\"" + undeclared}},
+        {"uniform float A$$, B$$; uniform vec3 C$$;\n",
+         {"D"},
+         {writes + " \"D\"" + undeclared, never + "the uniforms \"A$$\", \"B$$\" and \"C$$\"" + unwritten}},
+        {"uniform float a$$;\n",
+         {"A$$"}, // names are told apart by their case
+         {writes + " \"A$$\"" + undeclared, never + "the uniform \"a$$\"" + unwritten}},
+        {"uniform float A$$[2]; struct S { float b; }; uniform S C$$;\n", {"A$$[1]", "C$$.b"}, {}},
+        {"#define DECLARE(name) uniform float name\nDECLARE(A$$);\n", {"A$$"}, {}},
+        {"#define ANY\n", {"A$$"}, {writes + " \"A$$\"" + undeclared}},
+    };
+    for (const Row& row : table) {
+        WordyLight::next_snippet = row.declarations + no_light_body;
+        WordyLight::next_uniforms = row.written;
+        scene.create("WordyLight");
+        reports.clear();
+        for (int frame = 0; frame < 3; ++frame)
+            render(RenderPath::shader);
+        EXPECT_EQ(reports, row.reports) << row.declarations;
+        scene.remove("WordyLight");
+    }
+}
+
+TEST_F(ShaderPathGLTest, UniformsOfManyLightsOfATypeAreReportedForEach) {
+    const Qelt::VCreator<WordyLight, void> creator{std::string("WordyLight"), 0};
+    WordyLight::next_snippet = "uniform float A$$ = 1.0;\n" + no_light_body;
+    WordyLight::next_uniforms = {"B$$"};
+    for (int i = 0; i < 6; ++i) // evaluated in a loop
+        scene.create("WordyLight");
+    render(RenderPath::shader);
+    EXPECT_EQ(reports.size(), 12u);
+    for (const auto& object : std::vector(scene.objects()))
+        scene.remove(object->Name());
+}
+
+TEST_F(ShaderPathGLTest, ModulesOwnLightsShareAllUniformsWithTheirSnippets) {
+    for (const Qelt::VCreatorBase* const type : Qelt::VCreatorBase::catalogue())
+        if (type->Name() != "SetUpLight")
+            scene.create(type->Name());
+    EXPECT_GE(scene.objects().size(), 8u);
+    render(RenderPath::shader);
+    EXPECT_THAT(reports, IsEmpty());
+}
+
 } // namespace
