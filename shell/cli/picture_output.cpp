@@ -13,8 +13,10 @@
 namespace korl::cli {
 
 PictureOutput::PictureOutput(std::string target) : my_target(std::move(target)) {
-    if (!isStandardOutput())
+    if (!isStandardOutput()) {
+        requirePngName(my_target);
         return;
+    }
     std::fflush(stdout);
     my_descriptor = ::dup(STDOUT_FILENO);
     if (my_descriptor < 0 || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {

@@ -12,6 +12,7 @@ namespace korl::cli {
 /// error, so that nothing but the picture goes there; make it before any module is loaded.
 class PictureOutput {
 public:
+    /// Throws Error for a file whose name has the suffix of another format.
     explicit PictureOutput(std::string target);
     ~PictureOutput();
     PictureOutput(const PictureOutput&) = delete;

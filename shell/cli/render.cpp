@@ -16,6 +16,7 @@ struct RenderOptions {
     SceneOptions scene;
     std::string path = "shader";
     std::string size = "640x480";
+    std::string view;
     std::string output = "korl.png";
     bool uniforms = false;
 };
@@ -28,9 +29,9 @@ void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size
     const GLContext::Info& info = shell.context().info();
     Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", info.renderer.c_str(), info.version.c_str(),
                   info.how.c_str());
-    const Image image = shell.render({width, height, renderPaths().at(options.path)});
+    const Image image = shell.render({width, height, renderPaths().at(options.path)}, options.view);
     if (options.uniforms)
-        for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view()))
+        for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view(options.view)))
             std::printf("%s\n", line.c_str());
     output.write(image);
     if (!output.isStandardOutput())
@@ -48,6 +49,7 @@ void addRenderCommand(CLI::App& app, Program& program) {
     addPathOption(*command, options->path);
     command->add_option("--size", options->size, "WIDTHxHEIGHT in pixels, of the picture of one path")
         ->capture_default_str();
+    command->add_option("--view", options->view, "The scene's view to render");
     command->add_option("-o,--output", options->output, "The PNG file; - for standard output")
         ->capture_default_str();
     command->add_flag("--uniforms", options->uniforms, "Print the lights' uniform values, NAME = components");

@@ -107,8 +107,9 @@ PYBIND11_MODULE(_korl, module) {
 
     module.def("encode_png", &encode);
     module.def(
-        "write_file",
+        "write_png",
         [](const std::filesystem::path& file, std::string_view bytes) {
+            requirePngName(file);
             writeFileAtomically(file,
                                 std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
         },

@@ -1,6 +1,7 @@
 #include "shell/render/png.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <algorithm>
 #include <array>
@@ -167,6 +168,15 @@ std::vector<std::uint8_t> encodePng(const Image& image, std::span<const Text> te
     for (std::size_t row = 0; row < image.pixels.size(); row += row_size)
         rows.push_back(const_cast<png_bytep>(image.pixels.data() + row));
     return Writer().write(image, rows, texts);
+}
+
+void requirePngName(const std::filesystem::path& file) {
+    if (const std::string suffix = suffixOf(file); !suffix.empty() && suffix != ".png")
+        throw InvalidValue(
+            "cannot write " + file.string() +
+            ": a picture is written as PNG alone, to a name that ends in .png or has no suffix, "
+            "found \"" +
+            file.extension().string() + "\"");
 }
 
 Image decodePng(std::span<const std::uint8_t> png) {

@@ -2,6 +2,8 @@
 
 #include "shell/error.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
@@ -132,6 +134,13 @@ void writeDirectly(const fs::path& target, std::span<const std::uint8_t> bytes, 
 }
 
 } // namespace
+
+std::string suffixOf(const fs::path& file) {
+    std::string suffix = file.extension().string();
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return suffix;
+}
 
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace korl {
@@ -15,6 +16,9 @@ namespace korl {
 /// the reason; no temporary file is left then.
 void writeFileAtomically(const std::filesystem::path& target, std::span<const std::uint8_t> bytes);
 void writeFileAtomically(const std::filesystem::path& target, std::string_view text);
+
+/// The suffix of a file's name in lower case, such as ".png"; empty where it has none.
+std::string suffixOf(const std::filesystem::path& file);
 
 /// Writes all bytes to an open file descriptor. @returns false where the system refuses; errno says why.
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes);

@@ -1,16 +1,14 @@
 #include "shell/sequence/output_files.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <algorithm>
-#include <cctype>
 
 namespace korl {
 
 SequenceKind sequenceKind(const std::filesystem::path& output) {
-    std::string ending = output.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string ending = suffixOf(output);
     if (ending == ".png")
         return SequenceKind::pictures;
     if (ending == ".mp4")

@@ -6,14 +6,18 @@ import numpy
 
 from . import _korl
 from ._errors import InvalidValueError, WrongTypeError
+from ._strict import Strict, strict
 from ._values import array_of, path_of, text_in
 
 
+@strict
 class Image(numpy.ndarray):
     """A picture: an array of height x width x 4 bytes, red, green, blue and alpha, the rows from top to bottom.
 
     It owns its pixels and outlives its shell. A notebook shows it as a picture.
     """
+
+    __getattr__ = Strict.__getattr__
 
     def __new__(cls, pixels):
         """An image that shows the pixels of an array of height x width x 4 bytes, without a copy of them."""
@@ -44,8 +48,8 @@ class Image(numpy.ndarray):
         return _korl.encode_png(numpy.ascontiguousarray(self).view(numpy.ndarray), pairs)
 
     def save(self, file, text=None):
-        """Writes the picture into a PNG file, whole or not at all."""
-        _korl.write_file(path_of(file), self.png(text))
+        """Writes the picture into a PNG file, whole or not at all; a name of another suffix is refused."""
+        _korl.write_png(path_of(file), self.png(text))
 
     def _repr_png_(self):
         return self.png() if _is_picture(self) else None

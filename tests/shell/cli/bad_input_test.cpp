@@ -218,7 +218,26 @@ TEST_F(BadInput, Scenes) {
                 "green blue alpha\", found \"red\"; it keeps \"1 1 1 1\"");
 }
 
+TEST_F(BadInput, PicturesOfOtherFormats) {
+    for (const std::string suffix : {".jpg", ".JPEG", ".exr", ".tiff", ".mp4", ".gif", ".png2"}) {
+        expectError({"render", "--light", "AmbientLight", "-o", "DIR/x" + suffix}, 1,
+                    "cannot write DIR/x" + suffix +
+                        ": a picture is written as PNG alone, to a name that ends in .png or has no suffix, "
+                        "found \"" +
+                        suffix + "\"");
+        EXPECT_FALSE(std::filesystem::exists(folder / ("x" + suffix)));
+    }
+    expectError({"animate", "-o", "DIR/x_#.jpg"}, 1,
+                "a sequence is written to pictures such as \"day_####.png\" or to a film such as \"day.mp4\" "
+                "or \"day.gif\", found \"DIR/x_#.jpg\"");
+}
+
 class BadInputGLTest : public BadInput {};
+
+TEST_F(BadInputGLTest, ViewsThatTheSceneDoesNotHave) {
+    expectError({"render", "--light", "AmbientLight", "--view", "left", "-o", "DIR/x.png"}, 1,
+                "unknown view \"left\": the scene has no views");
+}
 
 TEST_F(BadInputGLTest, SizesBeyondTheDriversLimit) {
     const ProgramResult result =

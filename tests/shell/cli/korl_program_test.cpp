@@ -198,6 +198,30 @@ TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
     EXPECT_GT(count(built_in, {51, 102, 204, 255}, true), 20);
 }
 
+TEST_F(KorlProgramGLTest, ShowsTheViewThatIsAskedFor) {
+    const auto file = folder.write("scene.json", R"({"korl": 1,
+        "views": ["dim"],
+        "objects": [{"type": "AmbientLight", "name": "a", "views": {"dim": {"Color": "0.2 0.4 0.8 0.3"}}}]})");
+    const auto whiteOf = [&](const std::vector<std::string>& options, const std::string& uniforms) {
+        std::vector<std::string> arguments{file, "--size", "64x48", "--uniforms"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        EXPECT_EQ(render(arguments).output, "AmbientIntensity$$ = " + uniforms + "\n");
+        return count(readImage(picture), {255, 255, 255, 255});
+    };
+    EXPECT_GT(whiteOf({}, "1 1 1 1"), 20);
+    EXPECT_EQ(whiteOf({"--view", "dim"}, "0.2 0.4 0.8 0.3"), 0);
+    EXPECT_GT(count(readImage(picture), {51, 102, 204, 255}), 20);
+}
+
+TEST_F(KorlProgramGLTest, WritesPngToNamesWithoutASuffix) {
+    for (const char* const name : {"picture", "picture.PNG"}) {
+        const ProgramResult result = runProgram(
+            KORL_PROGRAM, {"render", "--size", "8x8", "--light", "AmbientLight", "-o", folder / name});
+        EXPECT_EQ(result.exit_code, 0) << result.errors;
+        EXPECT_EQ(readImage(folder / name).width, 8);
+    }
+}
+
 TEST_F(KorlProgramGLTest, AddsALightWhereThereIsNoneAndSaysSo) {
     const ProgramResult lit = render({"--size", "64x48"});
     EXPECT_EQ(lit.errors,
