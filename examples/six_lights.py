@@ -2,12 +2,13 @@
 
 import sys
 from pathlib import Path
+from typing import Any
 
 import numpy as np
 
 import korl
 
-lights = {
+lights: dict[str, dict[str, Any]] = {
     "AmbientLight": {"Color": (0.8, 0.8, 0.8, 1)},
     "DirectionalLight": {"direction": (-0.6, -1, -0.8), "color": (1, 0.95, 0.85, 1)},
     "DistanceLight": {"lightposition": (0.6, 1, 1)},

@@ -149,6 +149,7 @@ void defineScene(py::module_& module, Session& session) {
     add(session, "set_background",
         [](Shell& shell, const std::string& text) { shell.scene().background = parseColor(text); });
     add(session, "render", [](Shell& shell, int width, int height, RenderPath path, const std::string& view) {
+        shell.reportEmptyPicture();
         return shell.render({width, height, path}, view);
     });
 }

@@ -60,6 +60,7 @@ Progress animateScene(SharedShell& shared, const SequenceSettings& settings,
     try {
         const Released released;
         shared.use([&](Shell& shell) {
+            shell.reportEmptyPicture();
             SequenceSettings all = settings;
             if (sun_time)
                 all.variations.push_back(sunTime(shell.scene(), *sun_time));

@@ -1,22 +1,60 @@
 #include "shell/session/shell.hpp"
 
+#include "shell/error.hpp"
+
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace korl {
+
+namespace {
+
+/// Keeps a renderer that cannot go: without its context, OpenGL would delete another one's buffers and
+/// programs.
+void abandon(std::unique_ptr<Renderer> renderer) {
+    static std::mutex lock;
+    static auto& kept = *new std::vector<std::unique_ptr<Renderer>>;
+    const std::lock_guard locked(lock);
+    kept.push_back(std::move(renderer));
+}
+
+} // namespace
 
 Shell::Shell(Reports::Sink report) : my_report(std::move(report)) {
     my_model_reading.tell = [this](const std::string& text) { this->report(text); };
 }
 
 Shell::~Shell() {
-    if (my_context)
+    if (!my_renderer)
+        return;
+    try {
         my_context->makeCurrent(); // for the renderer, whose buffers and programs go with it
+    } catch (const Error& error) {
+        abandon(std::move(my_renderer));
+        try {
+            report(error.what());
+        } catch (...) { // whoever takes the reports must not end the program from here
+        }
+    }
 }
 
 GLContext& Shell::context() {
     if (!my_context)
         my_context = std::make_unique<GLContext>();
     return *my_context;
+}
+
+void Shell::reportEmptyPicture() {
+    const auto tell = [&](bool is_missing, bool& is_told, const char* text) {
+        if (is_missing && !is_told)
+            report(text);
+        is_told = is_missing;
+    };
+    tell(!my_scene.hasLight(), has_told_of_no_light,
+         "the scene has no light and stays dark; create one, such as a Headlight");
+    tell(my_scene.meshes().empty() && !my_scene.boundingBall(), has_told_of_no_mesh,
+         "the scene has no mesh, so that only its background is seen; add a model, arrays or the landscape");
 }
 
 void Shell::releaseContext() {

@@ -22,6 +22,8 @@ public:
     /// A shell without any module and an empty scene.
     /// @param report takes what the user should know about the pictures, each thing once.
     explicit Shell(Reports::Sink report = {});
+    /// Where another thread has the OpenGL context, what was drawn with it stays until the process ends, and
+    /// that is told.
     ~Shell();
     Shell(const Shell&) = delete;
     Shell& operator=(const Shell&) = delete;
@@ -43,6 +45,10 @@ public:
             my_report(text);
     }
 
+    /// Tells that a picture of the scene would show nothing, for lack of a light or of a mesh; each of the
+    /// two once until it has been there.
+    void reportEmptyPicture();
+
     /// Leaves this thread without the OpenGL context, so that another thread can go on with the shell.
     void releaseContext();
 
@@ -61,6 +67,7 @@ private:
     Scene my_scene;
     Reports::Sink my_report;
     ModelReading my_model_reading;
+    bool has_told_of_no_light = false, has_told_of_no_mesh = false;
     std::map<std::string, std::unique_ptr<View>> my_views; ///< those that were asked for, by name
     std::unique_ptr<GLContext> my_context;
     std::unique_ptr<Renderer> my_renderer;

@@ -1,8 +1,9 @@
 """Where a scene is seen from."""
 
+from . import _korl
 from ._errors import InvalidValueError
 from ._strict import Strict
-from ._values import numbers_in, triple
+from ._values import numbers_in, require, triple
 
 
 class Camera(Strict):
@@ -15,6 +16,7 @@ class Camera(Strict):
     __slots__ = ("_session",)
 
     def __init__(self, session):
+        require(session, _korl.Session, "a Camera comes from a shell: shell.camera")
         object.__setattr__(self, "_session", session)
 
     position = property(lambda self: tuple(self._session.camera()[0]), doc="Where the eye is.")

@@ -5,10 +5,11 @@ from typing import NamedTuple, Optional
 
 from . import _korl
 from ._errors import Error, InvalidValueError, UnknownNameError, WrongTypeError
-from ._strict import Strict
-from ._values import from_text, shown, text_in, to_text, triple
+from ._strict import Strict, strict, strict_tuple
+from ._values import from_text, require, shown, text_in, to_text, triple
 
 
+@strict_tuple
 class ParameterType(NamedTuple):
     """What a type says of a parameter. Nothing is clamped to the range."""
 
@@ -26,6 +27,7 @@ class ParameterType(NamedTuple):
         return cls(info.name, info.kind, *values, info.unit, info.level)
 
 
+@strict_tuple
 class Type(NamedTuple):
     """A type of objects."""
 
@@ -55,8 +57,9 @@ class View(Strict):
     __slots__ = ("_session", "_name")
 
     def __init__(self, session, name):
+        require(session, _korl.Session, "a View comes from a shell: shell.add_view(NAME) or shell.views[NAME]")
         object.__setattr__(self, "_session", session)
-        object.__setattr__(self, "_name", name)
+        object.__setattr__(self, "_name", text_in(name, "a view's name"))
 
     @property
     def name(self):
@@ -72,10 +75,12 @@ class View(Strict):
         return hash((self._session, self._name))
 
 
+@strict
 class _Value:
     """What the values read from an object have in addition to being numbers: they know their parameter."""
 
     __slots__ = ()
+    __getattr__ = Strict.__getattr__
 
     def follow(self, source):
         """See Parameter.follow."""
@@ -90,36 +95,47 @@ class _Value:
         self.parameter.reset(view)
 
 
+@strict
 class Number(_Value, float):
     """A number as it was read from a parameter; it does not change with it."""
 
     def __new__(cls, value, parameter):
-        number = super().__new__(cls, value)
-        number.parameter = parameter
+        try:
+            number = super().__new__(cls, value)
+        except TypeError:
+            raise WrongTypeError(f"a Number takes a number, found {value!r}") from None
+        except ValueError:
+            raise InvalidValueError(f"a Number takes a number, found {value!r}") from None
+        number.parameter = require(parameter, Parameter, "a Number knows the parameter that it was read from")
         return number
 
     def __reduce__(self):
         return float, (float(self),)
 
 
+@strict
 class Numbers(_Value, tuple):
     """The components of a point, vector or colour as they were read; they do not change with the parameter."""
 
     def __new__(cls, values, parameter):
-        numbers = super().__new__(cls, values)
-        numbers.parameter = parameter
+        try:
+            numbers = super().__new__(cls, values)
+        except TypeError:
+            raise WrongTypeError(f"Numbers takes numbers, found {values!r}") from None
+        numbers.parameter = require(parameter, Parameter, "Numbers knows the parameter that it was read from")
         return numbers
 
     def __reduce__(self):
         return tuple, (tuple(self),)
 
 
+@strict
 class Text(_Value, str):
     """The text form of a value of another kind."""
 
     def __new__(cls, text, parameter):
-        made = super().__new__(cls, text)
-        made.parameter = parameter
+        made = super().__new__(cls, text_in(text, "the text form of a value"))
+        made.parameter = require(parameter, Parameter, "a Text knows the parameter that it was read from")
         return made
 
     def __reduce__(self):
@@ -132,6 +148,8 @@ class Parameter(Strict):
     __slots__ = ("_owner", "_type")
 
     def __init__(self, owner, type_):
+        require(owner, Object, "a Parameter comes from an object: light.parameters[NAME]")
+        require(type_, ParameterType, "a Parameter has a ParameterType")
         object.__setattr__(self, "_owner", owner)
         object.__setattr__(self, "_type", type_)
 
@@ -211,11 +229,14 @@ class Parameter(Strict):
         return hash((self._owner, self.name))
 
 
-class Parameters(Mapping):
+class Parameters(Strict, Mapping):
     """The parameters of an object by their names, in the order of their making."""
 
+    __slots__ = ("_owner",)
+
     def __init__(self, owner):
-        self._owner = owner
+        require(owner, Object, "Parameters come from an object: light.parameters")
+        object.__setattr__(self, "_owner", owner)
 
     def __getitem__(self, name):
         if not isinstance(name, str):
@@ -250,6 +271,9 @@ class Object(Strict):
     __slots__ = ("_session", "_handle")
 
     def __init__(self, session, handle):
+        what = "an Object comes from a shell: shell.create(TYPE) or shell[NAME]"
+        require(session, _korl.Session, what)
+        require(handle, _korl.Handle, what)
         object.__setattr__(self, "_session", session)
         object.__setattr__(self, "_handle", handle)
 
@@ -318,9 +342,13 @@ class Object(Strict):
     def __setitem__(self, name, value):
         self.set(name, value)
 
+    def __contains__(self, name):
+        """Whether it has a parameter of this name."""
+        return name in list(self.parameters)
+
     def __getattr__(self, name):
         if name.startswith("__"):
-            raise AttributeError(name)
+            raise UnknownNameError(f"Object has no attribute {name!r}")
         return self[name]
 
     def __setattr__(self, name, value):

@@ -12,13 +12,14 @@ from ._camera import Camera
 from ._errors import ClosedError, InvalidValueError, Warning, WrongTypeError
 from ._image import Image
 from ._objects import Object, Parameter, ParameterType, Type, View, view_name
-from ._strict import Strict
+from ._strict import Names, Strict, checked, strict, strict_tuple
 from ._values import array_of, numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
 
 _PATHS = _korl.RenderPath.__members__
 _MOST = 10**9  # the largest limit of time or memory
 
 
+@strict_tuple
 class Plugin(NamedTuple):
     """A module that a shell has loaded."""
 
@@ -26,6 +27,7 @@ class Plugin(NamedTuple):
     file: str
 
 
+@strict_tuple
 class MeshInfo(NamedTuple):
     """A mesh of a scene, and how many vertices and triangles it has."""
 
@@ -34,17 +36,26 @@ class MeshInfo(NamedTuple):
     triangles: int
 
 
-class Explanation(dict):
+@strict
+class Explanation(Names):
     """Why a picture is as dark as it is: what was found, and as a text the same in words."""
 
+    __getattr__ = Strict.__getattr__
+    text = ""
+
     def __init__(self, text, found):
-        super().__init__(json.loads(found))
-        self.text = text
+        self.text = text_in(text, "the text of an explanation")
+        try:
+            entries = dict(json.loads(text_in(found, "what was found")))
+        except (TypeError, ValueError) as error:
+            raise InvalidValueError(f"what was found is a JSON object: {error}") from None
+        super().__init__("part of an explanation", entries)
 
     def __str__(self):
         return self.text
 
 
+@checked
 def set_verbosity(level):
     """How much the shells say of what they do: 0 the least, 50 traces parameters, 100 creators too."""
     _korl.set_verbosity(whole(level, -(2**31), "the verbosity is a whole number"))
@@ -92,7 +103,7 @@ class Shell(Strict):
     @property
     def types(self):
         """The types of objects that there are, by name."""
-        return {
+        types = {
             info.name: Type(
                 info.name,
                 info.category,
@@ -101,6 +112,7 @@ class Shell(Strict):
             )
             for info in self._session.types()
         }
+        return Names("type", types)
 
     # The objects of the scene.
 
@@ -173,7 +185,7 @@ class Shell(Strict):
     @property
     def views(self):
         """The views of the scene by name."""
-        return {name: View(self._session, name) for name in self._session.views()}
+        return Names("view", {name: View(self._session, name) for name in self._session.views()})
 
     def add_mesh(self, mesh, triangles=None, normals=None, colors=None, *, up="y", name="mesh"):
         """Adds a mesh to the scene: from a model file, or from arrays.
@@ -262,7 +274,7 @@ class Shell(Strict):
 
         `path` says by what the lights shine: "shader" by their GLSL, "fixed" as OpenGL's own lights, "both" with
         one picture of each side by side, twice as wide. What the user should know about the picture comes as
-        a korl.Warning, once for each light. Other threads of Python go on meanwhile.
+        a korl.Warning, once for each light; so does that the scene has no light, or no mesh, to be seen. Other threads of Python go on meanwhile.
         """
         pixels = self._session.render(*_size(width, height), _path(path), view_name(view, self._session))
         self._tell()
@@ -270,7 +282,7 @@ class Shell(Strict):
 
     def _tell(self):
         for report in self._session.take_reports():
-            warnings.warn(report, Warning, stacklevel=3)
+            warnings.warn(report, Warning, stacklevel=4)  # past what checks the arguments
 
     # Files, sequences, explanations.
 

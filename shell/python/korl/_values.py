@@ -88,6 +88,13 @@ def triple(value, what):
     return numbers_in(value, 3, f"{what} takes three numbers (x, y, z)")
 
 
+def require(value, type_, what):
+    """The value, where it is of a type."""
+    if not isinstance(value, type_):
+        raise WrongTypeError(f"{what}, found {value!r}")
+    return value
+
+
 def text_of(floats):
     """The shortest text that reads back as the same numbers."""
     return " ".join(repr(number) for number in floats)

@@ -157,6 +157,48 @@ class PictureTest(unittest.TestCase):
             warnings.simplefilter("error")
             self.shell.render(8, 8, path="fixed")  # told once
 
+    def warnings_of(self, work):
+        with warnings.catch_warnings(record=True) as caught:
+            warnings.simplefilter("always")
+            work()
+        self.assertEqual({warning.filename for warning in caught} - {__file__}, set())
+        return [str(warning.message) for warning in caught]
+
+    def test_a_scene_without_lights_or_meshes_is_told_once_until_it_has_them(self):
+        no_light = "the scene has no light and stays dark; create one, such as a Headlight"
+        no_mesh = "the scene has no mesh, so that only its background is seen; add a model, arrays or the landscape"
+        draw = lambda: self.shell.render(8, 8)
+        self.assertEqual(self.warnings_of(draw), [no_light, no_mesh])
+        self.assertEqual(self.warnings_of(draw), [])
+        self.shell.add_mesh(CORNERS, HALVES)
+        self.shell.create("Headlight", "lamp")
+        self.assertEqual(self.warnings_of(draw), [])
+        del self.shell["lamp"]
+        self.assertEqual(self.warnings_of(draw), [no_light])
+        with tempfile.TemporaryDirectory() as folder:
+            animate = lambda: self.shell.animate(Path(folder) / "a_#.png", frames=1, width=8, height=8)
+            self.assertEqual(self.warnings_of(animate), [])
+            self.shell.create("Headlight", "lamp").enabled = False  # muted on purpose
+            self.assertEqual(self.warnings_of(animate), [])
+            del self.shell["lamp"]
+            self.assertEqual(self.warnings_of(animate), [no_light])
+
+    def test_see_through_pictures_have_straight_alpha(self):
+        self.shell.create("AmbientLight", Color=(0.9, 0.4, 0.1, 1))
+        self.shell.camera.set(position=(2, -5, 3), target=(0, 0, 0), fov=40)
+        self.shell.add_mesh(CORNERS, HALVES)
+        for path in ("shader", "fixed"):
+            for alpha in (0, 0.1, 0.5):
+                self.shell.background = (0.2, 0.7, 0.4, alpha)
+                picture = self.shell.render(48, 48, path).astype(float)
+                self.assertGreater(np.sum((picture[..., 3] > alpha * 255 + 1) & (picture[..., 3] < 255)), 20)
+                for behind in (0, 1):
+                    share = picture[..., 3:] / 255
+                    composed = share * picture[..., :3] + (1 - share) * 255 * behind
+                    self.shell.background = [alpha * value + (1 - alpha) * behind for value in (0.2, 0.7, 0.4)]
+                    drawn = self.shell.render(48, 48, path)[..., :3].astype(float)
+                    self.assertLessEqual(np.abs(composed - drawn).max(), 2)
+
     def test_images_are_arrays_that_show_themselves(self):
         self.shell.background = "#102030"
         picture = self.shell.render(5, 3)

@@ -1,5 +1,7 @@
 """Whatever is wrong with what is given, a korl.Error says so."""
 
+import copy
+import pickle
 import tempfile
 import unittest
 from pathlib import Path
@@ -175,6 +177,164 @@ class RefusalTest(unittest.TestCase):
             leave(follower.parameters["direction"])
             self.assertEqual(follower.direction, (1, 2, 3))
         self.assertIn("direction: (1.0, 2.0, 3.0)", repr(follower.parameters))
+
+    def test_constructors_of_what_shells_give(self):
+        latitude = self.sun.parameters["latitude"]
+        rows = [
+            (lambda: korl.Object(1, 2), TypeError, "an Object comes from a shell: shell.create(TYPE) or shell[NAME], found 1"),
+            (lambda: korl.View(1, "a"), TypeError, "a View comes from a shell: shell.add_view(NAME) or shell.views[NAME], found 1"),
+            (lambda: korl.Camera(None), TypeError, "a Camera comes from a shell: shell.camera, found None"),
+            (lambda: korl.Parameter(1, 2), TypeError, "a Parameter comes from an object: light.parameters[NAME], found 1"),
+            (lambda: korl.Parameter(self.sun, 2), TypeError, "a Parameter has a ParameterType, found 2"),
+            (lambda: korl.Parameters(3), TypeError, "Parameters come from an object: light.parameters, found 3"),
+            (lambda: korl.Number("a", latitude), ValueError, "a Number takes a number, found 'a'"),
+            (lambda: korl.Number([], latitude), TypeError, "a Number takes a number, found []"),
+            (lambda: korl.Number(1, 3), TypeError, "a Number knows the parameter that it was read from, found 3"),
+            (lambda: korl.Numbers(3, latitude), TypeError, "Numbers takes numbers, found 3"),
+            (lambda: korl.Numbers((3, 4), 5), TypeError, "Numbers knows the parameter that it was read from, found 5"),
+            (lambda: korl.Text(3, latitude), TypeError, "the text form of a value is a text, found 3"),
+            (lambda: korl.Text("a", 3), TypeError, "a Text knows the parameter that it was read from, found 3"),
+            (lambda: korl.Explanation(1, "{}"), TypeError, "the text of an explanation is a text, found 1"),
+            (lambda: korl.Explanation("", "3"), ValueError, "what was found is a JSON object: 'int' object is not iterable"),
+            (lambda: korl.Explanation("", "{"), ValueError, "what was found is a JSON object: Expecting property name enclosed in double quotes: line 1 column 2 (char 1)"),
+        ]
+        for work, kind, text in rows:
+            self.refused(kind, text, work)
+        self.assertEqual((korl.Number(1, latitude), korl.Numbers([1, 2], latitude)), (1, (1, 2)))
+
+    def test_arguments_too_few_too_many_and_unknown(self):
+        shell, sun, latitude = self.shell, self.sun, self.sun.parameters["latitude"]
+        image, view = korl.Image(np.zeros((2, 2, 4), np.uint8)), self.shell.add_view("left")
+        works = [
+            lambda: korl.Shell(1, 2),
+            lambda: korl.Shell(plugin=[]),
+            korl.Object,
+            korl.View,
+            korl.Camera,
+            korl.Parameter,
+            korl.Parameters,
+            korl.Number,
+            korl.Numbers,
+            korl.Text,
+            korl.Image,
+            korl.Explanation,
+            korl.Plugin,
+            korl.MeshInfo,
+            korl.ParameterType,
+            lambda: korl.Type(1),
+            lambda: korl.Plugin("a", "b", "c"),
+            korl.set_verbosity,
+            shell.create,
+            shell.add_mesh,
+            lambda: shell.render(1, 2, "fixed", None, 5),
+            lambda: shell.render(widht=3),
+            lambda: shell.explain(pixle=(1, 2)),
+            shell.animate,
+            lambda: shell.camera.set(field=3),
+            lambda: shell.__exit__(key=3),
+            sun.set,
+            lambda: sun.get(),
+            sun.aim_at,
+            latitude.set,
+            lambda: latitude.get("left", 3),
+            sun.latitude.follow,
+            lambda: self.light.direction.reset(1, 2),
+            image.save,
+            lambda: image.png({}, 3),
+            view.__eq__,
+        ]
+        for work in works:
+            with self.assertRaisesRegex(korl.WrongTypeError, "argument"):
+                work()
+        # What goes wrong further inside stays what it is.
+        odd = type("Odd", (), {"__str__": lambda self: int([])})()
+        with self.assertRaises(TypeError) as caught:
+            image.png({"Title": odd})
+        self.assertNotIsInstance(caught.exception, korl.Error)
+
+    def test_attributes_of_tuples_and_values(self):
+        shell = self.shell
+        shell.add_mesh(CORNERS, TRIANGLE)
+        rows = [
+            (shell.types["Sun"], "Type", "nmae"),
+            (shell.types["Sun"].parameters[0], "ParameterType", "maximun"),
+            (shell.plugins[0], "Plugin", "flie"),
+            (shell.meshes[0], "MeshInfo", "vertexes"),
+            (self.sun.latitude, "Number", "unfolow"),
+            (self.light.direction, "Numbers", "folow"),
+            (shell.explain(8, 8), "Explanation", "txt"),
+            (self.sun.parameters, "Parameters", "kyes"),
+            (korl.Image(np.zeros((2, 2, 4), np.uint8)), "Image", "widht"),
+        ]
+        for owner, kind, name in rows:
+            with self.assertRaisesRegex(korl.UnknownNameError, f'{kind} has no attribute "{name}": did you mean'):
+                getattr(owner, name)
+            self.assertFalse(hasattr(owner, "_repr_html_"))
+        for owner, kind, _ in rows[:4]:
+            name = owner._fields[0]
+            self.refused(AttributeError, f'the attribute "{name}" of {kind} can be read, but not set', lambda: setattr(owner, name, 3))
+            self.refused(AttributeError, f'the attribute "{name}" of {kind} cannot be deleted', lambda: delattr(owner, name))
+
+    def test_names_that_are_looked_for(self):
+        shell, sun = self.shell, self.sun
+        rows = [
+            (lambda: shell.types["Sum"], KeyError, 'unknown type "Sum": did you mean "Sun"?'),
+            (lambda: shell.views["left"], KeyError, 'unknown view "left": there is no view'),
+            (lambda: shell.types[3], TypeError, "expected the name of a type, found 3"),
+            (lambda: shell.views[[]], TypeError, "expected the name of a view, found []"),
+            (lambda: shell.explain(8, 8)["lihgts"], KeyError, 'unknown part of an explanation "lihgts": did you mean "lights"?'),
+            (lambda: sun.parameters[3], TypeError, "expected the name of a parameter, found 3"),
+        ]
+        for work, kind, text in rows:
+            with self.subTest(text=text), self.assertRaises(kind) as caught:
+                work()
+            self.assertIsInstance(caught.exception, korl.Error)
+            self.assertEqual(str(caught.exception)[: len(text)], text)
+        for sought in (3, None, [], {}, "left", LONE, float("nan")):
+            for holder in (shell, shell.types, shell.views, sun, shell.explain(8, 8)):
+                self.assertNotIn(sought, holder)
+        self.assertEqual((shell.types.get("Sum"), shell.types.get([], 3), shell.types.get("Sun").name), (None, 3, "Sun"))
+        self.assertIn("latitude", sun)
+        self.assertIn("latitude", sun.parameters)
+        shell.close()
+        for work in (lambda: "sun" in shell, lambda: sun in shell, lambda: "latitude" in sun, lambda: "latitude" in sun.parameters):
+            with self.assertRaises(korl.ClosedError):
+                work()
+
+    def test_items_that_cannot_be_set_or_deleted(self):
+        parameters, camera = self.sun.parameters, self.shell.camera
+        for owner, kind in [(self.shell, "Shell"), (parameters, "Parameters"), (camera, "Camera")]:
+            self.refused(TypeError, f"{kind} takes no items: ['latitude'] cannot be set", lambda: owner.__setitem__("latitude", 3))
+        for owner, kind in [(self.sun, "Object"), (parameters, "Parameters")]:
+            self.refused(TypeError, f"{kind} gives no items away: ['latitude'] cannot be deleted", lambda: owner.__delitem__("latitude"))
+
+    def test_what_belongs_to_a_shell_is_neither_pickled_nor_copied(self):
+        shell, sun = self.shell, self.sun
+        found = [shell, sun, sun.parameters, sun.parameters["latitude"], shell.add_view("left"), shell.camera]
+        for one in found:
+            text = (
+                f"{type(one).__name__} cannot be pickled or copied: it belongs to a shell of this process; "
+                "save the scene, and load it elsewhere"
+            )
+            for work in (pickle.dumps, copy.copy, copy.deepcopy):
+                self.refused(TypeError, text, lambda: work(one))
+        for kept in (sun.latitude, self.light.direction, shell.types["Sun"], shell.plugins[0], shell.explain(8, 8)):
+            for work in (lambda one: pickle.loads(pickle.dumps(one)), copy.copy, copy.deepcopy):
+                self.assertEqual(work(kept), kept)
+        self.assertEqual(pickle.loads(pickle.dumps(shell.explain(8, 8))).text, shell.explain(8, 8).text)
+
+    def test_pictures_of_other_formats(self):
+        image = korl.Image(np.zeros((2, 2, 4), np.uint8))
+        with tempfile.TemporaryDirectory() as folder:
+            for name in ("x.jpg", "x.TIFF", "x.exr"):
+                file = Path(folder) / name
+                text = f'cannot write {file}: a picture is written as PNG alone, to a name that ends in .png or has no suffix, found "{file.suffix}"'
+                self.refused(ValueError, text, lambda: image.save(file))
+                self.assertFalse(file.exists())
+            for name in ("x", "x.png", "x.PNG"):
+                image.save(Path(folder) / name)
+            with self.assertRaisesRegex(korl.Error, "pictures such as .* found"):
+                self.shell.animate(Path(folder) / "x_#.jpg")
 
     def test_shells_that_are_none(self):
         closed = korl.Shell()

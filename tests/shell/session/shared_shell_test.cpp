@@ -3,7 +3,9 @@
 #include <sorvik/initialization.hpp>
 
 #include <atomic>
+#include <epoxy/egl.h>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -142,6 +144,32 @@ TEST(SharedShellGLTest, ReportsAreGivenOnce) {
     ASSERT_EQ(reports.size(), 1u);
     EXPECT_NE(reports[0].find("torch"), std::string::npos);
     EXPECT_TRUE(shell->takeReports().empty());
+}
+
+TEST(SharedShellGLTest, ShellGoesThoughAnotherThreadHasItsContext) {
+    std::vector<std::string> reports;
+    auto shell = std::make_unique<Shell>([&](const std::string& text) {
+        reports.push_back(text);
+        throw std::runtime_error("whoever hears of it has troubles, too");
+    });
+    shell->scene().addMesh(triangle);
+    shell->render({16, 16});
+    shell->releaseContext();
+    std::atomic<bool> is_taken = false, is_over = false;
+    std::thread other([&] {
+        shell->context().makeCurrent();
+        is_taken = true;
+        is_taken.notify_all();
+        is_over.wait(false);
+        eglReleaseThread();
+    });
+    is_taken.wait(false);
+    shell.reset();
+    is_over = true;
+    is_over.notify_all();
+    other.join();
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_NE(reports[0].find("can't be made current: eglMakeCurrent"), std::string::npos) << reports[0];
 }
 
 } // namespace
