@@ -53,6 +53,22 @@ private:
     fs::path my_path;
 };
 
+/// An mp4 has no alpha: where its scene's background is seen, it is opaque. The scene has its own again when
+/// this object goes.
+class OpaqueBackground {
+public:
+    explicit OpaqueBackground(Scene& scene) : my_scene(scene), my_alpha(scene.background.a) {
+        my_scene.background.a = 1;
+    }
+    ~OpaqueBackground() { my_scene.background.a = my_alpha; }
+    OpaqueBackground(const OpaqueBackground&) = delete;
+    OpaqueBackground& operator=(const OpaqueBackground&) = delete;
+
+private:
+    Scene& my_scene;
+    float my_alpha;
+};
+
 std::string nameOf(const Variation& variation) {
     return variation.object + "." + variation.parameter;
 }
@@ -214,7 +230,12 @@ private:
                       my_settings.view,
                       Qelt::verbosity(),
                       {}};
-        saveScene(job.scene_file, my_shell.scene());
+        {
+            std::optional<OpaqueBackground> opaque;
+            if (my_kind == SequenceKind::mp4)
+                opaque.emplace(my_shell.scene());
+            saveScene(job.scene_file, my_shell.scene());
+        }
         for (const PluginLibrary& plugin : my_shell.plugins().libraries())
             job.plugins.push_back(plugin.file().string());
 

@@ -3,6 +3,7 @@
 #include "shell/render/png.hpp"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -64,6 +65,16 @@ TEST_F(FilmGLTest, FilmsHaveTheFramesColorsInTheirOrder) {
                     << film << " " << number << " " << channel;
         }
     }
+}
+
+TEST_F(FilmGLTest, AnMp4HasTheBackgroundsColorThoughItIsSeenThrough) {
+    const Words skyward{"--light",  "AmbientLight", "--background", "#2040c000",
+                        "--target", "0 0 9",        "--frames",     "1"};
+    ASSERT_EQ(animate(skyward, "f.mp4").exit_code, 0);
+    const Image shown = frame("f.mp4", 0);
+    const std::array<int, 3> blue{0x20, 0x40, 0xc0};
+    for (std::size_t channel = 0; channel < 3; ++channel)
+        EXPECT_NEAR(shown.pixels[channel], blue[channel], 14);
 }
 
 TEST_F(FilmGLTest, AGifIsRepeatedForEver) {
