@@ -48,10 +48,6 @@ constexpr std::array switches_off{
     Switch{GL_VERTEX_PROGRAM_TWO_SIDE, 20},
 };
 
-/// Of textures that the fixed-function pipeline would apply.
-constexpr std::array<GLenum, 5> texture_switches{GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D,
-                                                 GL_TEXTURE_CUBE_MAP, GL_TEXTURE_RECTANGLE};
-
 GLint limitOf(GLenum name) {
     GLint value = 0;
     glGetIntegerv(name, &value);
@@ -83,12 +79,15 @@ void setFragmentState() {
 } // namespace
 
 DrawingState::DrawingState()
-    : my_version(epoxy_gl_version()), my_texture_units(static_cast<GLenum>(limitOf(GL_MAX_TEXTURE_UNITS))) {
+    : my_version(epoxy_gl_version()), my_texture_units(static_cast<GLenum>(limitOf(GL_MAX_TEXTURE_UNITS))),
+      my_texture_switches{GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP} {
     for (const Switch& each : switches_off)
         if (my_version >= each.version)
             my_switches.push_back(each.name);
     for (GLint plane = 0; plane < limitOf(GL_MAX_CLIP_PLANES); ++plane)
         my_switches.push_back(GL_CLIP_PLANE0 + static_cast<GLenum>(plane));
+    if (my_version >= 31)
+        my_texture_switches.push_back(GL_TEXTURE_RECTANGLE);
     if (epoxy_has_gl_extension("GL_ARB_vertex_program"))
         my_switches.push_back(GL_VERTEX_PROGRAM_ARB);
     if (epoxy_has_gl_extension("GL_ARB_fragment_program"))
@@ -106,7 +105,7 @@ void DrawingState::set() const {
         glDisable(name);
     for (GLenum unit = my_texture_units; unit-- > 0;) {
         glActiveTexture(GL_TEXTURE0 + unit); // the first one is the last, and stays active
-        for (const GLenum name : texture_switches)
+        for (const GLenum name : my_texture_switches)
             glDisable(name);
     }
     setGeometryState();

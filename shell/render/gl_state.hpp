@@ -23,7 +23,8 @@ public:
 private:
     int my_version; ///< of OpenGL, 33 for 3.3
     std::vector<GLenum> my_switches;
-    GLenum my_texture_units;
+    GLenum my_texture_units; ///< of the fixed-function pipeline, which applies textures by these switches:
+    std::vector<GLenum> my_texture_switches;
 };
 
 /// The OpenGL state that reading pixels back relies on: rows of the picture's own width without gaps, values

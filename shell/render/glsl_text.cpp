@@ -31,16 +31,21 @@ int floatsOf(std::string_view type) {
     return found == vectors.end() ? 0 : static_cast<int>(found - vectors.begin()) + 1;
 }
 
-/// Whether a declaration outside brackets is of a variable: neither a uniform, nor a constant, nor a
-/// function.
-bool hasGlobalVariables(std::string_view uncommented) {
-    std::string text; // without the lines of the preprocessor, line breaks as blanks
+/// Without the lines of the preprocessor, line breaks as blanks.
+std::string codeOf(std::string_view uncommented) {
+    std::string text;
     for (int line = 1; line <= lineCount(uncommented); ++line)
         if (const std::string_view code = lineOf(uncommented, line); !trimmed(code).starts_with('#'))
             text.append(code) += ' ';
+    return text;
+}
+
+/// Whether a declaration outside brackets is of a variable: neither a uniform, nor a constant, nor a
+/// function.
+bool hasGlobalVariables(std::string_view uncommented) {
     int depth = 0;
     std::string statement; // what of it stands outside brackets
-    for (const char c : text) {
+    for (const char c : codeOf(uncommented)) {
         depth -= c == ')' || c == '}' || c == ']' ? 1 : 0;
         if (depth == 0 && c == ';') {
             std::string_view rest = trimmed(statement);
@@ -168,7 +173,7 @@ bool hasMacros(std::string_view uncommented) {
 }
 
 std::vector<std::string> uniformNames(std::string_view snippet) {
-    const std::string text = withoutComments(snippet).text;
+    const std::string text = codeOf(withoutComments(snippet).text);
     std::vector<std::string> names;
     for (const std::string_view declaration : uniformDeclarations(text)) {
         for (const std::string_view part : declarators(declaration)) {

@@ -33,6 +33,7 @@ TEST(UniformNames, AreReadFromDeclarationsOfEveryForm) {
         {"uniform Block$$ { vec3 place; float size; }; uniform float A$$;", "A$$"},
         {"// uniform float A$$;\n/* uniform float B$$; */ uniform float C$$;", "C$$"},
         {"#if 1\nuniform float A$$;\n#endif\n", "A$$"},
+        {"#define DECLARE(name) uniform float name\nDECLARE(A$$);", ""},
         {"uniform float A$$", ""}, // not to its end, which no driver takes
     };
     for (const auto& [snippet, expected] : cases) {
