@@ -33,6 +33,7 @@ FORKED = """
 import korl, os, sys
 shell = korl.Shell()
 shell.create("Sun")
+shell.add_landscape()
 shell.render(8, 8)
 child = os.fork()
 if child == 0:
@@ -51,6 +52,7 @@ import korl, os, sys
 child = os.fork()
 with korl.Shell() as shell:
     shell.create("Sun", "sun")
+    shell.add_landscape()
     shell.render(8, 8)
 if child:
     print(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]))
