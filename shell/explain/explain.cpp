@@ -15,7 +15,8 @@ namespace {
 
 /// So many places on the meshes are enough to judge a light by.
 constexpr std::size_t most_places = 4096;
-constexpr float dark_brightness = 0.1f;
+/// A tenth of white, which a picture rounds to 26 of 255, is dark still.
+constexpr float dark_brightness = 26.5f / 255;
 
 /// The brightness of a pixel, 0 to 1: the weighted sum of its components as they are stored, by the weights
 /// of ITU-R BT.709.

@@ -15,7 +15,7 @@ namespace korl {
 namespace {
 
 /// Below this a light does not make anything bright by itself: white surfaces that face it every way reflect
-/// half of it in the mean, and a picture is dark below 0.1.
+/// half of it in the mean, and a picture is dark up to 0.1.
 constexpr float weak_intensity = 0.2f;
 /// A light of which less than this is left is called too far away.
 constexpr float low_attenuation = 0.25f;

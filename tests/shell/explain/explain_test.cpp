@@ -234,17 +234,18 @@ TEST_F(ExplainGLTest, UniformsThatALightAndItsSnippetDoNotShareAreNoted) {
     const Explanation explanation = explain();
     EXPECT_FALSE(explanation.is_dark);
     ASSERT_THAT(kindsOf(explanation.lights.at(0)),
-                ElementsAre(FindingKind::uniform_undeclared, FindingKind::uniform_unwritten));
+                ElementsAre(FindingKind::no_opengl_light, FindingKind::uniform_undeclared,
+                            FindingKind::uniform_unwritten));
     const auto& findings = explanation.lights[0].findings;
-    EXPECT_EQ(findings[0].text,
+    EXPECT_EQ(findings[1].text,
               "writes the uniform \"Strength$$\", which its snippet does not declare: the shader "
               "gets nothing of it");
-    EXPECT_EQ(findings[1].text,
+    EXPECT_EQ(findings[2].text,
               "never writes the uniform \"Weight$$\", which its snippet declares: the shader has "
               "the declared value");
-    EXPECT_FALSE(findings[0].is_cause || findings[1].is_cause);
-    EXPECT_EQ(nameOf(findings[0].kind), "uniform_undeclared");
-    EXPECT_EQ(nameOf(findings[1].kind), "uniform_unwritten");
+    EXPECT_FALSE(findings[1].is_cause || findings[2].is_cause);
+    EXPECT_EQ(nameOf(findings[1].kind), "uniform_undeclared");
+    EXPECT_EQ(nameOf(findings[2].kind), "uniform_unwritten");
     shell.scene().remove("lamp");
 }
 
