@@ -31,7 +31,7 @@ const TypedSlotCreator* firstCreator(Predicate matches) {
 } // namespace
 
 std::atomic<std::size_t> TypedSlotCreator::InternalTypeCreatorAccessory{0};
-const std::atomic<bool> TypedSlotCreator::its_slots_have_one{true};
+const std::atomic<bool> TypedSlotCreator::creator_exists{true};
 
 TypedSlotCreator::~TypedSlotCreator() = default;
 

@@ -52,9 +52,8 @@ public:
     static std::size_t count(const std::type_info& type);
 
 protected:
-    /// Stands for the flag of a library in slots that a creator makes: these have one, wherever it comes
-    /// from.
-    static const std::atomic<bool> its_slots_have_one;
+    /// Stands for the flag of a library in the slots that a creator makes, wherever it comes from.
+    static const std::atomic<bool> creator_exists;
 };
 
 } // namespace Qelt

@@ -54,7 +54,7 @@ class TypedSlotCreatorOf final : public TypedSlotCreator {
 public:
     std::unique_ptr<VSlot> createSlot(VObject& object, const std::string& name,
                                       int expert_level) const override {
-        return std::make_unique<TypedSlot<T>>(&object, name, T(), expert_level, its_slots_have_one);
+        return std::make_unique<TypedSlot<T>>(&object, name, T(), expert_level, creator_exists);
     }
 };
 

@@ -69,9 +69,9 @@ private:
 
 /// Base of every object that `StrongPtr` and `WeakPtr` can point to. It carries the control block.
 ///
-/// A class that has this base virtually or several times cannot inherit its `operator delete` and declares an
-/// ordinary one of its own. Then pointers and `destroy` still make the strong count negative, `delete` does
-/// not.
+/// A class that has this base virtually or several times cannot inherit its `operator delete` (compilers
+/// refuse that, GCC 12 with an internal error) and declares an ordinary one of its own. Then pointers and
+/// `destroy` still make the strong count negative, `delete` does not.
 class TESSAN_EXPORT Counted {
 public:
     Counted();
