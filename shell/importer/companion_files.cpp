@@ -25,8 +25,9 @@ std::string percentDecoded(std::string_view uri) {
     std::string decoded;
     for (std::size_t i = 0; i < uri.size(); ++i) {
         unsigned code = 0;
-        const bool is_escape = uri[i] == '%' && i + 2 < uri.size() &&
-                               std::from_chars(&uri[i + 1], &uri[i + 3], code, 16).ptr == &uri[i + 3];
+        const bool is_escape =
+            uri[i] == '%' && i + 2 < uri.size() &&
+            std::from_chars(uri.data() + i + 1, uri.data() + i + 3, code, 16).ptr == uri.data() + i + 3;
         decoded += is_escape ? static_cast<char>(code) : uri[i];
         i += is_escape ? 2 : 0;
     }

@@ -80,8 +80,8 @@ std::optional<Number> numberOf(std::string_view word) {
     return problem == std::errc() && end == word.data() + word.size() ? std::optional(number) : std::nullopt;
 }
 
-/// Cuts the header off. Throws Error for one that is incomplete or makes no sense, and for what the importer
-/// does not stand: elements and properties that come twice, lists where it takes none.
+/// Cuts the header off. Throws Error for one that is incomplete or makes no sense, and for what crashes the
+/// importer: elements and properties that come twice, lists where it takes none.
 Header takeHeader(Bytes& bytes);
 
 } // namespace korl::ply

@@ -107,7 +107,7 @@ TEST(MeshMemoryTest, NoCountLeadsBeyondTheFile) {
     MeshWriter(file).put(triangle());
     const std::string whole = bytesOf(file);
     // The counts of the name's bytes, the positions, normals and colours, and the indices.
-    for (const std::size_t place : {8, 20, 64, 108, 152})
+    for (const std::size_t place : {8u, 20u, 64u, 108u, 152u})
         for (const std::uint64_t count :
              {std::uint64_t{1000}, std::uint64_t{1} << 63, UINT64_MAX, UINT64_MAX / 12 + 1}) {
             std::string changed = whole;
