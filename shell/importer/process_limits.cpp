@@ -20,16 +20,19 @@ void endWithoutMemory() {
 }
 
 #ifdef KORL_SANITIZED
+void requireResidentBelow(std::uint64_t bytes) {
+    std::uint64_t size = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> size >> resident;
+    if (resident * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) > bytes)
+        endWithoutMemory();
+}
+
 /// Sanitizers reserve terabytes of addresses, so that what is resident is watched instead.
 void watchResidentSize(std::uint64_t bytes) {
-    const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    requireResidentBelow(bytes); // before the watcher has its turn all may be over
     std::thread([=] {
-        for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) {
-            std::uint64_t size = 0, resident = 0;
-            std::ifstream("/proc/self/statm") >> size >> resident;
-            if (resident * page > bytes)
-                endWithoutMemory();
-        }
+        for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5)))
+            requireResidentBelow(bytes);
     }).detach();
 }
 #endif
