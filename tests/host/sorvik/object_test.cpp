@@ -169,7 +169,13 @@ TEST(Object, SaysNothingOfInputsThatItIgnoresOrThatDoNotFit) {
     const Qelt::TypedSlot<Orvid::rgba_float_t> of_another_type(&offered, "strength", {});
     const Qelt::TypedSlot<Orvid::rgba_float_t> ignored(&offered, "tint", {});
     const Qelt::TypedSlot<double> of_another_name(&offered, "weight", 1.0);
-    EXPECT_THAT(Picky("o").getAcceptInfoList(offered), testing::IsEmpty());
+    const Picky picky("o");
+    EXPECT_THAT(picky.getAcceptInfoList(offered), testing::IsEmpty());
+    const PlainObject plain("p");
+    EXPECT_EQ(plain.accept(picky), all_inputs);
+    AcceptList not_ignored = all_inputs;
+    not_ignored.erase(not_ignored.begin() + 1);
+    EXPECT_EQ(picky.accept(plain), not_ignored); // the inputs of the one that accepts
 }
 
 TEST(Object, GetsInputsByTypeName) {
