@@ -1,0 +1,135 @@
+#include "shell/base/module_call.hpp"
+
+#include "shell/base/loaded_modules.hpp"
+#include "shell/base/printable.hpp"
+#include "shell/base/thrown_text.hpp"
+
+#include <array>
+#include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <unistd.h>
+
+namespace korl {
+
+template <class Take>
+void ModuleCall::describe(Take take) const {
+    take(my_operation);
+    if (my_object) {
+        take(" of \"");
+        take(*my_object);
+        take("\"");
+    }
+    const std::string_view module = my_module ? std::string_view(*my_module) : moduleAt(my_type);
+    if (!module.empty()) {
+        take(" in the module \"");
+        take(module);
+        take("\"");
+    }
+}
+
+namespace {
+
+/// The innermost call of each thread.
+constinit thread_local const ModuleCall* running = nullptr;
+
+/// A line for standard error, put together without memory of the heap or anything else that a signal handler
+/// may not touch. What is not ASCII cannot be told from what a terminal would obey here, and is replaced.
+class LastWords {
+public:
+    void add(std::string_view text) noexcept {
+        for (const char letter : text)
+            if (my_size < my_text.size() - 1) // with room for the end of the line
+                my_text[my_size++] = letter >= ' ' && letter <= '~' ? letter : '?';
+    }
+
+    void add(int number) noexcept {
+        std::array<char, 12> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+        add(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
+    }
+
+    void write() noexcept {
+        my_text[my_size++] = '\n';
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, my_text.data(), my_size);
+    }
+
+private:
+    std::array<char, 1024> my_text;
+    std::size_t my_size = 0;
+};
+
+/// What is said of the call in which the process ends.
+LastWords beginLastWords() noexcept {
+    LastWords words;
+    words.add("korl: ");
+    running->describe([&](std::string_view text) { words.add(text); });
+    return words;
+}
+
+void onExit() {
+    if (!running)
+        return;
+    LastWords words = beginLastWords();
+    words.add(" called exit; the program ends with its work undone");
+    words.write();
+    ::_exit(1);
+}
+
+void onSignal(int signal) {
+    if (running) {
+        LastWords words = beginLastWords();
+        words.add(" ended with signal ");
+        words.add(signal);
+        if (const char* const description = ::sigdescr_np(signal)) {
+            words.add(" (");
+            words.add(description);
+            words.add(")");
+        }
+        words.add("; the module has to be mended by its maker");
+        words.write();
+    }
+    std::raise(signal); // which has no handler any more, and comes when this one returns
+}
+
+} // namespace
+
+ModuleCall::ModuleCall(const std::type_info* type, const std::string* object, const std::string* module,
+                       const char* operation) noexcept
+    : my_type(type), my_object(object), my_module(module), my_operation(operation), my_outer(running) {
+    running = this;
+}
+
+ModuleCall::~ModuleCall() {
+    running = my_outer;
+}
+
+void ModuleCall::failed() const {
+    std::string text;
+    describe([&](std::string_view part) { text += printable(part); });
+    throw Error(text + " threw " + thrownText() + "; the module has to be mended by its maker");
+}
+
+void reportExitsOfModules() {
+    [[maybe_unused]] static const int registered = std::atexit(onExit);
+}
+
+void reportSignalsOfModules() {
+    struct sigaction former {};
+    // A stack that has no room left has none for a handler either.
+    if (::sigaction(SIGSEGV, nullptr, &former) == 0 && former.sa_handler == SIG_DFL) {
+        static std::array<char, 64 * 1024> memory;
+        const stack_t stack{memory.data(), 0, memory.size()};
+        ::sigaltstack(&stack, nullptr);
+    }
+    struct sigaction reporting {};
+    reporting.sa_handler = onSignal;
+    reporting.sa_flags = static_cast<int>(SA_RESETHAND | SA_ONSTACK);
+    for (const int signal : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
+        if (::sigaction(signal, nullptr, &former) == 0 && former.sa_handler == SIG_DFL)
+            ::sigaction(signal, &reporting, nullptr);
+}
+
+} // namespace korl
