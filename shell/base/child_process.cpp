@@ -92,6 +92,8 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
     if (!start.log.empty())
         posix_spawn_file_actions_addopen(actions.get(), STDERR_FILENO, start.log.c_str(),
                                          O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    else if (start.output >= 0)
+        posix_spawn_file_actions_adddup2(actions.get(), start.output, STDERR_FILENO);
     posix_spawn_file_actions_adddup2(actions.get(), STDERR_FILENO, STDOUT_FILENO);
     if (start.shared >= 0)
         posix_spawn_file_actions_adddup2(actions.get(), start.shared, shared_descriptor);

@@ -8,13 +8,16 @@
 
 namespace korl {
 
-std::filesystem::path ownProgram(std::string_view name) {
+std::filesystem::path ownFolder() {
     // The file that a function of a host library was loaded from tells where the installation is.
     Dl_info library{};
     if (::dladdr(reinterpret_cast<const void*>(&VInitialization::initPlugin), &library) == 0)
         throw Error("cannot find out where the program's own libraries are");
-    const std::filesystem::path program =
-        std::filesystem::absolute(library.dli_fname).parent_path() / "korl" / name;
+    return std::filesystem::absolute(library.dli_fname).parent_path() / "korl";
+}
+
+std::filesystem::path ownProgram(std::string_view name) {
+    const std::filesystem::path program = ownFolder() / name;
     if (!std::filesystem::exists(program))
         throw Error("a program that belongs to korl is missing: " + program.string() +
                     "\nInstall korl once more, or build all of it.");

@@ -1,47 +1,21 @@
 #include <shell/plugins/plugin_library.hpp>
 
+#include <shell/base/module_call.hpp>
+#include <shell/base/own_programs.hpp>
 #include <shell/plugins/plugin_error.hpp>
+#include <shell/plugins/plugin_trial.hpp>
 
 #include <sorvik/initialization.hpp>
 #include <sorvik/vprintf.hpp>
 
 #include <algorithm>
 #include <dlfcn.h>
-#include <exception>
-#include <optional>
 #include <system_error>
 #include <utility>
 
 namespace korl {
 
 namespace {
-
-/// The shell as an entry point sees it; it remembers what the module asked for, so that a refusal can say it.
-class ListeningInitialization : public VInitialization {
-public:
-    bool IsCompatible(const char* version_key) const override {
-        my_asked_key = version_key ? version_key : "";
-        return VInitialization::IsCompatible(version_key);
-    }
-
-    std::string question() const {
-        return my_asked_key ? "one that asks for \"" + *my_asked_key + "\""
-                            : "one that refuses without asking";
-    }
-
-private:
-    mutable std::optional<std::string> my_asked_key;
-};
-
-/// Loads a library, or returns null with the reason in `dlerror`. An exception that leaves one of its static
-/// initialisers ends the process here: the system's loader is in the middle of its work then and can't be
-/// used again.
-void* openLibrary(const std::filesystem::path& file) noexcept {
-    // dlopen is declared not to throw, and some compilers then let an exception pass unseen even here. They
-    // can't see through a volatile pointer.
-    void* (*volatile open)(const char*, int) = ::dlopen;
-    return open(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-}
 
 /// Whether this very library is loaded in the process, by whomever and under whatever name.
 bool isLoaded(const std::filesystem::path& file) {
@@ -51,59 +25,28 @@ bool isLoaded(const std::filesystem::path& file) {
     return handle != nullptr;
 }
 
-Error refusedByLoader(const std::filesystem::path& file) {
-    const char* reason = ::dlerror();
-    return pluginError(file, "a library that the system's loader accepts",
-                       std::string("its complaint \"") + (reason ? reason : "no reason given") + "\"",
-                       "Install what the plug-in needs, or link the plug-in with it.");
-}
-
-/// @returns the entry point's answer. What it throws becomes an Error here, while the library with the
-/// exception's type is still loaded.
-bool ask(VInitialization::EntryPoint entry_point, VInitialization& shell, const std::filesystem::path& file) {
-    std::string thrown;
-    try {
-        return entry_point(&shell);
-    } catch (const std::exception& exception) {
-        thrown = std::string("the exception \"") + exception.what() + "\"";
-    } catch (...) {
-        thrown = "an exception";
-    }
-    throw pluginError(file, "an answer from its entry point", thrown, "Mend the plug-in's entry point.");
+/// What this program brings itself needs no trial.
+bool isOwnModule(const std::filesystem::path& file) {
+    std::error_code missing;
+    return std::filesystem::equivalent(file.parent_path(), ownFolder() / "modules", missing);
 }
 
 } // namespace
-
-void PluginLibrary::Close::operator()(void* handle) const noexcept {
-    if (::dlclose(handle) != 0)
-        Qelt::Vprintf(0, "korl: a plug-in can't be unloaded: %s\n", ::dlerror());
-}
 
 PluginLibrary PluginLibrary::load(const std::filesystem::path& file) {
     return load(inspectPlugin(file));
 }
 
 PluginLibrary PluginLibrary::load(PluginInspection inspection) {
-    PluginLibrary library(std::move(inspection));
-    library.requireConsent();
-    return library;
+    if (!isOwnModule(inspection.file))
+        tryPlugin(inspection);
+    reportExitsOfModules();
+    return PluginLibrary(std::move(inspection));
 }
 
-PluginLibrary::PluginLibrary(PluginInspection inspection)
-    : my_inspection(std::move(inspection)), my_handle(openLibrary(file())) {
-    if (!my_handle)
-        throw refusedByLoader(file());
-}
-
-void PluginLibrary::requireConsent() const {
-    void* symbol = ::dlsym(my_handle.get(), my_inspection.entry_point.c_str());
-    if (!symbol)
-        throw refusedByLoader(file());
-    ListeningInitialization shell;
-    if (!ask(reinterpret_cast<VInitialization::EntryPoint>(symbol), shell, file()))
-        throw pluginError(file(),
-                          std::string("a module for the interface \"") + VInitialization::interfaceKey + "\"",
-                          shell.question(), "Build the plug-in against this program's headers.");
+PluginLibrary::PluginLibrary(PluginInspection inspection) : my_inspection(std::move(inspection)) {
+    const ModuleCall loading(my_inspection.module_name, "initialisation");
+    my_handle = openPlugin(my_inspection);
 }
 
 PluginSet::~PluginSet() {

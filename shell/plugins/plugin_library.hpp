@@ -1,9 +1,8 @@
 #pragma once
 
-#include <shell/plugins/plugin_inspection.hpp>
+#include <shell/plugins/plugin_handle.hpp>
 
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,11 +13,10 @@ namespace korl {
 /// at once.
 class PluginLibrary {
 public:
-    /// Inspects a library, loads it and asks its entry point whether it was built for this shell's interface.
-    /// Throws Error where the inspection refuses it (none of its code has run then), the system's loader
-    /// refuses it, or its entry point says no; it is unloaded again in the last case. An exception that
-    /// leaves a static initialiser of the library ends the process, as it does in every program on this
-    /// system.
+    /// Inspects a library, tries it in a process of its own (see `tryPlugin`) unless it lies where the
+    /// program has its own modules, loads it and asks its entry point whether it was built for this shell's
+    /// interface. Throws Error where the inspection refuses it (none of its code has run then), it does not
+    /// survive the trial, the system's loader refuses it, or its entry point says no.
     static PluginLibrary load(const std::filesystem::path& file);
     static PluginLibrary load(PluginInspection inspection);
 
@@ -26,15 +24,10 @@ public:
     const std::string& moduleName() const noexcept { return my_inspection.module_name; }
 
 private:
-    struct Close {
-        void operator()(void* handle) const noexcept;
-    };
-
     explicit PluginLibrary(PluginInspection inspection);
-    void requireConsent() const;
 
     PluginInspection my_inspection;
-    std::unique_ptr<void, Close> my_handle;
+    PluginHandle my_handle;
 };
 
 /// The plug-ins of a shell, each module once. They go in the reverse of the order in which they came. Several

@@ -44,6 +44,15 @@ TEST_F(ChildProcessTest, GetsTheSharedDescriptorAsItsThird) {
     EXPECT_EQ(run("cat <&3"), "exit code 2") << "without one there is none";
 }
 
+TEST_F(ChildProcessTest, PutsItsOutputsOnADescriptor) {
+    const int file = ::open((folder / "outputs").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ProcessStart start{"/bin/sh", {"-c", "echo out; echo err >&2"}};
+    start.output = file;
+    EXPECT_EQ(endText(ChildProcess(start).wait()), "exit code 0");
+    ::close(file);
+    EXPECT_EQ(test::bytesOf(folder / "outputs"), "out\nerr\n");
+}
+
 TEST_F(ChildProcessTest, TellsHowItEnded) {
     EXPECT_EQ(run("exit 3"), "exit code 3");
     EXPECT_EQ(run("kill -SEGV $$"), "signal 11 (Segmentation fault)");

@@ -123,10 +123,5 @@ TEST(PluginLibraryTest, TurnsAnEntryPointsExceptionIntoAnError) {
     expectGone(file);
 }
 
-TEST(PluginLibraryDeathTest, AnExceptionInAStaticInitialiserEndsTheProcess) {
-    EXPECT_EXIT(loadError(broken / "throwing_initializer.so"), testing::KilledBySignal(SIGABRT),
-                "the initialiser failed");
-}
-
 } // namespace
 } // namespace korl

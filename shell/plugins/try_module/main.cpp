@@ -1,0 +1,119 @@
+// Loads a module, asks its entry point and unloads it, for a shell that has not loaded it yet: what it does
+// to the process, it does to this one. The shell starts it as
+//
+//     korl-try-module FILE ENTRY_POINT SHELL
+//
+// with the number of its own process, and reads what became of it from the file that is its
+// shared_descriptor (see trial_words).
+
+#include <shell/base/child_process.hpp>
+#include <shell/base/thrown_text.hpp>
+#include <shell/error.hpp>
+#include <shell/plugins/plugin_handle.hpp>
+#include <shell/plugins/plugin_trial.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <link.h>
+#include <string>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+namespace words = korl::trial_words;
+
+void tell(const std::string& word) {
+    [[maybe_unused]] const ssize_t written = ::write(korl::shared_descriptor, word.c_str(), word.size() + 1);
+}
+
+/// Comes when an exception leaves a static initialiser or a destructor of the module.
+[[noreturn]] void onTerminate() {
+    if (!std::current_exception())
+        std::abort();
+    try {
+        throw;
+    } catch (...) {
+        tell(words::threw + korl::thrownText());
+    }
+    ::_exit(1);
+}
+
+/// Nobody waits for this process when the one that started it has gone.
+void endWithShell(const std::string& shell) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (std::to_string(::getppid()) != shell)
+        ::_exit(1);
+}
+
+/// How much memory a library takes, in bytes of whole pages; 0 where it cannot be told.
+std::size_t sizeInMemory(const char* file) {
+    std::ifstream stream(file, std::ios::binary);
+    ElfW(Ehdr) header{};
+    stream.read(reinterpret_cast<char*>(&header), sizeof header);
+    stream.seekg(static_cast<std::streamoff>(header.e_phoff));
+    std::size_t end = 0;
+    for (int i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment{};
+        if (!stream.read(reinterpret_cast<char*>(&segment), sizeof segment))
+            return 0;
+        if (segment.p_type == PT_LOAD)
+            end = std::max<std::size_t>(end, segment.p_vaddr + segment.p_memsz);
+    }
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    return (end + page - 1) / page * page;
+}
+
+/// Has the library come to lie alone between two wide stretches of memory that nothing may touch. Tables of
+/// the loader and code that are damaged reach beyond the library. Whether that ends the process would depend
+/// on what happens to lie there, here and in the shell; so it always ends this one.
+void isolateLibrary(const char* file) {
+    constexpr std::size_t wide = std::size_t{1}
+                                 << 38; // further than offsets of 32 bits lead, times the size of an entry
+    const std::size_t size = sizeInMemory(file);
+    const auto reserve = [](std::size_t bytes) {
+        return ::mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    };
+    if (size == 0 || size > wide)
+        return;
+    void* const all = reserve(wide + size + wide);
+    if (all == MAP_FAILED)
+        return;
+    void* const place = static_cast<char*>(all) + wide;
+    ::munmap(place, size);
+    constexpr int most_gaps = 100; // elsewhere, which the system would take first
+    for (int gap = 0; gap < most_gaps && reserve(size) != place; ++gap) {
+    }
+    ::munmap(place, size);
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    if (count != 4) {
+        std::fputs("korl-try-module is started by korl itself.\n", stderr);
+        return 2;
+    }
+    endWithShell(arguments[3]);
+    const rlimit no_core{0, 0}; // that it ends is nothing to be looked into
+    ::setrlimit(RLIMIT_CORE, &no_core);
+    std::set_terminate(onTerminate);
+    isolateLibrary(arguments[1]);
+    try {
+        tell(words::loading);
+        const korl::PluginHandle module = korl::openPlugin({arguments[1], {}, arguments[2]});
+        tell(words::unloading);
+    } catch (const korl::Error& error) {
+        tell(words::refused + std::string(error.what()));
+        ::_exit(1);
+    }
+    tell(words::passed);
+    ::_exit(0); // nothing of the module is there any more that could be ended
+}
