@@ -12,9 +12,7 @@ namespace korl::cli {
 void withShell(const Program& program, const std::function<void(Shell&)>& work) {
     Qelt::setVerbosity(program.verbosity);
     Shell shell(note);
-    for (const std::filesystem::path& file : program.plugins)
-        shell.plugins().load(file);
-    shell.plugins().loadFrom(pluginSearchPath());
+    shell.load(program.plugins, pluginSearchPath());
     try {
         work(shell);
     } catch (const Error&) {

@@ -1,10 +1,15 @@
+#include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/cli/program.hpp"
 #include "shell/render/png.hpp"
 #include "shell/render/xpm.hpp"
 #include "shell/scene/file_output.hpp"
+#include "shell/scene/module_of.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <sorvik/creator.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -32,7 +37,8 @@ struct Icon {
 /// The icon of an object: a PNG file at a path of the Qt resource system, or an XPM image.
 /// @param with_file whether its file is asked for, too.
 Icon iconOf(const Qelt::VObject& object, bool with_file) {
-    if (const std::string path = object.qt_icon(); !path.empty()) {
+    if (const std::string path = ModuleCall(object, "qt_icon").run([&] { return object.qt_icon(); });
+        !path.empty()) {
         if (!with_file)
             return {path, {}};
         QFile file(QString::fromStdString(path));
@@ -47,7 +53,7 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
         }
         return {path, png};
     }
-    const char* const* const xpm = object.xpm_icon();
+    const char* const* const xpm = ModuleCall(object, "xpm_icon").run([&] { return object.xpm_icon(); });
     if (!xpm)
         return {};
     const Image image = decodeXpm(xpm);
@@ -58,17 +64,34 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
 /// The icon of what a creator makes. What is wrong with it is told with the type's name, and nothing is
 /// returned.
 std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
-    const std::string type = "type \"" + creator.Name() + "\": ";
+    const std::string type = "type \"" + printable(typeName(creator)) + "\": ";
     try {
         if (with_file && creator.Name().find('/') != std::string::npos)
             throw Error("a name with \"/\" cannot be that of its icon's file");
-        return iconOf(*creator.create("").get(), with_file);
+        const auto object = ModuleCall(creator, "creation").run([&] { return creator.create(""); });
+        return iconOf(*object.get(), with_file);
     } catch (const std::exception& error) {
         note(type + error.what());
     } catch (...) {
         note(type + "its module threw something that is no exception; it has to be mended by its maker");
     }
     return std::nullopt;
+}
+
+/// What the table says of a type.
+std::string descriptionOf(const Qelt::VCreatorBase& creator) {
+    const std::string description = creator.properties().text(Kind::description);
+    if (typeName(creator) == creator.Name())
+        return orDash(description);
+    return "(shadowed by that of " + moduleOf(*findType(creator.Name())) + ")" +
+           (description.empty() ? "" : " " + description);
+}
+
+/// Where a type's icon goes: TYPE.png, for a shadowed type MODULE.TYPE.png.
+std::filesystem::path iconFile(const std::filesystem::path& folder, const Qelt::VCreatorBase& creator) {
+    std::string name = typeName(creator);
+    std::replace(name.begin(), name.end(), '/', '.');
+    return folder / (name + ".png");
 }
 
 /// Lists the types, and writes the icon of each that has one into a folder, as TYPE.png, unless the folder's
@@ -80,12 +103,11 @@ void listTypes(const std::filesystem::path& folder) {
         const std::optional<Icon> icon = readableIcon(*creator, !folder.empty());
         failed += icon ? 0 : 1;
         if (icon && !icon->png.empty())
-            writeFileAtomically(folder / (creator->Name() + ".png"), icon->png);
+            writeFileAtomically(iconFile(folder, *creator), icon->png);
         const auto& properties = creator->properties();
-        rows.push_back({creator->Name(), orDash(properties.text(Kind::category)),
+        rows.push_back({typeName(*creator), orDash(properties.text(Kind::category)),
                         std::to_string(creator->creatorNumber()), orDash(properties.text(Kind::date)),
-                        icon ? orDash(icon->description) : "unusable",
-                        orDash(properties.text(Kind::description))});
+                        icon ? orDash(icon->description) : "unusable", descriptionOf(*creator)});
     }
     if (rows.size() == 1)
         note("no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH");

@@ -1,9 +1,11 @@
 #include "shell/explain/light_explanations.hpp"
 
 #include "shell/explain/opengl_light.hpp"
+#include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 #include "shell/scene/light.hpp"
+#include "shell/scene/type_names.hpp"
 #include "shell/scene/value_kind.hpp"
 
 #include <sorvik/component_text.hpp>
@@ -97,7 +99,7 @@ void nameBadUniforms(LightExplanation& light, const Qelt::RenderNamespace::Light
 
 /// Notes where a light writes other uniforms than its snippet declares.
 void noteUniforms(LightExplanation& light, const Qelt::RenderNamespace::LightSource& source) {
-    const UniformMismatch mismatch = compareUniforms(source.snippet(), source.uniforms());
+    const UniformMismatch mismatch = compareUniforms(snippetOf(source, light.name), source.uniforms());
     if (!mismatch.undeclared.empty())
         light.findings.push_back({FindingKind::uniform_undeclared, undeclaredText(mismatch), false});
     if (!mismatch.unwritten.empty())
@@ -173,7 +175,7 @@ void explainLights(const LitScene& at, Explanation& explanation) {
             continue;
         LightExplanation light;
         light.name = object->Name();
-        light.type = object->creator() ? object->creator()->Name() : "";
+        light.type = object->creator() ? typeName(*object->creator().get()) : "";
         const auto member = std::find_if(at.view.members().begin(), at.view.members().end(),
                                          [&](const auto& one) { return one.object == object.get(); });
         if (member == at.view.members().end()) {

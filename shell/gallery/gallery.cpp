@@ -4,11 +4,9 @@
 #include "shell/gallery/gallery_page.hpp"
 #include "shell/scene/builtin_scene.hpp"
 #include "shell/scene/file_output.hpp"
+#include "shell/scene/type_names.hpp"
 #include "shell/session/shell.hpp"
 
-#include <sorvik/creator.hpp>
-
-#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -19,15 +17,6 @@ namespace korl {
 namespace {
 
 constexpr int picture_width = 480, picture_height = 360;
-
-/// The names of the types that can be created, each once, in the order of the catalogue.
-std::vector<std::string> typeNames() {
-    std::vector<std::string> names;
-    for (const Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue())
-        if (std::find(names.begin(), names.end(), creator->Name()) == names.end())
-            names.push_back(creator->Name());
-    return names;
-}
 
 } // namespace
 

@@ -100,7 +100,7 @@ PYBIND11_MODULE(_korl, module) {
     session.def("is_closed", &SharedShell::isClosed, InTheBackground());
     session.def("take_reports", &SharedShell::takeReports, InTheBackground());
     add(session, "plugins", plugins);
-    add(session, "load", [](Shell& shell, const std::filesystem::path& file) { shell.plugins().load(file); });
+    add(session, "load", [](Shell& shell, const std::filesystem::path& file) { shell.load({file}); });
     defineObjects(module, session);
     defineScene(module, session);
     defineWork(module, session);

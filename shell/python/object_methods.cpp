@@ -2,6 +2,7 @@
 
 #include "shell/scene/aiming.hpp"
 #include "shell/scene/type_info.hpp"
+#include "shell/scene/type_names.hpp"
 #include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
@@ -57,10 +58,15 @@ glm::dvec3 vectorOf(const Triple& triple) {
     return {triple[0], triple[1], triple[2]};
 }
 
+std::string typeOf(const Qelt::VObject& object) {
+    const Qelt::VCreatorBase* const creator = object.creator().get();
+    return creator ? typeName(*creator) : std::string();
+}
+
 std::vector<std::pair<Handle, std::string>> objects(Shell& shell) {
     std::vector<std::pair<Handle, std::string>> listed;
     for (const auto& object : shell.scene().objects())
-        listed.emplace_back(handleOf(*object.get()), object->creator() ? object->creator()->Name() : "");
+        listed.emplace_back(handleOf(*object.get()), typeOf(*object.get()));
     return listed;
 }
 
@@ -101,8 +107,7 @@ void defineObjects(py::module_& module, Session& session) {
     add(session, "objects", objects);
     add(session, "remove", [](Shell& shell, const std::string& name) { shell.scene().remove(name); });
     add(session, "type_of", [](Shell& shell, const Handle& object) {
-        const auto& creator = shell.scene().object(living(shell.scene(), object)).creator();
-        return creator ? creator->Name() : std::string();
+        return typeOf(shell.scene().object(living(shell.scene(), object)));
     });
     add(session, "parameters", [](Shell& shell, const Handle& object) {
         return parametersOf(shell.scene().object(living(shell.scene(), object)));

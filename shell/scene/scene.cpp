@@ -1,8 +1,10 @@
 #include "shell/scene/scene.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/near_names.hpp"
+#include "shell/scene/type_names.hpp"
 #include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
@@ -57,21 +59,17 @@ Scene::~Scene() {
 }
 
 VObject& Scene::create(const std::string& type, const std::string& name) {
-    VCreatorBase* const creator = VCreatorBase::find(type);
-    if (!creator) {
-        std::vector<std::string> known;
-        for (const VCreatorBase* const listed : VCreatorBase::catalogue())
-            if (std::find(known.begin(), known.end(), listed->Name()) == known.end())
-                known.push_back(listed->Name());
-        throw UnknownName("unknown type \"" + type + "\": " +
-                          nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
-    }
+    VCreatorBase* const creator = findType(type);
+    if (!creator)
+        throw UnknownName(
+            "unknown type \"" + type + "\": " +
+            nearNames(type, typeNames(), "no module is loaded that has any; name one with --plugin"));
     if (!name.empty() && isTaken(name))
         throw Error("cannot create \"" + name + "\" as " + type +
                     ": the scene already has an object of this name");
     const auto taken = [&](const std::string& candidate) { return isTaken(candidate); };
-    return *creator->create(name.empty() ? creator->createChildname(taken, my_numbers[type]) : name, this)
-                .get();
+    const std::string own = name.empty() ? creator->createChildname(taken, my_numbers[type]) : name;
+    return *ModuleCall(*creator, "creation").run([&] { return creator->create(own, this); }).get();
 }
 
 void Scene::objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context, VCreatorBase&) {
@@ -281,7 +279,9 @@ std::optional<Ball> Scene::boundingBall() const {
     std::optional<Ball> all = my_meshes_ball;
     for (const auto& object : objects()) {
         const auto* const renderable = dynamic_cast<const Qelt::RenderAble*>(object.get());
-        if (Orvid::Ball drawn; renderable && renderable->getBoundingBall(drawn)) {
+        if (Orvid::Ball drawn; renderable && ModuleCall(*renderable, "getBoundingBall").run([&] {
+                return renderable->getBoundingBall(drawn);
+            })) {
             const Ball ball{{drawn.center.x, drawn.center.y, drawn.center.z}, drawn.radius};
             all = all ? merged(*all, ball) : ball;
         }

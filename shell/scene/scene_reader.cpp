@@ -1,10 +1,12 @@
 #include "shell/scene/scene_reader.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/scene/color_text.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/module_of.hpp"
 #include "shell/scene/near_names.hpp"
 #include "shell/scene/scene.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
@@ -54,7 +56,7 @@ Camera readCamera(const JsonValue& value, const ScenePlace& place) {
 }
 
 bool makesLights(VCreatorBase& creator) {
-    return isLight(*creator.create("").get());
+    return isLight(*ModuleCall(creator, "creation").run([&] { return creator.create(""); }).get());
 }
 
 std::string listOf(const std::vector<std::string>& names) {
@@ -230,7 +232,7 @@ void SceneReader::readObject(const JsonValue& value, const ScenePlace& place) {
     const std::string type = place.textOf(value, "type");
     const auto named = value.find("name");
     const std::string name = named ? named->text() : std::string();
-    VCreatorBase* const creator = VCreatorBase::find(type);
+    VCreatorBase* const creator = findType(type);
     if (!creator)
         return keep(value, type, name, place);
     if (my_part == Part::lights) {
@@ -248,7 +250,7 @@ void SceneReader::create(const JsonValue& value, const std::string& type, const 
                          const ScenePlace& place) {
     if (!name.empty() && my_names.contains(name))
         place.inside("name").fail("the name \"" + name + "\" is taken by another object of the file");
-    std::string own = name.empty() ? freeName(type) : name;
+    std::string own = name.empty() ? freeName(findType(type)->Name()) : name;
     if (my_part == Part::lights && my_scene.isTaken(name))
         for (int number = 2; my_scene.isTaken(own) || my_file_names.contains(own); ++number)
             own = name + std::to_string(number);
@@ -363,10 +365,7 @@ void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {
 void SceneReader::tellOfForeign() const {
     if (!my_reading.tell)
         return;
-    std::vector<std::string> known;
-    for (const VCreatorBase* const creator : VCreatorBase::catalogue())
-        if (std::find(known.begin(), known.end(), creator->Name()) == known.end())
-            known.push_back(creator->Name());
+    const std::vector<std::string> known = typeNames();
     for (const auto& [type, names] : my_foreign_names)
         my_reading.tell(my_file.string() + ": no loaded module has the type \"" + type + "\" of " +
                         listOf(names) + ", kept for later but not shown: " +

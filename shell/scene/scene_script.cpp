@@ -4,6 +4,7 @@
 #include "shell/scene/json_text.hpp"
 #include "shell/scene/saved_value.hpp"
 #include "shell/scene/scene.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
@@ -144,7 +145,7 @@ private:
     void create(const VObject& object) {
         const std::string own = variable("object " + object.Name(), object.Name());
         const Qelt::VCreatorBase* const creator = object.creator().get();
-        std::string arguments = quoted(creator ? creator->Name() : "") + ", " + quoted(object.Name());
+        std::string arguments = quoted(creator ? typeName(*creator) : "") + ", " + quoted(object.Name());
         std::vector<std::string> settings;
         for (const auto& [parameter, ignored] : object.parameters()) {
             const auto saved = savedValue(object, *parameter.get());

@@ -5,6 +5,7 @@
 #include "shell/scene/module_of.hpp"
 #include "shell/scene/saved_value.hpp"
 #include "shell/scene/scene.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
@@ -149,7 +150,7 @@ std::vector<std::string> SceneWriter::objects() const {
 
 std::string SceneWriter::object(const VObject& object) const {
     const Qelt::VCreatorBase* const creator = object.creator().get();
-    Members members{{"type", jsonQuoted(creator ? creator->Name() : "")},
+    Members members{{"type", jsonQuoted(creator ? typeName(*creator) : "")},
                     {"name", jsonQuoted(object.Name())}};
     if (my_scene.isMuted(object))
         members.emplace_back("muted", "true");

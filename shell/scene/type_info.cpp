@@ -1,5 +1,7 @@
 #include "shell/scene/type_info.hpp"
 
+#include "shell/base/module_call.hpp"
+#include "shell/scene/type_names.hpp"
 #include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
@@ -39,12 +41,14 @@ std::vector<TypeInfo> knownTypes() {
     using Kind = Qelt::VCreatorPropertyBase::Kind;
     std::vector<TypeInfo> types;
     for (Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue()) {
-        const bool is_shadowed = std::any_of(
-            types.begin(), types.end(), [&](const TypeInfo& type) { return type.name == creator->Name(); });
-        if (is_shadowed)
+        const std::string name = typeName(*creator);
+        const bool is_listed =
+            std::any_of(types.begin(), types.end(), [&](const TypeInfo& type) { return type.name == name; });
+        if (is_listed)
             continue;
-        const Tessan::StrongPtr<Qelt::VObject> sample = creator->create({});
-        types.push_back({creator->Name(), creator->properties().text(Kind::category),
+        const Tessan::StrongPtr<Qelt::VObject> sample =
+            ModuleCall(*creator, "creation").run([&] { return creator->create({}); });
+        types.push_back({name, creator->properties().text(Kind::category),
                          creator->properties().text(Kind::description), parametersOf(*sample.get())});
     }
     return types;

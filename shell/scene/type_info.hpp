@@ -20,7 +20,7 @@ struct ParameterInfo {
 
 /// A type of objects, as its creator and a sample of it describe it.
 struct TypeInfo {
-    std::string name;
+    std::string name;     ///< "TYPE", or "MODULE/TYPE" where it is shadowed
     std::string category; ///< empty where it has none
     std::string description;
     std::vector<ParameterInfo> parameters; ///< in the order of their making
@@ -29,8 +29,8 @@ struct TypeInfo {
 /// The parameters of an object, in the order of their making.
 std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object);
 
-/// The types of all loaded modules, as the catalogue lists them; of several of one name the first, which is
-/// the one that `Scene::create` takes. A sample of each is made and deleted again.
+/// The types of all loaded modules, as the catalogue lists them, by the names that `Scene::create` takes (see
+/// `typeName`); of several of one name the first. A sample of each is made and deleted again.
 std::vector<TypeInfo> knownTypes();
 
 } // namespace korl

@@ -1,6 +1,7 @@
 #include "shell/sequence/scene_fingerprint.hpp"
 
 #include "shell/scene/scene.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <sorvik/creator.hpp>
 
@@ -39,7 +40,7 @@ void add(Fingerprint& sum, const Qelt::VParameter& parameter, const Scene& scene
 
 void add(Fingerprint& sum, const Qelt::VObject& object, const Scene& scene) {
     const Qelt::VCreatorBase* const creator = object.creator().get();
-    sum.add(creator ? creator->keyname("/") : "");
+    sum.add(creator ? typeName(*creator) : "");
     sum.add(object.Name());
     sum.add(scene.isEnabled(object) ? "shown" : "hidden");
     for (const auto& entry : object.parameters())

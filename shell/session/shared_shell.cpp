@@ -61,9 +61,7 @@ SharedShell::SharedShell(const std::vector<std::filesystem::path>& plugins,
     if (has_ended)
         throw ClosedShell("a shell cannot be made any more, since the program is ending");
     auto shell = std::make_unique<Shell>([this](const std::string& report) { my_reports.push_back(report); });
-    for (const std::filesystem::path& file : plugins)
-        shell->plugins().load(file);
-    shell->plugins().loadFrom(directories);
+    shell->load(plugins, directories);
     openShells().insert(this);
     my_shell = std::move(shell);
 }

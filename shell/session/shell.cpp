@@ -1,6 +1,7 @@
 #include "shell/session/shell.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/type_names.hpp"
 
 #include <mutex>
 #include <utility>
@@ -37,6 +38,16 @@ Shell::~Shell() {
         } catch (...) { // whoever takes the reports must not end the program from here
         }
     }
+}
+
+void Shell::load(const std::vector<std::filesystem::path>& files,
+                 const std::vector<std::filesystem::path>& directories) {
+    for (const std::filesystem::path& file : files)
+        my_plugins.load(file);
+    my_plugins.loadFrom(directories);
+    for (const std::string& sentence : shadowedTypes())
+        if (my_told_types.insert(sentence).second)
+            report(sentence);
 }
 
 GLContext& Shell::context() {

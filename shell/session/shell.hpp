@@ -8,9 +8,12 @@
 #include "shell/scene/model_import.hpp"
 #include "shell/scene/scene.hpp"
 
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace korl {
 
@@ -27,6 +30,11 @@ public:
     ~Shell();
     Shell(const Shell&) = delete;
     Shell& operator=(const Shell&) = delete;
+
+    /// Loads modules: the files, then those of the directories. Throws Error as PluginSet does. A type that
+    /// is shadowed by another module's is told of once.
+    void load(const std::vector<std::filesystem::path>& files,
+              const std::vector<std::filesystem::path>& directories = {});
 
     PluginSet& plugins() noexcept { return my_plugins; }
     const PluginSet& plugins() const noexcept { return my_plugins; }
@@ -68,6 +76,7 @@ private:
     Reports::Sink my_report;
     ModelReading my_model_reading;
     bool has_told_of_no_light = false, has_told_of_no_mesh = false;
+    std::set<std::string> my_told_types;                   ///< what was told of types that are shadowed
     std::map<std::string, std::unique_ptr<View>> my_views; ///< those that were asked for, by name
     std::unique_ptr<GLContext> my_context;
     std::unique_ptr<Renderer> my_renderer;

@@ -74,6 +74,7 @@ class Shell(Strict):
         if isinstance(plugins, (str, bytes)) or not hasattr(plugins, "__iter__"):
             raise WrongTypeError(f"plugins takes a list of files, found {plugins!r}")
         object.__setattr__(self, "_session", _korl.open_session([path_of(file) for file in plugins]))
+        self._tell()
 
     def __enter__(self):
         if self.closed:
@@ -94,6 +95,7 @@ class Shell(Strict):
     def load(self, file):
         """Loads one more module from a library file."""
         self._session.load(path_of(file))
+        self._tell()
 
     @property
     def plugins(self):

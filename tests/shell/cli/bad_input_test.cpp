@@ -75,18 +75,25 @@ TEST_F(BadInput, PlugIns) {
 TEST_F(BadInput, ExceptionsOfModules) {
     // They are told although the module is unloaded by then.
     const std::vector<std::string> plugin{"--plugin", "BROKEN/throwing_objects.so"};
-    expectError({"describe", "Reluctant", plugin[0], plugin[1]}, 1, "the object does not want to be");
-    expectError({"render", "--light", "Odd", plugin[0], plugin[1]}, 1,
-                "a module threw something that is no exception; it has to be mended by its maker");
+    expectError(
+        {"describe", "Reluctant", plugin[0], plugin[1]}, 1,
+        "creation of \"Reluctant\" in the module \"throwing_objects\" threw the exception \"the object does "
+        "not want to be\"; the module has to be mended by its maker");
+    expectError(
+        {"render", "--light", "Odd", plugin[0], plugin[1]}, 1,
+        "creation of \"Odd\" in the module \"throwing_objects\" threw something that is not an exception; "
+        "the module has to be mended by its maker");
 }
 
 TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
     const ProgramResult result = korl({"types", "--plugin", "BROKEN/throwing_objects.so"});
     EXPECT_EQ(
         result.errors,
-        "korl: type \"Reluctant\": the object does not want to be\n"
-        "korl: type \"Odd\": its module threw something that is no exception; it has to be mended by its "
-        "maker\n"
+        "korl: type \"Reluctant\": creation of \"Reluctant\" in the module \"throwing_objects\" threw the "
+        "exception \"the object does not want to be\"; the module has to be mended by its maker\n"
+        "korl: type \"Odd\": creation of \"Odd\" in the module \"throwing_objects\" threw something that is "
+        "not "
+        "an exception; the module has to be mended by its maker\n"
         "korl: 2 of 9 types have no usable icon; their modules have to be mended\n");
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_THAT(result.output, HasSubstr("\nReluctant         -         0       -            unusable"));
