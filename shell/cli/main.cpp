@@ -1,6 +1,7 @@
 #include "shell/cli/program.hpp"
 #include "shell/cli/python.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/scene/near_names.hpp"
 
 #include <algorithm>
@@ -46,6 +47,7 @@ int main(int argument_count, char** arguments) {
     using namespace korl::cli;
 
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error like any other, with its message
+    korl::reportSignalsOfModules();
     CLI::App app("Lights scenes and renders them with OpenGL.", "korl");
     app.set_version_flag("--version", "korl " KORL_VERSION);
     app.require_subcommand(0, 1);

@@ -1,5 +1,6 @@
 #include "shell/gallery/type_sheet.hpp"
 
+#include "shell/render/snippet_of.hpp"
 #include "shell/render/xpm.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/type_info.hpp"
@@ -47,8 +48,8 @@ void draw(Scene& scene, GLContext& context, int width, int height, TypeSheet& sh
     View view;
     {
         const Frame frame(view, scene, 0);
-        for (const auto& source : view.sources())
-            sheet.snippets.push_back(source->snippet());
+        for (std::size_t i = 0; i < view.sources().size(); ++i)
+            sheet.snippets.push_back(snippetOf(*view.sources()[i].get(), view.ownerOf(i).Name()));
     }
     for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
         PathPicture picture;

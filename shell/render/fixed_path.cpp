@@ -1,5 +1,6 @@
 #include "shell/render/fixed_path.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
 #include "shell/scene/light.hpp"
@@ -123,7 +124,9 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(number);
-        member.object->environment_render(view.context());
+        ModuleCall(*member.object, "environment_render").run([&] {
+            member.object->environment_render(view.context());
+        });
         requireNoGLError("light", member.object->Name());
         const GLenum light = openGLLight(number);
         const bool is_lit = glIsEnabled(light);

@@ -3,6 +3,7 @@
 #include "shell/error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/shader_assembly.hpp"
+#include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_values.hpp"
 
 #include <glm/gtc/type_ptr.hpp>
@@ -143,7 +144,7 @@ std::array<float, 4> LightProbe::declaredValue(const LightSource& source, const 
 }
 
 LightProbe::Probe& LightProbe::probeFor(const LightSource& source, const std::string& light_name) {
-    const std::string snippet = source.snippet();
+    const std::string snippet = snippetOf(source, light_name);
     if (const auto known = my_probes.find(snippet); known != my_probes.end())
         return known->second;
     const AssembledShader shader = assembleProbe({light_name, snippet});

@@ -1,5 +1,6 @@
 #include "shell/render/renderer.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/uniform_values.hpp"
 
@@ -18,7 +19,7 @@ void drawObjects(View& view, const Viewpoint& viewpoint) {
     glMatrixMode(GL_MODELVIEW);
     glLoadMatrixf(glm::value_ptr(viewpoint.view));
     for (const View::Member& member : view.members())
-        member.object->safe_render(view.context());
+        ModuleCall(*member.object, "render").run([&] { member.object->safe_render(view.context()); });
 }
 
 /// With colours that are multiplied by their alpha: only so are those at the edge of a mesh, where several

@@ -1,5 +1,6 @@
 #include "shell/render/result_check.hpp"
 
+#include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_values.hpp"
 
 #include <sorvik/component_text.hpp>
@@ -72,7 +73,8 @@ void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBuffer
         if (!is_new && (!has_changed || has_evaluated_again))
             continue;
         if (is_new)
-            checked.depends_on_eye = source.snippet().find("getViewDir") != std::string::npos;
+            checked.depends_on_eye =
+                snippetOf(source, view.ownerOf(i).Name()).find("getViewDir") != std::string::npos;
         checked.uniforms = source.uniforms();
         checked.meshes_revision = meshes.revision();
         checked.eye = eye;

@@ -1,9 +1,11 @@
 #include "shell/render/shader_path.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/error.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/material.hpp"
+#include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 
@@ -91,8 +93,8 @@ void reportUniforms(const Qelt::RenderAble& light, const UniformMismatch& mismat
 
 AssembledShader assembleFrame(const View& view) {
     std::vector<std::string> texts;
-    for (const auto& source : view.sources())
-        texts.push_back(source->snippet());
+    for (std::size_t i = 0; i < view.sources().size(); ++i)
+        texts.push_back(snippetOf(*view.sources()[i].get(), view.ownerOf(i).Name()));
     return assembleShader(groupSnippets(view, texts).snippets);
 }
 
@@ -104,7 +106,9 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));
         view.context().setLightNumber(1);
-        member.object->environment_render(view.context());
+        ModuleCall(*member.object, "environment_render").run([&] {
+            member.object->environment_render(view.context());
+        });
         requireNoGLError("light", member.object->Name());
     }
     view.fillUniforms();
@@ -143,13 +147,13 @@ const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view, Reports& repor
     }
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < view.sources().size(); ++i) {
-        const auto [snippet, missing] = my_snippets.try_emplace(my_serials[i]);
-        if (missing) {
-            snippet->second = view.sources()[i]->snippet();
-            reportUniforms(view.ownerOf(i), compareUniforms(snippet->second, view.sources()[i]->uniforms()),
-                           reports);
+        auto known = my_snippets.find(my_serials[i]);
+        if (known == my_snippets.end()) {
+            const auto& source = *view.sources()[i].get();
+            known = my_snippets.emplace(my_serials[i], snippetOf(source, view.ownerOf(i).Name())).first;
+            reportUniforms(view.ownerOf(i), compareUniforms(known->second, source.uniforms()), reports);
         }
-        texts.push_back(snippet->second);
+        texts.push_back(known->second);
     }
     GroupedSnippets grouped = groupSnippets(view, texts);
     Lineup lineup{nullptr, std::move(grouped.sources)};

@@ -1,5 +1,6 @@
 #include "shell/render/view.hpp"
 
+#include "shell/base/module_call.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/scene.hpp"
 
@@ -32,12 +33,14 @@ void View::beginFrame(const Scene& scene, double time) {
     gatherMembers(scene);
     my_context.beginRendering();
     for (const Member& member : my_members)
-        if (member.object->processesRequests() && !member.object->request(my_request, time))
+        if (member.object->processesRequests() && !ModuleCall(*member.object, "update").run([&] {
+                return member.object->request(my_request, time);
+            }))
             throw Error("\"" + member.object->Name() +
                         "\" could not be brought up to date for the rendering");
     for (Member& member : my_members) {
         member.first_source = my_context.enabledLightSources().size();
-        member.object->illuminate(my_context);
+        ModuleCall(*member.object, "illuminate").run([&] { member.object->illuminate(my_context); });
         member.source_count = my_context.enabledLightSources().size() - member.first_source;
     }
 }
@@ -47,8 +50,10 @@ void View::fillUniforms() {
         if (!member.shader_light)
             continue;
         for (std::size_t i = 0; i < member.source_count; ++i)
-            member.shader_light->updateLightAtRendering(
-                my_context.enabledLightSources()[member.first_source + i]->uniforms(), my_context);
+            ModuleCall(*member.object, "fillUniforms").run([&] {
+                member.shader_light->updateLightAtRendering(
+                    my_context.enabledLightSources()[member.first_source + i]->uniforms(), my_context);
+            });
     }
 }
 

@@ -14,6 +14,10 @@ using testing::MatchesRegex;
 class AnimateTest : public korl::test::Animating {};
 class AnimateFailureGLTest : public korl::test::Animating {};
 
+const std::string no_mood =
+    "update of \"m\" in the module \"failing_frames\" threw the exception \"in no mood for it\"; "
+    "the module has to be mended by its maker";
+
 TEST_F(AnimateTest, RefusesWhatCannotBe) {
     struct Case {
         Words arguments;
@@ -80,15 +84,17 @@ TEST_F(AnimateFailureGLTest, FramesThatFailTwiceAreToldByNumber) {
         animate(joined(moody, {"--vary", "m.mood=0:2", "--frames", "3", "--jobs", "2", "--quiet"}));
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_EQ(result.errors, "korl: 2 of 3 frames could not be made, though each was tried twice\n"
-                             "frame 2: in no mood for it\n"
-                             "frame 3: its worker ended with signal 9 (Killed)\n");
+                             "frame 3: its worker ended with signal 9 (Killed)\n"
+                             "frame 2: " +
+                                 no_mood + "\n");
     EXPECT_THAT(files(), ElementsAre("f_01.png"));
 }
 
 TEST_F(AnimateFailureGLTest, EqualFailuresAreToldTogether) {
     const ProgramResult result = animate(joined(moody, {"--vary", "m.mood=1:1", "--frames", "4", "--quiet"}));
     EXPECT_EQ(result.errors, "korl: 4 of 4 frames could not be made, though each was tried twice\n"
-                             "frame 1-4: in no mood for it\n");
+                             "frame 1-4: " +
+                                 no_mood + "\n");
 }
 
 TEST_F(AnimateFailureGLTest, AFrameThatFailsOnceIsMade) {
