@@ -110,8 +110,7 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
 }
 
 ChildProcess::~ChildProcess() {
-    terminate();
-    wait();
+    end(grace);
 }
 
 void ChildProcess::terminate() noexcept {
@@ -158,6 +157,18 @@ std::optional<int> ChildProcess::waitFor(std::chrono::milliseconds limit) {
     if (descriptor >= 0)
         ::close(descriptor);
     return status;
+}
+
+void ChildProcess::end(std::chrono::milliseconds limit) noexcept {
+    terminate();
+    bool has_ended = false;
+    try {
+        has_ended = waitFor(limit).has_value();
+    } catch (const Error&) { // it cannot be waited for with a limit, so it gets no time
+    }
+    if (!has_ended)
+        kill();
+    wait();
 }
 
 std::string endText(int wait_status) {

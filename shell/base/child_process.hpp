@@ -32,7 +32,7 @@ class ChildProcess {
 public:
     /// Throws Error where the program cannot be started.
     explicit ChildProcess(const ProcessStart& start);
-    /// Ends the program if it still runs, and waits for that.
+    /// Ends the program if it still runs.
     ~ChildProcess();
     ChildProcess(ChildProcess&& other) noexcept : my_id(std::exchange(other.my_id, -1)) {}
     ChildProcess& operator=(ChildProcess&&) = delete;
@@ -51,6 +51,12 @@ public:
 
     /// The same, but waiting for no longer than `limit`.
     std::optional<int> waitFor(std::chrono::milliseconds limit);
+
+    /// Asks the program to end, and kills it where it has not done so within `limit`.
+    void end(std::chrono::milliseconds limit) noexcept;
+
+    /// The time that a program gets to end when it is asked to.
+    static constexpr std::chrono::milliseconds grace{500};
 
 private:
     pid_t my_id;

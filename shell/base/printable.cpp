@@ -60,6 +60,10 @@ std::string printable(std::string_view text) {
     return escaped(text, false);
 }
 
+std::string inQuotes(std::string_view text) {
+    return '"' + printable(text) + '"';
+}
+
 std::string printableLines(std::string_view text) {
     return escaped(text, true);
 }

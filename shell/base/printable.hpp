@@ -10,7 +10,10 @@ namespace korl {
 /// `\x1b` and `\u009b`. Everything else stays as it is.
 std::string printable(std::string_view text);
 
-/// The same for a text of several lines, whose line ends stay.
+/// The same in quotes, as names stand in messages.
+std::string inQuotes(std::string_view text);
+
+/// `printable` for a text of several lines, whose line ends stay.
 std::string printableLines(std::string_view text);
 
 } // namespace korl

@@ -85,6 +85,16 @@ TEST_F(ChildProcessTest, IsWaitedForNoLongerThanAsked) {
     EXPECT_EQ(endText(*status), "signal 9 (Killed)");
 }
 
+TEST_F(ChildProcessTest, IsKilledWhereItDoesNotEndWhenAsked) {
+    const std::string ready = folder / "ready";
+    ChildProcess deaf({"sh", {"-c", "trap '' TERM; : > '" + ready + "'; exec sleep 60"}});
+    while (!std::filesystem::exists(ready))
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const auto start = std::chrono::steady_clock::now();
+    deaf.end(std::chrono::milliseconds(50));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
 TEST_F(ChildProcessTest, IsInAGroupOfItsOwn) {
     // The group's number is the sixth field of /proc/PID/stat's, the fifth behind the number itself.
     EXPECT_EQ(run("set -- $(cat /proc/$$/stat); test $1 = $5"), "exit code 0");

@@ -1,0 +1,21 @@
+#include "shell/base/caught_exception.hpp"
+
+#include <exception>
+#include <new>
+
+namespace korl {
+
+std::string textOfCaughtException() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return "there is not enough memory for this; take a smaller picture or model, fewer jobs at once, or "
+               "let the program have more (ulimit -v)";
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "a module threw something that is no exception; it has to be mended by its maker";
+    }
+}
+
+} // namespace korl
