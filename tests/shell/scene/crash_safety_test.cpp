@@ -17,9 +17,11 @@ const std::string new_text = "{\n  \"korl\": 1,\n  \"background\": \"0 0 0 1\"\n
 const std::string old_text = "{\n  \"korl\": 1,\n  \"views\": [\"before\"]\n}\n";
 
 /// Runs the program that saves a scene under strace.
-ProgramResult traced(const std::vector<std::string>& options, const fs::path& target) {
+ProgramResult traced(const std::vector<std::string>& options, const fs::path& target,
+                     const std::vector<std::string>& moved = {}) {
     std::vector<std::string> arguments = options;
     arguments.insert(arguments.end(), {SAVE_ONCE, target});
+    arguments.insert(arguments.end(), moved.begin(), moved.end());
     return runProgram(STRACE, arguments,
                       {{"ASAN_OPTIONS", "detect_leaks=0"}}); // it cannot check under ptrace
 }
@@ -78,13 +80,18 @@ TEST(CrashSafety, ASaveKilledAtAnySystemCallLeavesAWholeFile) {
 TEST(CrashSafety, TheFileIsSyncedBeforeItsNameAndTheFolderAfterIt) {
     const TemporaryFolder folder;
     const std::string log = folder / "log";
-    const ProgramResult whole = traced({"-o", log, "-e", "trace=fsync,rename"}, folder / "scene.json");
-    if (whole.exit_code != 0)
-        GTEST_SKIP() << "strace cannot trace here: " << whole.errors;
-    std::vector<std::string> names;
-    for (const Call& call : callsIn(korl::test::bytesOf(log)))
-        names.push_back(call.name);
-    EXPECT_EQ(names, (std::vector<std::string>{"fsync", "rename", "fsync"}));
+    // A file that is written, and one that another program has written.
+    for (const std::vector<std::string>& moved :
+         {std::vector<std::string>{}, {folder.write("film", "a film").string()}}) {
+        const ProgramResult whole = traced({"-o", log, "-e", "trace=fsync,rename"}, folder / "target", moved);
+        if (whole.exit_code != 0)
+            GTEST_SKIP() << "strace cannot trace here: " << whole.errors;
+        std::vector<std::string> names;
+        for (const Call& call : callsIn(korl::test::bytesOf(log)))
+            names.push_back(call.name);
+        EXPECT_EQ(names, (std::vector<std::string>{"fsync", "rename", "fsync"}));
+    }
+    EXPECT_EQ(korl::test::bytesOf(folder / "target"), "a film");
 }
 
 } // namespace

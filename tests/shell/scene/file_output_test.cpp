@@ -1,5 +1,6 @@
 #include "shell/scene/file_output.hpp"
 
+#include "shell/base/file_lock.hpp"
 #include "shell/error.hpp"
 #include "tests/support/temporary_folder.hpp"
 
@@ -112,6 +113,47 @@ TEST_F(FileOutputTest, ALinkStaysAndItsFileIsReplaced) {
     EXPECT_EQ(write(my_folder / "link", "new"), "");
     EXPECT_TRUE(fs::is_symlink(my_folder / "link"));
     EXPECT_EQ(bytesOf(my_folder / "folder/file"), "new");
+}
+
+TEST_F(FileOutputTest, ALinkThatLeadsNowhereIsRefused) {
+    fs::create_symlink("nowhere\n", my_folder / "link");
+    EXPECT_EQ(write(my_folder / "link", "new"),
+              cannotWrite("link", "it is a symbolic link to nowhere\\n, which is not there; make that file "
+                                  "first, or remove the link"));
+    EXPECT_TRUE(fs::is_symlink(my_folder / "link"));
+    EXPECT_EQ(fileCount(), 1u);
+}
+
+TEST_F(FileOutputTest, TemporaryFilesOfKilledProcessesAreSwept) {
+    const std::string start = ".korl-unfinished-";
+    for (const char* const name : {"1-0", "2-7", "in use"})
+        writeBytes(my_folder / (start + name), "half a file");
+    const Descriptor in_use = lockLeftover(my_folder / (start + "in use"));
+    EXPECT_EQ(write(my_folder / "new", "text"), "");
+    EXPECT_TRUE(fs::exists(my_folder / (start + "in use")));
+    EXPECT_EQ(fileCount(), 2u);
+}
+
+TEST_F(FileOutputTest, WhatIsReplacedIsARegularFile) {
+    writeBytes(my_folder / "file", "");
+    fs::create_symlink("file", my_folder / "link");
+    fs::create_symlink("nowhere", my_folder / "astray");
+    ASSERT_EQ(mkfifo((my_folder / "pipe").c_str(), 0600), 0);
+    for (const auto& [name, target] : {std::pair("file", "file"), {"new", "new"}, {"link", "file"}})
+        EXPECT_EQ(regularTarget(my_folder / name), my_folder / target);
+    const std::vector<std::pair<std::string, std::string>> refused{
+        {"pipe", "it is a device or a pipe, which cannot be replaced; give the name of a file"},
+        {"astray",
+         "it is a symbolic link to nowhere, which is not there; make that file first, or remove the "
+         "link"},
+        {".", "it is a directory; give the name of a file"}};
+    for (const auto& [name, reason] : refused)
+        try {
+            regularTarget(my_folder / name);
+            ADD_FAILURE() << name;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.what(), cannotWrite(name, reason));
+        }
 }
 
 TEST_F(FileOutputTest, APipeIsWrittenTo) {
