@@ -29,14 +29,29 @@ struct AnimateOptions {
 
 volatile std::sig_atomic_t stop_signal = 0;
 
+constexpr unsigned seconds_to_stop = 1;
+
+void noteSignal(int signal) {
+    stop_signal = signal;
+    ::alarm(seconds_to_stop);
+}
+
+/// What the signal asked for hangs, in a write perhaps that nobody reads. The workers end with this process.
+void endAtOnce(int) {
+    std::signal(stop_signal, SIG_DFL);
+    std::raise(stop_signal);
+}
+
 /// While one lives, Ctrl-C, SIGTERM and a terminal that goes away are noted instead of ending the program:
-/// its workers are to be stopped first. A signal that was ignored stays so, as under nohup.
+/// its workers are to be stopped first, for which there is a moment. A signal that was ignored stays so, as
+/// under nohup.
 class NotedSignals {
 public:
     NotedSignals() {
+        std::signal(SIGALRM, endAtOnce);
         for (std::size_t i = 0; i < signals.size(); ++i) {
             struct sigaction noting {};
-            noting.sa_handler = [](int signal) { stop_signal = signal; };
+            noting.sa_handler = noteSignal;
             ::sigaction(signals[i], nullptr, &my_former[i]);
             if (my_former[i].sa_handler != SIG_IGN)
                 ::sigaction(signals[i], &noting, nullptr);

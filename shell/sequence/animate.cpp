@@ -1,12 +1,16 @@
 #include "shell/sequence/animate.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
+#include "shell/scene/file_output.hpp"
 #include "shell/scene/mesh_memory.hpp"
 #include "shell/scene/scene_file.hpp"
 #include "shell/sequence/film.hpp"
 #include "shell/sequence/frame_stamp.hpp"
 #include "shell/sequence/output_files.hpp"
 #include "shell/sequence/scene_fingerprint.hpp"
+#include "shell/sequence/sequence_lock.hpp"
+#include "shell/sequence/temporary_folder.hpp"
 #include "shell/sequence/worker_pool.hpp"
 
 #include <sorvik/vprintf.hpp>
@@ -14,7 +18,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -29,29 +32,6 @@ namespace fs = std::filesystem;
 constexpr const char* solar_time_note = "equinox, solar time";
 constexpr double most_gif_frames_per_second = 50; ///< viewers slow down what is faster
 constexpr int most_film_frames = 999'999;         ///< the digits of the frames' names
-
-/// A folder of this sequence's own for what the workers read; it goes with this object.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = (fs::temp_directory_path() / "korl-sequence-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw Error("no temporary folder can be made in " + fs::temp_directory_path().string() +
-                        "; name another place with TMPDIR");
-        my_path = name;
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(my_path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const fs::path& path() const { return my_path; }
-
-private:
-    fs::path my_path;
-};
 
 /// An mp4 has no alpha: where its scene's background is seen, it is opaque. The scene has its own again when
 /// this object goes.
@@ -111,10 +91,15 @@ public:
             my_names.emplace(settings.output);
         my_progress.frames = settings.frames;
         check();
+        my_film = isFilm() ? regularTarget(settings.output) : fs::path();
     }
 
     SequenceProgress make() {
-        if (my_kind != SequenceKind::pictures)
+        const SequenceLock lock(isFilm() ? my_film : my_settings.output);
+        if (!lock.isHeld())
+            report("the file system of " + my_settings.output.string() +
+                   " has no locks; see to it that no other process makes the same sequence");
+        if (isFilm())
             makeFilmFolder();
         std::vector<FrameRequest> missing = missingFrames();
         tellProgress();
@@ -123,7 +108,7 @@ public:
             if (!failures.empty())
                 throwFailures(failures, my_settings.frames);
         }
-        if (my_kind != SequenceKind::pictures)
+        if (isFilm())
             makeFilmOfFrames();
         return my_progress;
     }
@@ -135,7 +120,7 @@ private:
             validate(*varied, my_shell.scene(), my_settings.view);
             if (std::any_of(my_settings.variations.begin(), varied,
                             [&](const Variation& other) { return nameOf(other) == nameOf(*varied); }))
-                throw Error("\"" + nameOf(*varied) + "\" is varied twice; once is enough");
+                throw Error(inQuotes(nameOf(*varied)) + " is varied twice; once is enough");
         }
         if (!my_settings.view.empty())
             my_shell.scene().view(my_settings.view); // throws where there is none
@@ -145,7 +130,7 @@ private:
                         " does not exist; make it first");
         if (fs::is_directory(my_settings.output))
             throw Error("cannot write " + my_settings.output.string() + ": it is a directory");
-        if (my_kind != SequenceKind::pictures)
+        if (isFilm())
             requireFfmpeg(my_settings.output);
     }
 
@@ -156,7 +141,7 @@ private:
         if (my_settings.frames < 1)
             throw Error("a sequence has at least one frame, found " + std::to_string(my_settings.frames));
         if (my_settings.frames > most)
-            throw Error("\"" + my_settings.output.filename().string() + "\" takes " + std::to_string(most) +
+            throw Error(inQuotes(my_settings.output.filename().string()) + " takes " + std::to_string(most) +
                         " frames at most, found " + std::to_string(my_settings.frames) +
                         (most < most_film_frames ? "; put more # characters into the name" : ""));
         if (my_settings.picture.width < 1 || my_settings.picture.height < 1)
@@ -170,7 +155,9 @@ private:
             throw Error("a GIF shows 50 frames per second at most; ask for fewer, or for an MP4");
     }
 
-    fs::path filmFolder() const { return my_settings.output.string() + ".frames"; }
+    bool isFilm() const { return my_kind != SequenceKind::pictures; }
+
+    fs::path filmFolder() const { return my_film.string() + ".frames"; }
 
     void makeFilmFolder() const {
         std::error_code problem;
@@ -190,6 +177,7 @@ private:
         std::vector<FrameRequest> missing;
         for (int number = 1; number <= my_settings.frames; ++number) {
             FrameRequest request = requestFor(number, scene);
+            regularTarget(frameFile(number)); // throws for a pipe, which would keep a worker waiting
             if (my_settings.resume && frameStamp(request.file) == request.stamp)
                 ++my_progress.kept;
             else
@@ -252,10 +240,7 @@ private:
         pool.program = my_settings.program.empty() ? thisProgram() : my_settings.program;
         const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
         pool.jobs = my_settings.jobs > 0 ? my_settings.jobs : cores;
-        pool.report = [this](const std::string& text) {
-            if (my_listener.report)
-                my_listener.report(text);
-        };
+        pool.report = [this](const std::string& text) { report(text); };
         pool.progress = [this](int done, int failed) {
             my_progress.made = done;
             my_progress.failed = failed;
@@ -266,8 +251,8 @@ private:
 
     void makeFilmOfFrames() {
         my_progress.makes_film = true;
-        makeFilm({my_settings.output, my_kind, my_settings.frames_per_second, my_settings.frames},
-                 filmFolder(), [this] { tellProgress(); });
+        makeFilm({my_film, my_kind, my_settings.frames_per_second, my_settings.frames}, filmFolder(),
+                 [this] { tellProgress(); });
         // Frames of a longer film that was given up may be there too; a file of the user's stays, and with it
         // the folder.
         std::error_code ignored;
@@ -275,6 +260,11 @@ private:
             if (!frameStamp(entry.path()).empty())
                 fs::remove(entry.path(), ignored);
         fs::remove(filmFolder(), ignored);
+    }
+
+    void report(const std::string& text) const {
+        if (my_listener.report)
+            my_listener.report(text);
     }
 
     void tellProgress() const {
@@ -287,6 +277,7 @@ private:
     const SequenceListener& my_listener;
     SequenceKind my_kind;
     std::optional<FrameNames> my_names; ///< of pictures, not of a film
+    fs::path my_film;                   ///< the film, where a symbolic link to it was named
     SequenceProgress my_progress;
 };
 

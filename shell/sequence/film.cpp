@@ -1,7 +1,9 @@
 #include "shell/sequence/film.hpp"
 
 #include "shell/base/child_process.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <chrono>
 #include <cstdio>
@@ -40,7 +42,7 @@ std::string numberText(double number) {
 }
 
 std::vector<std::string> encoderArguments(const Film& film, const std::string& output) {
-    std::vector<std::string> words{"-hide_banner", "-loglevel", "error", "-nostdin", "-y"};
+    std::vector<std::string> words{"-hide_banner", "-loglevel", "error", "-xerror", "-nostdin", "-y"};
     const auto add = [&](const std::vector<std::string>& more) {
         words.insert(words.end(), more.begin(), more.end());
     };
@@ -57,10 +59,36 @@ std::vector<std::string> encoderArguments(const Film& film, const std::string& o
 
 std::string contentOf(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The last lines of what ffmpeg said, each below the one before; empty where it said nothing.
+std::string lastWords(const fs::path& log) {
+    constexpr int most_lines = 5;
+    std::string text = contentOf(log);
     while (!text.empty() && text.back() == '\n')
         text.pop_back();
-    return text;
+    std::size_t start = text.size();
+    for (int lines = 0; lines < most_lines && start != std::string::npos; ++lines)
+        start = start == 0 ? std::string::npos : text.rfind('\n', start - 1);
+    return printableLines(start == std::string::npos ? text : text.substr(start + 1));
+}
+
+/// Whether a file is a film to its end: ffmpeg has been seen to report success for less on a full disk.
+bool isWhole(const fs::path& file, SequenceKind kind) {
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    if (stream.tellg() <= 0)
+        return false;
+    constexpr char gif_trailer = ';';
+    stream.seekg(-1, std::ios::end);
+    return kind != SequenceKind::gif || stream.get() == gif_trailer;
+}
+
+[[noreturn]] void throwFailure(const Film& film, const fs::path& folder, const std::string& what) {
+    const std::string said = lastWords(folder / log_file);
+    throw Error("cannot make the film " + film.file.string() + ": ffmpeg " + what +
+                (said.empty() ? "" : " and said:\n" + said) + "\nThe frames stay in " + folder.string() +
+                ": mend the cause, a full disk perhaps, and resume the sequence.");
 }
 
 } // namespace
@@ -86,6 +114,9 @@ void makeFilm(const Film& film, const fs::path& folder, const std::function<void
     // ffmpeg works in the folder: no path of the user's can be taken for an option, a pattern or an address.
     const std::string written = film.kind == SequenceKind::gif ? "film.gif" : "film.mp4";
     const fs::path log = folder / log_file;
+    // Also where a process that was killed left its ffmpeg at work: that one goes on with the file it has.
+    std::error_code problem;
+    fs::remove(folder / written, problem);
     ProcessStart start{encoder, encoderArguments(film, written)};
     start.folder = folder;
     start.log = log;
@@ -95,16 +126,13 @@ void makeFilm(const Film& film, const fs::path& folder, const std::function<void
         wait();
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    if (!WIFEXITED(*end) || WEXITSTATUS(*end) != 0) {
-        const std::string said = contentOf(log);
-        throw Error("cannot make the film " + film.file.string() + ": ffmpeg ended with " + endText(*end) +
-                    (said.empty() ? "" : " and said:\n" + said));
+    const bool has_succeeded = WIFEXITED(*end) && WEXITSTATUS(*end) == 0;
+    if (!has_succeeded || !lastWords(log).empty() || !isWhole(folder / written, film.kind)) {
+        fs::remove(folder / written, problem); // it takes room that may be what lacks
+        throwFailure(film, folder, has_succeeded ? "did not write all of it" : "ended with " + endText(*end));
     }
-    std::error_code problem;
     fs::remove(log, problem);
-    fs::rename(folder / written, film.file, problem);
-    if (problem)
-        throw Error("cannot write the film " + film.file.string() + ": " + problem.message());
+    moveIntoPlace(folder / written, film.file);
 }
 
 } // namespace korl

@@ -22,11 +22,11 @@ void requireFfmpeg(const std::filesystem::path& film);
 std::filesystem::path filmFrame(const std::filesystem::path& folder, int number);
 
 /// Makes the film from the frames in the folder, which must all be there. The file is written in that folder
-/// first, then renamed, so the folder must be on the disk of the film. An MP4 is H.264 with 4:2:0 colours of
-/// BT.709, as browsers play it; an odd width or height gets one column or row of black more. A GIF has one
-/// palette of its own colours and is repeated for ever.
+/// first, synced and renamed, so the folder must be on the disk of the film. An MP4 is H.264 with 4:2:0
+/// colours of BT.709, as browsers play it; an odd width or height gets one column or row of black more. A GIF
+/// has one palette of its own colours and is repeated for ever.
 /// @param wait is called at least ten times a second; it may throw to end it.
-/// Throws Error, with what ffmpeg said, where it fails.
+/// Throws Error, with ffmpeg's last words, where it fails or wrote less than a film; the frames stay then.
 void makeFilm(const Film& film, const std::filesystem::path& folder, const std::function<void()>& wait);
 
 } // namespace korl

@@ -1,5 +1,6 @@
 #include "shell/sequence/output_files.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/file_output.hpp"
 
@@ -16,8 +17,8 @@ SequenceKind sequenceKind(const std::filesystem::path& output) {
     if (ending == ".gif")
         return SequenceKind::gif;
     throw Error("a sequence is written to pictures such as \"day_####.png\" or to a film such as \"day.mp4\" "
-                "or \"day.gif\", found \"" +
-                output.string() + "\"");
+                "or \"day.gif\", found " +
+                inQuotes(output.string()));
 }
 
 FrameNames::FrameNames(const std::filesystem::path& pattern) : my_folder(pattern.parent_path()) {
@@ -26,8 +27,8 @@ FrameNames::FrameNames(const std::filesystem::path& pattern) : my_folder(pattern
     const std::size_t end = name.find_first_not_of('#', first);
     if (first == std::string::npos || name.find('#', end) != std::string::npos)
         throw Error("the names of a sequence's pictures have one place for the number, written as # "
-                    "characters, such as \"day_####.png\"; found \"" +
-                    name + "\"");
+                    "characters, such as \"day_####.png\"; found " +
+                    inQuotes(name));
     my_before = name.substr(0, first);
     my_after = name.substr(std::min(end, name.size()));
     my_digits = static_cast<int>(std::min(end, name.size()) - first);

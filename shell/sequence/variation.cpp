@@ -1,5 +1,6 @@
 #include "shell/sequence/variation.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/scene.hpp"
 #include "shell/scene/value_kind.hpp"
@@ -55,10 +56,10 @@ bool readEnds(Variation& variation, const std::string& text) {
 void validateEnd(const std::string& name, const Qelt::VParameter& parameter, const std::string& text) {
     const std::vector<double> numbers = numbersIn(text);
     if (numbers.empty() || !parameter.DefaultValue().clone()->setValueFromText(text))
-        throw Error("cannot vary \"" + name + "\": it takes " + valueForm(parameter.type()) + ", found \"" +
-                    text + "\"");
+        throw Error("cannot vary " + inQuotes(name) + ": it takes " + valueForm(parameter.type()) +
+                    ", found " + inQuotes(text));
     if (!std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); }))
-        throw Error("cannot vary \"" + name + "\": it takes finite numbers, found \"" + text + "\"");
+        throw Error("cannot vary " + inQuotes(name) + ": it takes finite numbers, found " + inQuotes(text));
 }
 
 // The lengths of vectors, which are squared on the way, are within a long double's range whatever they are.
@@ -117,8 +118,8 @@ Variation parseVariation(const std::string& text) {
     const std::size_t dot = text.rfind('.', equals);
     if (equals == std::string::npos || dot == std::string::npos || dot == 0 || dot + 1 == equals ||
         !readEnds(variation, text.substr(equals + 1)))
-        throw Error("a variation is NAME.PARAM=FROM:TO such as \"sun.timeofday=6:18\", found \"" + text +
-                    "\"");
+        throw Error("a variation is NAME.PARAM=FROM:TO such as \"sun.timeofday=6:18\", found " +
+                    inQuotes(text));
     variation.object = text.substr(0, dot);
     variation.parameter = text.substr(dot + 1, equals - dot - 1);
     return variation;
@@ -132,7 +133,7 @@ Variation sunTime(const Scene& scene, const std::string& hours) {
         throw Error("the time of the sun cannot be varied: the scene has no Sun; add one");
     Variation variation{(*sun)->Name(), sun_parameter, "", ""};
     if (!readEnds(variation, hours))
-        throw Error("the time of the sun is FROM:TO in hours, such as \"6:18\", found \"" + hours + "\"");
+        throw Error("the time of the sun is FROM:TO in hours, such as \"6:18\", found " + inQuotes(hours));
     return variation;
 }
 
@@ -145,8 +146,8 @@ void validate(const Variation& variation, const Scene& scene, const std::string&
     if (view.empty() && parameter.hasSource()) {
         const Qelt::VParameter* const source = parameter.source();
         const Qelt::VObject* const owner = source ? source->creator() : nullptr;
-        throw Error("cannot vary \"" + name + "\": it follows " +
-                    (owner ? "\"" + owner->Name() + "." + source->Name() + "\"; vary that one"
+        throw Error("cannot vary " + inQuotes(name) + ": it follows " +
+                    (owner ? inQuotes(owner->Name() + "." + source->Name()) + "; vary that one"
                            : std::string("a parameter that is gone; end that first")));
     }
 }

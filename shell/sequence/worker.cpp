@@ -1,5 +1,6 @@
 #include "shell/sequence/worker.hpp"
 
+#include "shell/base/caught_exception.hpp"
 #include "shell/base/child_process.hpp"
 #include "shell/error.hpp"
 #include "shell/render/png.hpp"
@@ -14,7 +15,8 @@
 
 #include <atomic>
 #include <csignal>
-#include <exception>
+#include <sys/prctl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace korl {
@@ -22,6 +24,7 @@ namespace korl {
 namespace {
 
 constexpr int ended_by_request = 128 + SIGTERM;
+constexpr unsigned seconds_to_write = 1; ///< what is being written; a disk that hangs gets no more
 
 /// Read and written by the handler, which may run in any thread.
 std::atomic<bool> is_writing{false};
@@ -32,9 +35,10 @@ void onTerminate(int) {
     is_to_end = true;
     if (!is_writing)
         ::_exit(ended_by_request); // nothing that is drawn is worth waiting for
+    ::alarm(seconds_to_write);     // which ends the process
 }
 
-/// While one lives, a SIGTERM waits: no frame is left half written, and no temporary file stays.
+/// While one lives, a SIGTERM waits for a moment: no frame is left half written, and no temporary file stays.
 class WritingFile {
 public:
     WritingFile() { is_writing = true; }
@@ -47,15 +51,15 @@ public:
     WritingFile& operator=(const WritingFile&) = delete;
 };
 
-/// What the exception that is being handled says. A module's own must be asked while the module is loaded.
-std::string textOfException() {
-    try {
-        throw;
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "a module threw something that is no exception; it has to be mended by its maker";
-    }
+/// Has the system kill this process when the one at the socket's other end goes, whatever either does then.
+void endWithParent(int socket) {
+    ucred parent{};
+    socklen_t size = sizeof parent;
+    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &parent, &size) != 0)
+        return; // no worker of anybody's; it is told when there is nothing to read
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent.pid)
+        ::_exit(ended_by_request); // it has gone before
 }
 
 void makeFrame(Shell& shell, const FrameRequest& request, const WorkerJob& job) {
@@ -93,7 +97,7 @@ void makeFrames(Shell& shell, const WorkerJob& job, const MessageSocket& socket)
             makeFrame(shell, request, job);
             socket.send({done_word});
         } catch (...) {
-            socket.send({failed_word, textOfException()});
+            socket.send({failed_word, textOfCaughtException()});
         }
     }
 }
@@ -101,6 +105,7 @@ void makeFrames(Shell& shell, const WorkerJob& job, const MessageSocket& socket)
 } // namespace
 
 void runSequenceWorker(int descriptor) {
+    endWithParent(descriptor);
     std::signal(SIGTERM, onTerminate);
     const MessageSocket socket(descriptor);
     const auto message = socket.receive();
@@ -112,7 +117,7 @@ void runSequenceWorker(int descriptor) {
         setUp(shell, job, socket);
         makeFrames(shell, job, socket);
     } catch (...) {
-        socket.send({failed_word, textOfException()});
+        socket.send({failed_word, textOfCaughtException()});
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <iterator>
 #include <poll.h>
@@ -31,6 +32,15 @@ WorkerPool::WorkerPool(Settings settings, WorkerJob job, std::vector<FrameReques
     : my_settings(std::move(settings)), my_job(std::move(job)) {
     for (FrameRequest& frame : frames)
         my_waiting.push_back({std::move(frame)});
+}
+
+WorkerPool::~WorkerPool() {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + ChildProcess::grace; // for all of them together
+    for (Worker& worker : my_workers)
+        worker.process.terminate();
+    for (Worker& worker : my_workers)
+        worker.process.end(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
 }
 
 std::map<int, std::string> WorkerPool::run() {
@@ -90,11 +100,11 @@ void WorkerPool::waitForMessages() {
 bool WorkerPool::hear(Worker& worker) {
     const auto message = worker.socket.receive();
     if (!message || message->empty()) {
-        const std::string end = "its worker ended with " + endText(worker.process.wait());
+        const std::string end = endText(worker.process.wait());
         if (!worker.is_ready)
-            throw Error("the frames cannot be made: a worker ended before it had the scene, with " + end);
+            throw Error("the frames cannot be made: a worker ended with " + end + " before it had the scene");
         if (worker.frame)
-            takeFailure(worker, end);
+            takeFailure(worker, "its worker ended with " + end);
         return false;
     }
     const std::string& word = message->front();

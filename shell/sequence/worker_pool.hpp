@@ -31,6 +31,10 @@ public:
     };
 
     WorkerPool(Settings settings, WorkerJob job, std::vector<FrameRequest> frames);
+    /// Ends the workers that still run, whatever they do.
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
 
     /// Makes all frames. One that fails, by an error or by its worker's end, is tried once more.
     /// @returns the reasons of the frames that failed twice, by their numbers.

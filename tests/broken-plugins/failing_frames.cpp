@@ -7,8 +7,10 @@
 #include <sorvik/value_pool.hpp>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -16,15 +18,29 @@
 namespace {
 
 /// What "mood" tells.
-constexpr double good = 0, throwing = 1, deadly = 2, deadly_once = 3, slow = 4;
+constexpr double good = 0, throwing = 1, deadly = 2, deadly_once = 3, slow = 4, greedy = 5, stuck = 6;
 
-/// @returns whether it is the first in this test to ask; the test names a file that isn't there yet.
+/// @returns whether it is the first in this test to ask; the test names a file that isn't there yet, and gets
+/// the number of this process in it.
 bool isFirst() {
     const char* const marker = std::getenv("KORL_TEST_MARKER");
     const int file = marker ? ::open(marker, O_WRONLY | O_CREAT | O_EXCL, 0600) : -1;
-    if (file >= 0)
+    if (file >= 0) {
+        ::dprintf(file, "%d", ::getpid());
         ::close(file);
+    }
     return file >= 0;
+}
+
+/// Waits for ever once the pipe is full; SIGTERM is no reason to give up.
+void writeToPipe() {
+    static const int end = [] {
+        std::signal(SIGTERM, SIG_IGN);
+        int ends[2];
+        return ::pipe(ends) == 0 ? ends[1] : -1;
+    }();
+    const char bytes[4096] = {};
+    static_cast<void>(::write(end, bytes, sizeof bytes));
 }
 
 struct Moody : Qelt::RenderAble {
@@ -43,6 +59,11 @@ struct Moody : Qelt::RenderAble {
             throw std::runtime_error("in no mood for it");
         if (value == deadly || (value == deadly_once && isFirst()))
             std::raise(SIGKILL);
+        if (value == greedy)
+            throw std::bad_alloc();
+        if (value == stuck && isFirst()) // in a write that nobody reads, for ever
+            while (true)
+                writeToPipe();
         if (value == slow)
             ::usleep(200'000);
         return true;

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <string>
 #include <sys/wait.h>
@@ -29,9 +31,9 @@ protected:
         return runProgram(KORL_PROGRAM, words(arguments, output), environment);
     }
 
-    /// The same, sent a signal as soon as a file is there. @returns what `waitpid` tells of its end.
-    int animateUntil(const std::string& file, int signal, const Words& arguments,
-                     const std::string& output = "f_##.png") const {
+    /// The same, which goes on beside the test.
+    /// @param errors a descriptor for its standard error; -1 for the test's own.
+    pid_t start(const Words& arguments, const std::string& output = "f_##.png", int errors = -1) const {
         Words all = words(arguments, output);
         std::vector<char*> pointers{const_cast<char*>(KORL_PROGRAM)};
         for (std::string& word : all)
@@ -40,16 +42,41 @@ protected:
         const pid_t child = ::fork();
         if (child == 0) {
             ::unsetenv("KORL_PLUGIN_PATH");
+            for (const auto& [name, value] : environment)
+                ::setenv(name.c_str(), value.c_str(), 1);
+            if (errors >= 0)
+                ::dup2(errors, STDERR_FILENO);
             ::execv(KORL_PROGRAM, pointers.data());
             ::_exit(127);
         }
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!std::filesystem::exists(folder / file) && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return child;
+    }
+
+    /// The same, sent a signal as soon as a file is there. @returns what `waitpid` tells of its end.
+    int animateUntil(const std::string& file, int signal, const Words& arguments) const {
+        const pid_t child = start(arguments);
+        waitUntil([&] { return std::filesystem::exists(folder / file); });
         ::kill(child, signal);
         int status = 0;
         ::waitpid(child, &status, 0);
         return status;
+    }
+
+    /// Waits until something holds, but not for ever. @returns whether it does.
+    static bool waitUntil(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!condition() && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return condition();
+    }
+
+    /// Whether a process has ended, waited for or not.
+    static bool hasEnded(pid_t process) {
+        std::ifstream stream("/proc/" + std::to_string(process) + "/stat");
+        std::string text;
+        std::getline(stream, text);
+        const std::size_t bracket = text.rfind(')');
+        return bracket == std::string::npos || text[bracket + 2] == 'Z';
     }
 
     /// The names of the files in the test's folder, hidden ones too, in order.

@@ -33,6 +33,15 @@ protected:
         return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
     }
 
+    /// Puts a script in front of ffmpeg.
+    void useFfmpeg(const std::string& script) {
+        std::filesystem::create_directories(folder / "bin");
+        const auto program = folder.write("bin/ffmpeg", "#!/bin/sh\n" + script);
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        const std::string path = std::getenv("PATH");
+        environment = {{"PATH", (folder / "bin").string() + ":" + path}};
+    }
+
     const Words colors{"--light",  "AmbientLight:a", "--vary",   "a.Color=0.9 0.1 0.2 1:0.1 0.3 0.8 1",
                        "--camera", "0 0 0.3",        "--target", "0 0 0",
                        "--up",     "0 1 0",          "--frames", "3"};
@@ -84,16 +93,15 @@ TEST_F(FilmGLTest, AGifIsRepeatedForEver) {
 }
 
 TEST_F(FilmGLTest, FramesOfAFilmThatFailedAreKeptForTheNextTry) {
-    std::filesystem::create_directory(folder / "bin");
-    const auto program = folder.write("bin/ffmpeg", "#!/bin/sh\necho no film today >&2\nexit 3\n");
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    useFfmpeg("echo no film today >&2\nexit 3\n");
     folder.write("f.mp4", "an old film");
-    const std::string path = std::getenv("PATH");
-    environment = {{"PATH", (folder / "bin").string() + ":" + path}};
     const ProgramResult failed = animate(joined(colors, {"--quiet"}), "f.mp4");
     EXPECT_EQ(failed.exit_code, 1);
-    EXPECT_EQ(failed.errors, "korl: cannot make the film " + (folder / "f.mp4").string() +
-                                 ": ffmpeg ended with exit code 3 and said:\nno film today\n");
+    EXPECT_EQ(failed.errors,
+              "korl: cannot make the film " + (folder / "f.mp4").string() +
+                  ": ffmpeg ended with exit code 3 and said:\nno film today\nThe frames stay in " +
+                  (folder / "f.mp4.frames").string() +
+                  ": mend the cause, a full disk perhaps, and resume the sequence.\n");
     EXPECT_EQ(bytes("f.mp4"), "an old film");
     EXPECT_THAT(files("f.mp4.frames"), testing::Contains("frame_000003.png"));
 
@@ -102,6 +110,58 @@ TEST_F(FilmGLTest, FramesOfAFilmThatFailedAreKeptForTheNextTry) {
     EXPECT_THAT(resumed.errors, HasSubstr("3 frames; 3 of them were there already\n"));
     EXPECT_THAT(files(), ElementsAre("bin", "f.mp4"));
     EXPECT_EQ(facts("f.mp4"), "h264,24,16,yuv420p,25/1,3\n");
+}
+
+TEST_F(FilmGLTest, LessThanAFilmIsAnErrorWhateverFfmpegSaysOfIt) {
+    struct Case {
+        std::string script, what;
+    };
+    const std::string real = "/usr/bin/ffmpeg \"$@\"\n";
+    const std::vector<Case> table{
+        {"exit 0\n", "did not write all of it"},
+        {": > film.gif\n", "did not write all of it"},
+        {real + "head -c -1 film.gif > half && mv half film.gif\n", "did not write all of it"},
+        {real + "echo the disk is full >&2\n", "did not write all of it and said:\nthe disk is full"},
+        {real + "for i in 1 2 3 4 5 6 7; do printf 'line %s\\033\\n' $i >&2; done\n",
+         "did not write all of it and said:\nline 3\\x1b\nline 4\\x1b\nline 5\\x1b\nline 6\\x1b\nline "
+         "7\\x1b"},
+        {"kill -9 $$\n", "ended with signal 9 (Killed)"},
+    };
+    folder.write("f.gif", "an old film");
+    for (const auto& [script, what] : table) {
+        useFfmpeg(script);
+        const ProgramResult result = animate(joined(colors, {"--quiet", "--resume"}), "f.gif");
+        EXPECT_EQ(result.exit_code, 1);
+        EXPECT_EQ(result.errors, "korl: cannot make the film " + (folder / "f.gif").string() + ": ffmpeg " +
+                                     what + "\nThe frames stay in " + (folder / "f.gif.frames").string() +
+                                     ": mend the cause, a full disk perhaps, and resume the sequence.\n");
+        EXPECT_EQ(bytes("f.gif"), "an old film");
+        EXPECT_THAT(files("f.gif.frames"), testing::Contains("frame_000003.png"));
+        EXPECT_THAT(files("f.gif.frames"), testing::Not(testing::Contains("film.gif")));
+    }
+}
+
+TEST_F(FilmGLTest, AFilmThatMayNotGrowIsAnError) {
+    // As on a full disk: the write fails. The files of a shell's limit have blocks of 512 bytes.
+    size = "120x80";
+    useFfmpeg("ulimit -f 1; trap '' XFSZ; exec /usr/bin/ffmpeg \"$@\"\n");
+    for (const std::string film : {"f.gif", "f.mp4"}) {
+        const ProgramResult result = animate(joined(sun, {"--sun-time", "6:18", "--frames", "3"}), film);
+        EXPECT_EQ(result.exit_code, 1);
+        EXPECT_THAT(result.errors, HasSubstr("File too large"));
+        EXPECT_THAT(files(film + ".frames"), testing::Contains("frame_000003.png"));
+        EXPECT_FALSE(std::filesystem::exists(folder / film));
+    }
+}
+
+TEST_F(FilmGLTest, ALinkToAFilmStays) {
+    std::filesystem::create_directory(folder / "elsewhere");
+    folder.write("elsewhere/old.gif", "an old film");
+    std::filesystem::create_symlink("elsewhere/old.gif", folder / "f.gif");
+    ASSERT_EQ(animate(colors, "f.gif").exit_code, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "f.gif"));
+    EXPECT_EQ(facts("elsewhere/old.gif"), "gif,24,16,bgra,25/1,3\n");
+    EXPECT_THAT(files("elsewhere"), ElementsAre("old.gif"));
 }
 
 TEST_F(FilmGLTest, FilesOfOthersBesideTheFramesStay) {

@@ -1,0 +1,80 @@
+#include "shell/sequence/temporary_folder.hpp"
+
+#include "shell/error.hpp"
+#include "tests/support/temporary_folder.hpp"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace korl {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Lets temporary files go to a folder of the test's own.
+class SequenceFolderTest : public testing::Test {
+protected:
+    SequenceFolderTest() {
+        if (const char* const former = std::getenv("TMPDIR"))
+            my_former = former;
+        ::setenv("TMPDIR", place.path().c_str(), 1);
+    }
+    ~SequenceFolderTest() override {
+        if (my_former)
+            ::setenv("TMPDIR", my_former->c_str(), 1);
+        else
+            ::unsetenv("TMPDIR");
+    }
+
+    static std::string failure() {
+        try {
+            const TemporaryFolder folder;
+        } catch (const Error& error) {
+            return error.what();
+        }
+        return "";
+    }
+
+    const test::TemporaryFolder place;
+
+private:
+    std::optional<std::string> my_former;
+};
+
+TEST_F(SequenceFolderTest, GoesWithItsContent) {
+    {
+        const TemporaryFolder folder;
+        EXPECT_EQ(folder.path().parent_path(), place.path());
+        test::writeBytes(folder.path() / "file", "text");
+    }
+    EXPECT_TRUE(fs::is_empty(place.path()));
+}
+
+TEST_F(SequenceFolderTest, SweepsThoseOfKilledProcessesAndNoOthers) {
+    fs::create_directories(place / "korl-sequence-killed/more");
+    place.write("korl-sequence-killed/more/file", "text");
+    fs::create_directory(place / "korl-other");
+    const TemporaryFolder of_the_living;
+    const TemporaryFolder folder;
+    EXPECT_FALSE(fs::exists(place / "korl-sequence-killed"));
+    EXPECT_TRUE(fs::exists(of_the_living.path()));
+    EXPECT_TRUE(fs::exists(place / "korl-other"));
+}
+
+TEST_F(SequenceFolderTest, SaysWhatToDoWhereThereIsNoPlace) {
+    const std::string remedy = "\nLet the variable TMPDIR name a folder that can be written to.";
+    const std::string nowhere = (place / "nowhere").string();
+    ::setenv("TMPDIR", nowhere.c_str(), 1);
+    EXPECT_EQ(failure(),
+              "no temporary folder can be made in " + nowhere + ": No such file or directory" + remedy);
+    const std::string file = place.write("file", "");
+    ::setenv("TMPDIR", file.c_str(), 1);
+    EXPECT_EQ(failure(), "no temporary folder can be made in " + file + ": Not a directory" + remedy);
+    ::setenv("TMPDIR", "/proc", 1); // where nobody can make a folder, not even root
+    EXPECT_THAT(failure(), testing::StartsWith("no temporary folder can be made in /proc: "));
+}
+
+} // namespace
+} // namespace korl
