@@ -1,3 +1,4 @@
+#include "shell/base/printable.hpp"
 #include "shell/cli/program.hpp"
 
 #include "shell/scene/type_info.hpp"
@@ -18,8 +19,8 @@ std::string rangeOf(const ParameterInfo& parameter) {
 void describeType(Shell& shell, const std::string& type) {
     const Qelt::VObject& sample = shell.scene().create(type);
     const std::string help = sample.help();
-    std::printf("%s (%s)%s%s\n\n", type.c_str(), sample.type_key().c_str(), help.empty() ? "" : ": ",
-                help.c_str());
+    print(printable(type + " (" + sample.type_key() + ")") + (help.empty() ? "" : ": ") +
+          printableLines(help) + "\n\n");
     std::vector<std::vector<std::string>> rows{{"PARAMETER", "TYPE", "DEFAULT", "RANGE", "LEVEL"}};
     for (const ParameterInfo& parameter : parametersOf(sample))
         rows.push_back({parameter.name, parameter.kind, parameter.default_text, rangeOf(parameter),

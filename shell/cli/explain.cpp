@@ -40,7 +40,7 @@ void explainScene(Shell& shell, const ExplainOptions& options, const ExplainSett
     scene.no_default_light = true; // it is the scene itself that is explained
     fillScene(scene, static_cast<double>(settings.width) / settings.height, shell.scene());
     const Explanation explanation = explain(shell, settings);
-    std::fputs((options.json ? toJson(explanation) : toText(explanation)).c_str(), stdout);
+    print(options.json ? toJson(explanation) : toText(explanation));
 }
 
 } // namespace

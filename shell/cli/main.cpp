@@ -1,15 +1,14 @@
+#include "shell/base/printable.hpp"
 #include "shell/cli/program.hpp"
 #include "shell/cli/python.hpp"
 
+#include "shell/base/caught_exception.hpp"
 #include "shell/base/module_call.hpp"
+#include "shell/base/standard_streams.hpp"
 #include "shell/scene/near_names.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstring>
-#include <exception>
 
 namespace {
 
@@ -30,7 +29,7 @@ std::string problemOf(const CLI::App& app, const CLI::Error& error) {
                                    [](const std::string& left) { return !left.starts_with('-'); });
     if (!app.get_subcommands().empty() || word == not_understood.end())
         return error.what();
-    return "unknown command \"" + *word + "\": " + korl::nearNames(*word, commandsOf(app), "");
+    return "unknown command " + korl::inQuotes(*word) + ": " + korl::nearNames(*word, commandsOf(app), "");
 }
 
 /// The names of the commands, as a sentence lists them.
@@ -46,7 +45,10 @@ std::string sentenceOf(const std::vector<std::string>& names) {
 int main(int argument_count, char** arguments) {
     using namespace korl::cli;
 
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error like any other, with its message
+    korl::openStandardStreams();
+    // A reader that goes away and a file that may not grow are errors like any other, with their message.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     korl::reportSignalsOfModules();
     CLI::App app("Lights scenes and renders them with OpenGL.", "korl");
     app.set_version_flag("--version", "korl " KORL_VERSION);
@@ -85,8 +87,7 @@ int main(int argument_count, char** arguments) {
         if (!program.command)
             throw UsageError("no command was given; there are " + sentenceOf(commandsOf(app)));
         program.command();
-        if (std::fflush(stdout) != 0)
-            throw korl::Error(std::string("cannot write to standard output: ") + std::strerror(errno));
+        finishAnswer();
         return done;
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error);
@@ -94,8 +95,8 @@ int main(int argument_count, char** arguments) {
     } catch (const UsageError& error) {
         note(std::string(error.what()) + "\nRun with --help for more information.");
         return wrong_usage;
-    } catch (const std::exception& error) {
-        note(error.what());
+    } catch (...) {
+        note(korl::textOfCaughtException());
         return failed;
     }
 }

@@ -30,9 +30,14 @@ void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size
     Qelt::Vprintf(1, "renderer: %s, OpenGL %s, %s\n", info.renderer.c_str(), info.version.c_str(),
                   info.how.c_str());
     const Image image = shell.render({width, height, renderPaths().at(options.path)}, options.view);
+    std::string uniforms;
     if (options.uniforms)
         for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view(options.view)))
-            std::printf("%s\n", line.c_str());
+            uniforms += line + "\n";
+    if (output.isStandardOutput())
+        std::fputs(uniforms.c_str(), stderr);
+    else
+        print(uniforms);
     output.write(image);
     if (!output.isStandardOutput())
         note("wrote " + options.output + ", " + std::to_string(image.width) + "x" +
@@ -56,8 +61,7 @@ void addRenderCommand(CLI::App& app, Program& program) {
     command->callback([&program, options] {
         program.command = [&program, options] {
             const auto size = parseSize(options->size);
-            const PictureOutput output(
-                options->output); // sets standard output aside before any module is loaded
+            const PictureOutput output(options->output);
             withShell(program, [&](Shell& shell) { render(shell, *options, size, output); });
         };
     });

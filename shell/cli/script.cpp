@@ -16,7 +16,7 @@ void addScriptCommand(CLI::App& app, Program& program) {
             withShell(program, [&](Shell& shell) {
                 constexpr double aspect = 4.0 / 3; // of the picture that the script makes
                 fillScene(*options, aspect, shell.scene(), ScenePurpose::keep);
-                std::fputs(sceneScript(shell.scene(), program.plugins).c_str(), stdout);
+                print(sceneScript(shell.scene(), program.plugins));
             });
         };
     });

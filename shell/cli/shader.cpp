@@ -20,11 +20,11 @@ void printShader(Shell& shell, const ShaderOptions& options) {
         // Some lights write their uniforms while they set up their fixed-function light: that takes a
         // renderer, and a context.
         for (const std::string& line : shell.renderer().listUniforms(shell.scene(), shell.view()))
-            std::printf("%s\n", line.c_str());
+            print(line + "\n");
         return;
     }
     const Frame frame(shell.view(), shell.scene(), 0);
-    std::fputs(assembleFrame(shell.view()).fragment.c_str(), stdout);
+    print(assembleFrame(shell.view()).fragment);
 }
 
 } // namespace

@@ -43,13 +43,13 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
             return {path, {}};
         QFile file(QString::fromStdString(path));
         if (!file.open(QIODevice::ReadOnly))
-            throw Error("its icon " + path + " is not in the module's resources");
+            throw Error("its icon " + printable(path) + " is not in the module's resources");
         const QByteArray bytes = file.readAll();
         const std::vector<std::uint8_t> png(bytes.begin(), bytes.end());
         try {
             decodePng(png);
         } catch (const Error& error) {
-            throw Error("its icon " + path + " cannot be used: " + error.what());
+            throw Error("its icon " + printable(path) + " cannot be used: " + error.what());
         }
         return {path, png};
     }
@@ -64,7 +64,7 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
 /// The icon of what a creator makes. What is wrong with it is told with the type's name, and nothing is
 /// returned.
 std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
-    const std::string type = "type \"" + printable(typeName(creator)) + "\": ";
+    const std::string type = "type " + inQuotes(typeName(creator)) + ": ";
     try {
         if (with_file && creator.Name().find('/') != std::string::npos)
             throw Error("a name with \"/\" cannot be that of its icon's file");

@@ -3,8 +3,10 @@
 // Python files make attributes and types of them. Each call lets go of the interpreter while it waits for its
 // turn and while it works.
 
+#include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
+#include "shell/base/standard_streams.hpp"
 #include "shell/plugins/plugin_search_path.hpp"
 #include "shell/render/png.hpp"
 #include "shell/scene/file_output.hpp"
@@ -46,10 +48,8 @@ py::bytes encode(const py::array_t<std::uint8_t, py::array::c_style>& pixels,
 /// Each kind of error as the exception of its kind in korl/_errors.py.
 void translateError(std::exception_ptr thrown) {
     const auto raise = [](const char* type, const std::exception& error) {
-        const std::string_view text = error.what(); // with bytes of a file's name that may be no text
-        const auto shown = py::reinterpret_steal<py::object>(
-            PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "backslashreplace"));
-        PyErr_SetObject(py::module_::import("korl._errors").attr(type).ptr(), shown.ptr());
+        const std::string text = printableLines(error.what()); // which may quote bytes that are no text
+        PyErr_SetString(py::module_::import("korl._errors").attr(type).ptr(), text.c_str());
     };
     try {
         std::rethrow_exception(thrown);
@@ -81,6 +81,7 @@ PYBIND11_MODULE(_korl, module) {
     using namespace korl;
     using namespace korl::python;
     homeFolder(); // while the path of this library still leads to it
+    openStandardStreams();
     py::register_exception_translator(translateError);
     py::enum_<RenderPath>(module, "RenderPath")
         .value("shader", RenderPath::shader)

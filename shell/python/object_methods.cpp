@@ -1,3 +1,4 @@
+#include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
 #include "shell/scene/aiming.hpp"
@@ -33,7 +34,7 @@ Handle handleOf(const Qelt::VObject& object) {
 const std::string& living(const Scene& scene, const Handle& handle) {
     const Qelt::VObject* const found = scene.find(handle.name);
     if (!found || found->number() != handle.number)
-        throw Error("the object \"" + handle.name + "\" has been deleted");
+        throw Error("the object " + inQuotes(handle.name) + " has been deleted");
     return handle.name;
 }
 

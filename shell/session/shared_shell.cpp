@@ -1,5 +1,7 @@
 #include "shell/session/shared_shell.hpp"
 
+#include "shell/base/printable.hpp"
+
 #include <atomic>
 #include <set>
 #include <unistd.h>
@@ -60,7 +62,8 @@ SharedShell::SharedShell(const std::vector<std::filesystem::path>& plugins,
     const auto turn = lockForWork();
     if (has_ended)
         throw ClosedShell("a shell cannot be made any more, since the program is ending");
-    auto shell = std::make_unique<Shell>([this](const std::string& report) { my_reports.push_back(report); });
+    auto shell = std::make_unique<Shell>(
+        [this](const std::string& report) { my_reports.push_back(printableLines(report)); });
     shell->load(plugins, directories);
     openShells().insert(this);
     my_shell = std::move(shell);

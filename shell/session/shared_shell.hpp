@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/base/caught_exception.hpp"
 #include "shell/error.hpp"
 #include "shell/session/shell.hpp"
 
@@ -54,10 +55,8 @@ public:
             return work(turn.shell());
         } catch (const Error&) {
             throw; // the shell's own
-        } catch (const std::exception& error) {
-            throw Error(error.what());
         } catch (...) {
-            throw Error("a module threw something that is no exception; it has to be mended by its maker");
+            throw Error(textOfCaughtException());
         }
     }
 

@@ -141,12 +141,13 @@ TEST(KorlProgram, ShaderHoldsTheSnippetByteForByte) {
 }
 
 TEST(KorlProgram, TracesAtTheVerbosityAskedFor) {
-    const auto output = [](const std::string& level) {
-        return runProgram(KORL_PROGRAM, {"shader", "--verbose", level, "--light", "AmbientLight:a"}).output;
+    // On standard error: standard output is for the shader.
+    const auto errors = [](const std::string& level) {
+        return runProgram(KORL_PROGRAM, {"shader", "--verbose", level, "--light", "AmbientLight:a"}).errors;
     };
-    EXPECT_THAT(output("100"), HasSubstr("VCreator::VCreator(Scenery/AmbientLight,0)\n"
+    EXPECT_THAT(errors("100"), HasSubstr("VCreator::VCreator(Scenery/AmbientLight,0)\n"
                                          "VCreator::create(a)\nVCreator::create(a) got derived object\n"));
-    EXPECT_THAT(output("99"), testing::Not(HasSubstr("VCreator")));
+    EXPECT_THAT(errors("99"), testing::Not(HasSubstr("VCreator")));
 }
 
 TEST(KorlProgram, NamedPluginGoesBeforeTheSearchPath) {
@@ -262,7 +263,7 @@ TEST_F(KorlProgramGLTest, PictureOnStandardOutputIsAllThatGoesThere) {
 }
 
 TEST_F(KorlProgramGLTest, VerboseSaysWhichRendererItIs) {
-    EXPECT_THAT(render({"--size", "8x8", "--verbose", "1", "--light", "AmbientLight"}).output,
+    EXPECT_THAT(render({"--size", "8x8", "--verbose", "1", "--light", "AmbientLight"}).errors,
                 HasSubstr("renderer: "));
 }
 

@@ -28,6 +28,12 @@ class RefusalTest(unittest.TestCase):
             self.assertIsInstance(caught.exception, korl.Error)
             self.assertEqual(str(caught.exception), text)
 
+    def test_control_characters_of_names_are_escaped(self):
+        self.shell.create("Sun", "a\x1b[31m\nb\x9b\x7f")
+        with self.assertRaises(korl.Error) as caught:
+            self.shell.solo("no\nlight")
+        self.assertEqual(str(caught.exception), 'unknown object "no\\nlight": there are: sun, light, a\\x1b[31m\\nb\\u009b\\x7f.')
+
     def test_arguments_of_the_wrong_kind_or_range(self):
         shell, image = self.shell, korl.Image(np.zeros((2, 2, 4), np.uint8))
         pair, two, most = "pixel takes a pair of whole numbers (x, y)", "pixel takes two whole numbers (x, y)", 2**31 - 1

@@ -1,6 +1,8 @@
 """Scene files, rigs, scripts, sequences and explanations, as Python calls them."""
 
 import os
+import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
@@ -92,6 +94,31 @@ class WorkTest(unittest.TestCase):
         for vary, kind in [({"the sun.timeofdya": (1, 2)}, KeyError), ({"the sun.timeofday": 3}, TypeError), ({3: (1, 2)}, TypeError)]:
             with self.assertRaises(kind):
                 self.shell.animate(self.folder / "c_#.png", vary)
+
+    def test_one_process_makes_a_sequence_at_a_time(self):
+        program = "import korl, sys; korl.Shell().animate(sys.argv[1], frames=1, width=8, height=8)"
+        told = []
+
+        def run_another(done, frames):
+            if not told:
+                other = subprocess.run([sys.executable, "-c", program, self.folder / "a_#.png"], capture_output=True, text=True)
+                told.append((other.returncode, other.stderr.splitlines()[-1]))
+
+        self.shell.animate(self.folder / "a_#.png", sun_time=(6, 18), frames=1, width=8, height=8, progress=run_another)
+        code, text = told[0]
+        self.assertEqual(code, 1)
+        self.assertRegex(text, rf"Error: cannot make .*a_#\.png: it is being made by process {os.getpid()} on .+ since .+; wait for its end")
+
+    def test_a_sequence_is_made_with_closed_standard_streams(self):
+        program = (
+            "import korl, sys; shell = korl.Shell(); shell.create('Sun', 'sun');"
+            "shell.animate(sys.argv[1], sun_time=(6, 18), frames=2, width=8, height=8)"
+        )
+        for closed in ["<&-", "2>&-", "<&- >&- 2>&-"]:
+            command = f'exec "$0" -c "$1" "$2" {closed}'
+            done = subprocess.run(["/bin/sh", "-c", command, sys.executable, program, self.folder / "a_#.png"], timeout=300)
+            self.assertEqual(done.returncode, 0, closed)
+            self.assertEqual(sorted(file.name for file in self.folder.iterdir()), ["a_1.png", "a_2.png"])
 
     def test_an_explanation_names_the_cause(self):
         self.shell.solo("torch")
