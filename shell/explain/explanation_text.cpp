@@ -1,5 +1,6 @@
 #include "shell/explain/explanation_text.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/explain/number_text.hpp"
 
 #include <nlohmann/json.hpp>
@@ -31,14 +32,14 @@ std::string pixelText(const PixelExplanation& pixel) {
                        std::to_string(pixel.color[2]) + " of 255\n";
     if (!pixel.surface)
         return text + "  shows the background\n";
-    return text + "  shows the mesh \"" + pixel.mesh + "\" at " + numberText(pixel.surface->position) +
+    return text + "  shows the mesh " + inQuotes(pixel.mesh) + " at " + numberText(pixel.surface->position) +
            ", normal " + numberText(pixel.surface->normal) + ", own colour " +
            numberText(pixel.surface->color) + "\n  all lights together give it " + numberText(pixel.sum) +
            "\n";
 }
 
 std::string lightText(const LightExplanation& light) {
-    std::string text = "  " + light.name + " (" + light.type + ")\n";
+    std::string text = "  " + printable(light.name + " (" + light.type + ")") + "\n";
     for (const Finding& finding : light.findings)
         text +=
             "    " + std::string(finding.is_cause ? "" : "note: ") + indented(finding.text, "      ") + "\n";
@@ -111,11 +112,11 @@ std::string toText(const Explanation& explanation) {
         text += lightText(light);
     text += "\nScene, " + std::to_string(explanation.width) + "x" + std::to_string(explanation.height) +
             " pixels on the " + (explanation.path == RenderPath::fixed ? "fixed-function" : "shader") +
-            " path" + (explanation.view.empty() ? "" : ", in the view \"" + explanation.view + "\"") +
+            " path" + (explanation.view.empty() ? "" : ", in the view " + inQuotes(explanation.view)) +
             "\n  " + numberText(100 * explanation.coverage) + " % of the picture shows a mesh\n";
     for (const Finding& finding : explanation.scene)
         text += "  " + std::string(finding.is_cause ? "" : "note: ") + finding.text + "\n";
-    return text;
+    return printableLines(text);
 }
 
 std::string toJson(const Explanation& explanation) {

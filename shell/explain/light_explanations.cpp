@@ -1,5 +1,6 @@
 #include "shell/explain/light_explanations.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/explain/opengl_light.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_check.hpp"
@@ -20,10 +21,6 @@ namespace korl {
 namespace {
 
 using Outcome = FixedLightPlace::Outcome;
-
-std::string quoted(const std::string& name) {
-    return '"' + name + '"';
-}
 
 /// What OpenGL holds of each object of the frame.
 struct FixedLights {
@@ -74,7 +71,7 @@ void addOpenGLLight(LightExplanation& light, const FixedLightPlace& place, const
         std::string holders;
         for (const FixedLightPlace& other : fixed.places)
             if (other.number > 0)
-                holders += (holders.empty() ? "" : ", ") + quoted(other.object->Name());
+                holders += (holders.empty() ? "" : ", ") + inQuotes(other.object->Name());
         light.opengl_light = "holds no OpenGL light: all are held by " + holders;
         light.findings.push_back({FindingKind::left_out,
                                   "is left out on the fixed-function path: all of OpenGL's lights are held "
@@ -91,7 +88,7 @@ void nameBadUniforms(LightExplanation& light, const Qelt::RenderNamespace::Light
     std::string names;
     for (const auto& [name, value] : source.uniforms())
         if (!isFinite(value))
-            names += (names.empty() ? "" : ", ") + quoted(name) + " (" + uniformText(value) + ")";
+            names += (names.empty() ? "" : ", ") + inQuotes(name) + " (" + uniformText(value) + ")";
     for (Finding& finding : light.findings)
         if (finding.kind == FindingKind::not_finite && !names.empty())
             finding.text += "; not finite is its uniform " + names + ": check its parameters";
@@ -120,7 +117,7 @@ void nameZeroParameters(LightExplanation& light, const Qelt::VObject& object, Qe
         const std::string kind = valueKind(parameter->type());
         const Qelt::VValueBase* const value = parameter->getLocalValue(pool);
         if (value && isZero(value->Text(), kind) && !isZero(parameter->DefaultValue().Text(), kind))
-            names += (names.empty() ? "" : ", ") + quoted(parameter->Name());
+            names += (names.empty() ? "" : ", ") + inQuotes(parameter->Name());
     }
     for (Finding& finding : light.findings)
         if (finding.kind == FindingKind::zero_intensity && !names.empty())
@@ -157,7 +154,7 @@ void addDisabled(LightExplanation& light, const Scene& scene, const Qelt::VObjec
     light.opengl_light = "holds no OpenGL light: it takes no part in the picture";
     if (const Qelt::VObject* const solo = scene.soloLight(); solo && solo != &object)
         light.findings.push_back(
-            {FindingKind::silenced, "is silenced, since " + quoted(solo->Name()) + " shines alone"});
+            {FindingKind::silenced, "is silenced, since " + inQuotes(solo->Name()) + " shines alone"});
     if (scene.isMuted(object))
         light.findings.push_back({FindingKind::muted, "is muted"});
 }

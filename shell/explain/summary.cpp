@@ -1,5 +1,6 @@
 #include "shell/explain/summary.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/explain/number_text.hpp"
 
 #include <algorithm>
@@ -62,17 +63,17 @@ Groups groupsOf(const Explanation& explanation, bool is_about_normals) {
 /// What is said of the lights of a group, such as: the lights "a" and "b" are muted.
 std::string sentenceOf(FindingKind kind, const std::vector<const LightExplanation*>& lights) {
     constexpr std::size_t most_names = 5;
-    const auto quoted = [&](std::size_t i) { return '"' + lights[i]->name + '"'; };
+    const auto nameAt = [&](std::size_t i) { return inQuotes(lights[i]->name); };
     if (lights.size() == 1) {
         const std::string& text = lights.front()->findings.front().text;
         // Of a shader that fails, the driver's many words stay with the light.
         const std::size_t end = kind == FindingKind::shader_failed ? text.find(':') : text.find('\n');
-        return "the light " + quoted(0) + " " + text.substr(0, end);
+        return "the light " + nameAt(0) + " " + text.substr(0, end);
     }
-    std::string names = quoted(0);
+    std::string names = nameAt(0);
     const std::size_t named = std::min(lights.size(), most_names);
     for (std::size_t i = 1; i < named; ++i)
-        names += (i + 1 == lights.size() ? " and " : ", ") + quoted(i);
+        names += (i + 1 == lights.size() ? " and " : ", ") + nameAt(i);
     if (lights.size() > named)
         names += " and " + std::to_string(lights.size() - named) + " more";
     return "the lights " + names + " " + wordsOf(kind).plural;

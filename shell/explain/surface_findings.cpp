@@ -1,5 +1,6 @@
 #include "shell/explain/surface_findings.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/explain/number_text.hpp"
 
 #include <algorithm>
@@ -58,8 +59,9 @@ bool hasOneNormalForAll(const Mesh& mesh) {
 }
 
 Finding invertedNormals(const Mesh& mesh, std::size_t averted, std::size_t seen) {
-    const std::string what = "the normals of the mesh \"" + mesh.name + "\" point away from the camera in " +
-                             percent(averted, seen) + " of what is seen of it";
+    const std::string what = "the normals of the mesh " + inQuotes(mesh.name) +
+                             " point away from the camera in " + percent(averted, seen) +
+                             " of what is seen of it";
     return {FindingKind::normals_inverted,
             what + (opposesTriangles(mesh)
                         ? ": they are inverted, against the fronts of its triangles; turn them round"
@@ -91,7 +93,8 @@ std::vector<Finding> findOnSurfaces(SurfaceMap::Meshes meshes, float coverage,
         const bool counts = 2 * seen_of[i] > seen.size(); // most of what is seen is of this mesh
         if (seen_of[i] > 0 && hasOneNormalForAll(mesh))
             findings.push_back({FindingKind::normals_missing,
-                                "the mesh \"" + mesh.name + "\" has no normals of its own: all of them are " +
+                                "the mesh " + inQuotes(mesh.name) +
+                                    " has no normals of its own: all of them are " +
                                     numberText(mesh.normals.front()) +
                                     ", whichever way its triangles face; leave them out, and smooth ones are "
                                     "made",

@@ -1,6 +1,7 @@
 #include "shell/render/fixed_path.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/material.hpp"
 #include "shell/scene/light.hpp"
@@ -102,8 +103,8 @@ std::uint64_t typeOf(const Qelt::RenderAble& object) {
 
 void reportWithoutLight(const Qelt::RenderAble& object, Reports& reports) {
     reports.once(object.number(), "no OpenGL light", [&] {
-        return "light \"" + object.Name() +
-               "\" adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
+        return "light " + inQuotes(object.Name()) +
+               " adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
                "path "
                "shows it";
     });
@@ -145,8 +146,8 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
             glDisable(light);
             my_places.push_back({member.object, Outcome::not_finite, number});
             reports.once(member.object->number(), "OpenGL light not finite", [&] {
-                return "light \"" + member.object->Name() +
-                       "\" adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
+                return "light " + inQuotes(member.object->Name()) +
+                       " adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
                        "check "
                        "its parameters";
             });
@@ -178,7 +179,7 @@ void FixedPath::reportLeftOut(std::span<const FixedLightPlace> uncalled, Reports
     for (const FixedLightPlace& place : uncalled)
         if (place.outcome == FixedLightPlace::Outcome::left_out &&
             reports.isFirst(place.object->number(), "left out") && ++lights <= most_names)
-            names += (names.empty() ? "\"" : ", \"") + place.object->Name() + "\"";
+            names += (names.empty() ? "" : ", ") + inQuotes(place.object->Name());
     if (lights > most_names)
         names += " and " + std::to_string(lights - most_names) + " more";
     if (lights > 0)

@@ -1,5 +1,6 @@
 #include "shell/render/gl_error.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <epoxy/gl.h>
@@ -31,7 +32,7 @@ std::string errorName(GLenum error) {
 
 void requireNoGLError(const char* what, const std::string& name) {
     if (const GLenum error = glGetError(); error != GL_NO_ERROR)
-        throw Error(std::string(what) + " \"" + name + "\" has made OpenGL report " + errorName(error) +
+        throw Error(std::string(what) + " " + inQuotes(name) + " has made OpenGL report " + errorName(error) +
                     (error == GL_OUT_OF_MEMORY ? "; ask for a smaller picture or model"
                                                : "; its module has to be mended"));
 }

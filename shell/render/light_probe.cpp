@@ -1,5 +1,6 @@
 #include "shell/render/light_probe.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/shader_assembly.hpp"
@@ -92,7 +93,7 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     if (samples.empty())
         return samples;
     if (count > mostPoints())
-        throw Error("light \"" + light_name + "\" cannot be evaluated at " + std::to_string(count) +
+        throw Error("light " + inQuotes(light_name) + " cannot be evaluated at " + std::to_string(count) +
                     " points at once: this driver's buffers hold at most " + std::to_string(mostPoints()));
     if (!my_drawing_state)
         my_drawing_state.emplace();
@@ -108,8 +109,8 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     for (const auto& [name, value] : source.uniforms())
         uploadUniform(probe.program.uniformLocation(applySuffix(name, probe.suffix)), value);
     if (glGetError() != GL_NO_ERROR)
-        throw Error("light \"" + light_name +
-                    "\": one of its uniforms has a value of another type than its snippet declares");
+        throw Error("light " + inQuotes(light_name) +
+                    ": one of its uniforms has a value of another type than its snippet declares");
 
     const VertexArray no_attributes;
     glBindVertexArray(no_attributes.name());

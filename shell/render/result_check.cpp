@@ -1,5 +1,6 @@
 #include "shell/render/result_check.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_values.hpp"
 
@@ -44,7 +45,7 @@ struct Failures {
 
 std::string reportText(const std::string& light, const Failures& failures) {
     const bool everywhere = failures.count == failures.vertices;
-    return "light \"" + light + "\" adds nothing " +
+    return "light " + inQuotes(light) + " adds nothing " +
            (everywhere ? "on the shader path"
                        : "on the shader path at " + std::to_string(failures.count) + " of " +
                              std::to_string(failures.vertices) + " vertices") +

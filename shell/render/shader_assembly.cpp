@@ -1,5 +1,6 @@
 #include "shell/render/shader_assembly.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/render/glsl_text.hpp"
 #include "shell/render/shader_text.hpp"
@@ -26,7 +27,7 @@ std::optional<std::string> importedName(std::string_view line, const std::string
     rest = trimmed(rest);
     const bool is_quoted = rest.size() > 2 && rest.front() == '"' && rest.find('"', 1) == rest.size() - 1;
     if (!is_quoted) {
-        throw Error("The light \"" + light_name + "\" has an import that can't be read: " +
+        throw Error("The light " + inQuotes(light_name) + " has an import that can't be read: " +
                     std::string(trimmed(line)) + "\nWrite it as: #pragma import \"NAME\"");
     }
     return std::string(rest.substr(1, rest.size() - 2));
@@ -51,8 +52,8 @@ void collectImports(const LightSnippet& snippet, std::string_view uncommented,
             std::any_of(importable_functions.begin(), importable_functions.end(),
                         [&](const ImportableFunction& known) { return known.name == *name; });
         if (!is_known) {
-            throw Error("The light \"" + snippet.light_name + "\" imports \"" + *name +
-                        "\", which the shell does not have.\nWhat it can import: " + knownImports());
+            throw Error("The light " + inQuotes(snippet.light_name) + " imports " + inQuotes(*name) +
+                        ", which the shell does not have.\nWhat it can import: " + knownImports());
         }
         imports.insert(*name);
     }
@@ -90,8 +91,8 @@ void requireVersion(int glsl_version, std::span<const LightSnippet> snippets) {
     }
     for (const LightSnippet& snippet : snippets) {
         if (snippet.is_repeated && (glsl_version < 330 || !canRepeat(snippet.text))) {
-            throw Error("The GLSL snippet of the light \"" + snippet.light_name +
-                        "\" can't stand for many lights: that takes GLSL version 330, and uniforms that are "
+            throw Error("The GLSL snippet of the light " + inQuotes(snippet.light_name) +
+                        " can't stand for many lights: that takes GLSL version 330, and uniforms that are "
                         "plain floats or vectors.");
         }
     }
@@ -105,8 +106,8 @@ std::set<std::string> checkedImports(std::span<const LightSnippet> snippets) {
         const std::string uncommented = withoutComments(snippet.text).text;
         collectImports(snippet, uncommented, imports);
         if (!definesFunction(uncommented, "getLight_$$")) {
-            throw Error("The GLSL snippet of the light \"" + snippet.light_name +
-                        "\" does not define the function getLight_$$.\nIt must define: void getLight_$$(in "
+            throw Error("The GLSL snippet of the light " + inQuotes(snippet.light_name) +
+                        " does not define the function getLight_$$.\nIt must define: void getLight_$$(in "
                         "vec3 vertex, "
                         "out vec3 light_incidence, out vec3 intensity, out vec3 specular_intensity)");
         }

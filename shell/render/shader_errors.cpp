@@ -1,5 +1,6 @@
 #include "shell/render/shader_errors.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/render/glsl_text.hpp"
 
 #include <algorithm>
@@ -87,14 +88,14 @@ std::string compileErrorText(const AssembledShader& shader, std::string_view dri
             text.append(lineOf(shader.fragment, section.first_line + line)) += '\n';
         }
         if (const std::string open = leftOpen(text); !open.empty()) {
-            return "The GLSL snippet of the light \"" + section.light_name + "\" does not compile: it has " +
-                   open + ".\nThe driver says: " + errors.front().text;
+            return "The GLSL snippet of the light " + inQuotes(section.light_name) +
+                   " does not compile: it has " + open + ".\nThe driver says: " + errors.front().text;
         }
     }
     for (const DriverError& error : errors) {
         if (const std::optional<SourceLocation> location = locate(shader, error.line)) {
-            return "The GLSL snippet of the light \"" + location->light_name + "\" does not compile, line " +
-                   std::to_string(location->line) + ": " +
+            return "The GLSL snippet of the light " + inQuotes(location->light_name) +
+                   " does not compile, line " + std::to_string(location->line) + ": " +
                    std::string(trimmed(lineOf(shader.fragment, error.line))) +
                    "\nThe driver says: " + error.text;
         }

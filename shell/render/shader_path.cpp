@@ -1,6 +1,7 @@
 #include "shell/render/shader_path.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/lighting_program.hpp"
@@ -76,14 +77,15 @@ GroupedSnippets groupSnippets(const View& view, std::span<const std::string> tex
 
 Error wrongType(const std::string& light, const std::string& uniform,
                 const Qelt::RenderNamespace::UniformValue& value) {
-    return Error("light \"" + light + "\": its uniform \"" + uniform + "\" = " + uniformText(value) +
-                 " is of another type than its snippet declares");
+    return Error("light " + inQuotes(light) + ": its uniform " + inQuotes(uniform) + " = " +
+                 uniformText(value) + " is of another type than its snippet declares");
 }
 
 void reportUniforms(const Qelt::RenderAble& light, const UniformMismatch& mismatch, Reports& reports) {
     const auto tell = [&](const std::string& text, const char* kind) {
         if (!text.empty())
-            reports.once(light.number(), kind, [&] { return "light \"" + light.Name() + "\" " + text; });
+            reports.once(light.number(), kind,
+                         [&] { return "light " + inQuotes(light.Name()) + " " + text; });
     };
     tell(undeclaredText(mismatch), "uniform not declared");
     tell(unwrittenText(mismatch), "uniform not written");
@@ -199,9 +201,9 @@ void ShaderPath::reportNotFinite(const View& view, Reports& reports) const {
             if (!isFinite(value))
                 reports.once(view.ownerOf(i).number(), "uniform not finite",
                              [&, &uniform = name, &held = value] {
-                                 return "light \"" + view.ownerOf(i).Name() +
-                                        "\" adds nothing on the shader path: its \"" + uniform +
-                                        "\" is not finite (" + uniformText(held) + "); check its parameters";
+                                 return "light " + inQuotes(view.ownerOf(i).Name()) +
+                                        " adds nothing on the shader path: its " + inQuotes(uniform) +
+                                        " is not finite (" + uniformText(held) + "); check its parameters";
                              });
 }
 

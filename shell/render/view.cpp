@@ -1,6 +1,7 @@
 #include "shell/render/view.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/scene.hpp"
 
@@ -36,8 +37,8 @@ void View::beginFrame(const Scene& scene, double time) {
         if (member.object->processesRequests() && !ModuleCall(*member.object, "update").run([&] {
                 return member.object->request(my_request, time);
             }))
-            throw Error("\"" + member.object->Name() +
-                        "\" could not be brought up to date for the rendering");
+            throw Error(inQuotes(member.object->Name()) +
+                        " could not be brought up to date for the rendering");
     for (Member& member : my_members) {
         member.first_source = my_context.enabledLightSources().size();
         ModuleCall(*member.object, "illuminate").run([&] { member.object->illuminate(my_context); });

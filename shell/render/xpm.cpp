@@ -1,5 +1,6 @@
 #include "shell/render/xpm.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <algorithm>
@@ -28,8 +29,8 @@ Color parseXpmColor(const std::string& line, const std::string& text) {
         read = std::from_chars(first, first + 2, color[i], 16).ptr == first + 2;
     }
     if (!read)
-        throw Error("the XPM image has the color line \"" + line +
-                    "\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
+        throw Error("the XPM image has the color line " + inQuotes(line) +
+                    ", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
     return color;
 }
 
@@ -61,8 +62,8 @@ Image decodeXpm(const char* const* lines) {
         for (std::size_t at = 0; at < row.size(); at += key_size) {
             const auto color = colors.find(row.substr(at, key_size));
             if (color == colors.end())
-                throw Error("the XPM image uses \"" + std::string(row.substr(at, key_size)) +
-                            "\", which is no color of it");
+                throw Error("the XPM image uses " + inQuotes(row.substr(at, key_size)) +
+                            ", which is no color of it");
             image.pixels.insert(image.pixels.end(), color->second.begin(), color->second.end());
         }
     }

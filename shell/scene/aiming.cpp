@@ -1,5 +1,6 @@
 #include "shell/scene/aiming.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <orvid/physical_space.hpp>
@@ -37,7 +38,7 @@ bool hasParallelRays(const Qelt::VObject& light) {
 void requireAimable(const Qelt::VObject& light) {
     if (!hasParallelRays(light) && !(has(light, position_name, typeid(PhysicalSpace::point)) &&
                                      has(light, target_name, typeid(PhysicalSpace::point))))
-        throw WrongType("\"" + light.Name() + "\", a " + light.type_key() +
+        throw WrongType(inQuotes(light.Name()) + ", a " + printable(light.type_key()) +
                         ", has no direction to set; a DirectionalLight and a DistanceLight have one");
 }
 
@@ -49,8 +50,8 @@ glm::dvec3 directionOf(const glm::dvec3& vector) {
 
 void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec3& value) {
     if (!std::isfinite(value.x) || !std::isfinite(value.y) || !std::isfinite(value.z))
-        throw InvalidValue("cannot aim \"" + light.Name() + "\": the " + what + " is \"" + text(value) +
-                           "\", expected three finite numbers");
+        throw InvalidValue("cannot aim " + inQuotes(light.Name()) + ": the " + what + " is " +
+                           inQuotes(text(value)) + ", expected three finite numbers");
 }
 
 glm::dvec3 pointIn(const Qelt::VObject& light, const char* name) {
@@ -67,7 +68,7 @@ void aimAt(Scene& scene, const std::string& name, const glm::dvec3& point) {
     requireFinite(light, "point", point);
     const bool parallel = hasParallelRays(light);
     if (point == (parallel ? glm::dvec3(0) : pointIn(light, position_name)))
-        throw InvalidValue("cannot aim \"" + name + "\" at \"" + text(point) + "\": " +
+        throw InvalidValue("cannot aim " + inQuotes(name) + " at " + inQuotes(text(point)) + ": " +
                            (parallel ? "its rays are seen from the origin, and there is no way from there "
                                        "to itself"
                                      : "the light stands there itself; aim it elsewhere or move it"));
@@ -80,7 +81,7 @@ void shineFrom(Scene& scene, const std::string& name, const glm::dvec3& directio
     requireAimable(light);
     requireFinite(light, "direction", direction);
     if (direction == glm::dvec3(0))
-        throw InvalidValue("cannot aim \"" + name + "\": the direction \"0 0 0\" leads nowhere");
+        throw InvalidValue("cannot aim " + inQuotes(name) + ": the direction \"0 0 0\" leads nowhere");
     const glm::dvec3 from = directionOf(direction);
     if (hasParallelRays(light)) {
         // Subtracted from zero, so that no component becomes a negative zero.

@@ -1,5 +1,6 @@
 #include "shell/scene/color_text.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <sorvik/component_text.hpp>
@@ -40,8 +41,8 @@ Orvid::rgba_float_t parseColor(const std::string& text) {
                                       [](float component) { return component >= 0 && component <= 1; });
     if (!read || !in_range)
         throw Error(
-            "\"" + text +
-            "\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such as "
+            inQuotes(text) +
+            " is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such as "
             "\"0.1 0.1 0.12\"");
     return {color[0], color[1], color[2], color[3]};
 }

@@ -1,5 +1,6 @@
 #include "shell/scene/json_text.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <charconv>
@@ -35,8 +36,8 @@ public:
         Level& level = my_levels[my_depth - 1];
         level.key = name;
         if (!level.keys.insert(name).second)
-            throw Error(pointer() + ": the key \"" + name +
-                        "\" stands twice in one object; keep one of them");
+            throw Error(printable(pointer()) + ": the key " + inQuotes(name) +
+                        " stands twice in one object; keep one of them");
         return addString();
     }
 
@@ -47,7 +48,7 @@ public:
         what.erase(0, what.starts_with('[') ? what.find("] ") + 2 : 0);
         if (what.size() > longest)
             what = what.substr(0, longest) + " ...";
-        throw Error("this is no JSON: " + what);
+        throw Error("this is no JSON: " + printable(what));
     }
 
 private:
@@ -92,8 +93,8 @@ private:
 
     bool open(Kind kind) {
         if (my_depth == most_levels)
-            throw Error(pointer() + ": lists and objects lie more than " + std::to_string(most_levels) +
-                        " deep in each other");
+            throw Error(printable(pointer()) + ": lists and objects lie more than " +
+                        std::to_string(most_levels) + " deep in each other");
         skip();
         if (my_levels.size() == my_depth)
             my_levels.emplace_back();

@@ -1,5 +1,6 @@
 #include "shell/scene/mesh.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <algorithm>
@@ -37,7 +38,7 @@ std::string text(const glm::vec3& value) {
 }
 
 [[noreturn]] void fail(const Mesh& mesh, const std::string& what) {
-    throw InvalidValue("the mesh \"" + mesh.name + "\" is damaged: " + what);
+    throw InvalidValue("the mesh " + inQuotes(mesh.name) + " is damaged: " + what);
 }
 
 void requireAsManyAsPositions(const Mesh& mesh, std::size_t count, const std::string& what) {

@@ -1,5 +1,7 @@
 #include "shell/scene/near_names.hpp"
 
+#include "shell/base/printable.hpp"
+
 #include <algorithm>
 #include <cctype>
 
@@ -43,7 +45,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     std::size_t least = asked.size() > longest_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {
         if (i < longest_list)
-            list += (i == 0 ? "" : ", ") + known[i];
+            list += (i == 0 ? "" : ", ") + printable(known[i]);
         if (known[i].size() >= asked.size() + least || asked.size() >= known[i].size() + least)
             continue;
         if (const std::size_t distance = editDistance(asked, known[i]); distance < least) {
@@ -53,7 +55,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     }
     list +=
         known.size() > longest_list ? ", and " + std::to_string(known.size() - longest_list) + " more." : ".";
-    return nearest ? "did you mean \"" + *nearest + "\"? T" + list : "t" + list;
+    return nearest ? "did you mean " + inQuotes(*nearest) + "? T" + list : "t" + list;
 }
 
 } // namespace korl

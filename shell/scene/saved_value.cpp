@@ -1,5 +1,6 @@
 #include "shell/scene/saved_value.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 namespace korl {
@@ -14,8 +15,8 @@ std::optional<std::string> finiteText(const VObject& object, const VParameter& p
                                       const Qelt::VValueBase& value) {
     std::string text = value.Text();
     if (text.find("nan") != std::string::npos || text.find("inf") != std::string::npos)
-        throw Error("the scene cannot be written: \"" + object.Name() + "." + parameter.Name() + "\" is \"" +
-                    text + "\", which is no finite value; set it first");
+        throw Error("the scene cannot be written: " + inQuotes(object.Name() + "." + parameter.Name()) +
+                    " is " + inQuotes(text) + ", which is no finite value; set it first");
     return text.empty() ? std::nullopt : std::optional(text);
 }
 

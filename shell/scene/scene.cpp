@@ -1,6 +1,7 @@
 #include "shell/scene/scene.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/near_names.hpp"
@@ -62,10 +63,10 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
     VCreatorBase* const creator = findType(type);
     if (!creator)
         throw UnknownName(
-            "unknown type \"" + type + "\": " +
+            "unknown type " + inQuotes(type) + ": " +
             nearNames(type, typeNames(), "no module is loaded that has any; name one with --plugin"));
     if (!name.empty() && isTaken(name))
-        throw Error("cannot create \"" + name + "\" as " + type +
+        throw Error("cannot create " + inQuotes(name) + " as " + printable(type) +
                     ": the scene already has an object of this name");
     const auto taken = [&](const std::string& candidate) { return isTaken(candidate); };
     const std::string own = name.empty() ? creator->createChildname(taken, my_numbers[type]) : name;
@@ -91,8 +92,8 @@ VObject& Scene::object(const std::string& name) const {
     std::vector<std::string> known;
     for (const auto& held : objects())
         known.push_back(held->Name());
-    throw UnknownName("unknown object \"" + name +
-                      "\": " + nearNames(name, known, "the scene has no objects"));
+    throw UnknownName("unknown object " + inQuotes(name) + ": " +
+                      nearNames(name, known, "the scene has no objects"));
 }
 
 // By value: the name may be the one that the object holds, and goes with it.
@@ -113,8 +114,8 @@ VParameter& Scene::parameter(const std::string& object_name, const std::string& 
     std::vector<std::string> known;
     for (const auto& entry : owner.parameters())
         known.push_back(entry.parameter->Name());
-    throw UnknownName("unknown parameter \"" + owner.Name() + "." + name +
-                      "\": " + nearNames(name, known, "the object has no parameters"));
+    throw UnknownName("unknown parameter " + inQuotes(owner.Name() + "." + name) + ": " +
+                      nearNames(name, known, "the object has no parameters"));
 }
 
 void Scene::connect(const std::string& object_name, const std::string& parameter_name,
@@ -122,8 +123,8 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
     const VParameter& follower_parameter = parameter(object_name, parameter_name);
     VParameter& source = parameter(source_object, source_parameter);
     VObject& following = object(object_name);
-    const std::string follower = "\"" + object_name + "." + parameter_name + "\"";
-    const std::string followed = "\"" + source_object + "." + source_parameter + "\"";
+    const std::string follower = inQuotes(object_name + "." + parameter_name);
+    const std::string followed = inQuotes(source_object + "." + source_parameter);
     if (follower_parameter.type() != source.type())
         throw WrongType(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
                         " is " + valueForm(source.type()) + "; they stay unconnected");
@@ -149,7 +150,7 @@ std::string Scene::tooLongChain(const VParameter& follower, const VParameter& so
             for (; next && next != &follower; next = next->source())
                 ++length;
             if (next && length > longest_chain)
-                return "\"" + object->Name() + "." + parameter->Name() + "\" " + tooLongChainText();
+                return inQuotes(object->Name() + "." + parameter->Name()) + " " + tooLongChainText();
         }
     return {};
 }
@@ -162,13 +163,13 @@ void Scene::setParameter(const std::string& object_name, const std::string& para
     const StrongPtr<Qelt::VValueBase> value = changed.DefaultValue().clone();
     const auto kept = [&] {
         const Qelt::VValueBase* const held = pool ? changed.getLocalValue(*pool) : &changed.globalValue();
-        return held ? "; it keeps \"" + held->Text() + "\"" : std::string();
+        return held ? "; it keeps " + inQuotes(held->Text()) : std::string();
     };
     if (!value->setValueFromText(text))
-        throw InvalidValue("\"" + full_name + "\" takes " + valueForm(changed.type()) + ", found \"" + text +
-                           "\"" + kept());
+        throw InvalidValue(inQuotes(full_name) + " takes " + valueForm(changed.type()) + ", found " +
+                           inQuotes(text) + kept());
     if (saysNotFinite(value->Text()))
-        throw InvalidValue("\"" + full_name + "\" takes finite numbers, found \"" + text + "\"" + kept());
+        throw InvalidValue(inQuotes(full_name) + " takes finite numbers, found " + inQuotes(text) + kept());
     if (pool)
         pool->createVariable(changed, value);
     else
@@ -204,7 +205,7 @@ bool Scene::isMuted(const VObject& object) const {
 
 void Scene::solo(const std::string& light) {
     if (!light.empty() && !isLight(object(light)))
-        throw WrongType("\"" + light + "\" is no light, so it cannot shine alone");
+        throw WrongType(inQuotes(light) + " is no light, so it cannot shine alone");
     my_solo = light;
     my_solo_number = light.empty() ? 0 : object(light).number();
     my_foreign.solo.clear();
@@ -226,7 +227,7 @@ Qelt::ValuePool& Scene::addView(const std::string& name) {
         throw Error("a view needs a name");
     for (const NamedView& view : my_views)
         if (view.first == name)
-            throw Error("cannot add the view \"" + name + "\": the scene already has one of this name");
+            throw Error("cannot add the view " + inQuotes(name) + ": the scene already has one of this name");
     return *my_views.emplace_back(name, Tessan::makeStrong<Qelt::ValuePool>()).second.get();
 }
 
@@ -237,7 +238,8 @@ const StrongPtr<Qelt::ValuePool>& Scene::view(const std::string& name) const {
     std::vector<std::string> known;
     for (const NamedView& view : my_views)
         known.push_back(view.first);
-    throw UnknownName("unknown view \"" + name + "\": " + nearNames(name, known, "the scene has no views"));
+    throw UnknownName("unknown view " + inQuotes(name) + ": " +
+                      nearNames(name, known, "the scene has no views"));
 }
 
 void Scene::removeView(const std::string& name) {

@@ -1,5 +1,6 @@
 #include "shell/scene/scene_file.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/file_output.hpp"
 #include "shell/scene/scene.hpp"
@@ -12,7 +13,7 @@ namespace korl {
 
 std::string sceneFileText(const std::filesystem::path& file) {
     const auto fail = [&](const std::string& why) {
-        throw Error("cannot read the scene " + file.string() + ": " + why);
+        throw Error("cannot read the scene " + printable(file.string()) + ": " + why);
     };
     std::error_code problem;
     const auto type = std::filesystem::status(file, problem).type();
@@ -38,7 +39,7 @@ JsonText parseScene(std::string text, const std::filesystem::path& file) {
     try {
         return JsonText(std::move(text));
     } catch (const Error& error) {
-        throw Error(file.string() + ": " + error.what() +
+        throw Error(printable(file.string()) + ": " + error.what() +
                     (file.extension() == ".json" ? "" : "; if it is a model, give it with --model"));
     }
 }

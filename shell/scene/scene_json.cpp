@@ -1,5 +1,6 @@
 #include "shell/scene/scene_json.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/scene/builtin_scene.hpp"
 #include "shell/scene/mesh.hpp"
 #include "shell/scene/model_import.hpp"
@@ -24,7 +25,7 @@ const std::vector<std::string> camera{"position", "target", "up", "fov"};
 } // namespace scene_keys
 
 void ScenePlace::fail(const std::string& what) const {
-    throw Error(my_file->string() + (my_pointer.empty() ? "" : ": " + my_pointer) + ": " + what);
+    throw Error(printable(my_file->string() + (my_pointer.empty() ? "" : ": " + my_pointer)) + ": " + what);
 }
 
 void ScenePlace::requireObject(const JsonValue& value) const {
@@ -61,7 +62,7 @@ std::vector<JsonValue> ScenePlace::list(const JsonValue& value) const {
 std::string ScenePlace::textOf(const JsonValue& object, std::string_view key) const {
     const auto value = object.find(key);
     if (!value)
-        fail("lacks \"" + std::string(key) + "\"");
+        fail("lacks " + inQuotes(key));
     return value->is(JsonValue::Kind::text) ? value->text() : inside(key).text(*value);
 }
 
@@ -76,7 +77,7 @@ std::vector<Number> numbers(const JsonValue& value, const ScenePlace& place, con
         const auto number = item.number<Number>();
         if (!number)
             place.inside(read.size())
-                .fail("expected " + expected + ", found " + std::string(item.source().substr(0, 100)));
+                .fail("expected " + expected + ", found " + printable(item.source().substr(0, 100)));
         read.push_back(*number);
     }
     if (read.size() % 3 != 0)
@@ -131,7 +132,7 @@ Mesh readBuiltin(const JsonValue& value, const ScenePlace& place) {
             return mesh;
         names.push_back(mesh.name);
     }
-    place.inside("builtin").fail("unknown mesh \"" + asked + "\": " + nearNames(asked, names, ""));
+    place.inside("builtin").fail("unknown mesh " + inQuotes(asked) + ": " + nearNames(asked, names, ""));
 }
 
 Mesh readModel(const JsonValue& value, const ScenePlace& place, const std::filesystem::path& folder,
@@ -160,7 +161,7 @@ std::vector<Mesh> readSceneMeshes(const std::vector<JsonValue>& entries, const S
             Mesh mesh = readBuiltin(entry, where);
             if (std::any_of(meshes.begin(), meshes.end(),
                             [&](const Mesh& other) { return other.is_builtin && other.name == mesh.name; }))
-                where.inside("builtin").fail("the mesh \"" + mesh.name + "\" stands twice in the list");
+                where.inside("builtin").fail("the mesh " + inQuotes(mesh.name) + " stands twice in the list");
             meshes.push_back(std::move(mesh));
         } else if (entry.find("file") || entry.find("up")) {
             meshes.push_back(readModel(entry, where, folder, import_model));

@@ -1,6 +1,7 @@
 #include "shell/scene/scene_reader.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/scene/color_text.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/module_of.hpp"
@@ -29,7 +30,7 @@ glm::dvec3 triple(const JsonValue& value, const ScenePlace& place) {
     std::array<double, 3> read{};
     const std::string found = place.text(value);
     if (!Qelt::componentsFromText(read, found))
-        place.fail("expected three numbers \"x y z\", found \"" + found + "\"");
+        place.fail("expected three numbers \"x y z\", found " + inQuotes(found));
     return {read[0], read[1], read[2]};
 }
 
@@ -48,7 +49,7 @@ Camera readCamera(const JsonValue& value, const ScenePlace& place) {
     place.ifPresent(value, "fov", [&](const auto& found, const auto& where) {
         const auto degrees = found.template number<double>();
         if (!degrees)
-            where.fail("expected degrees, found " + std::string(found.source().substr(0, 100)));
+            where.fail("expected degrees, found " + printable(found.source().substr(0, 100)));
         camera.fov_degrees = *degrees;
     });
     place.during([&] { validate(camera); });
@@ -63,7 +64,7 @@ std::string listOf(const std::vector<std::string>& names) {
     constexpr std::size_t longest = 20;
     std::string list;
     for (std::size_t i = 0; i < std::min(names.size(), longest); ++i)
-        list += (i == 0 ? "\"" : ", \"") + names[i] + "\"";
+        list += (i == 0 ? "" : ", ") + inQuotes(names[i]);
     return list + (names.size() > longest ? " and " + std::to_string(names.size() - longest) + " more" : "");
 }
 
@@ -99,7 +100,7 @@ void SceneReader::read(const JsonValue& root) {
     if (!version)
         my_root.fail("is no scene: it lacks \"korl\", the version of the format, which is 1");
     if (version->number<std::uint32_t>() != format_version)
-        my_root.inside("korl").fail("is " + std::string(version->source().substr(0, 100)) +
+        my_root.inside("korl").fail("is " + printable(version->source().substr(0, 100)) +
                                     ", but this program reads version 1 of the format");
     my_root.requireObject(root, scene_keys::scene);
 
@@ -147,8 +148,8 @@ void SceneReader::readPlugins(const JsonValue& root) {
             if (my_part == Part::everything)
                 missing.push_back(name);
             if (my_reading.tell)
-                my_reading.tell(my_file.string() + ": the module \"" + name +
-                                "\", which it needs, is not loaded; name its file with --plugin");
+                my_reading.tell(printable(my_file.string()) + ": the module " + inQuotes(name) +
+                                ", which it needs, is not loaded; name its file with --plugin");
         }
     });
 }
@@ -164,7 +165,7 @@ void SceneReader::readViews(const JsonValue& root) {
             const ScenePlace where = place.inside(i);
             const std::string name = where.text(entries[i]);
             if (!names.insert(name).second)
-                where.fail("the view \"" + name + "\" stands twice in the list");
+                where.fail("the view " + inQuotes(name) + " stands twice in the list");
             const auto& had = my_scene.views();
             if (std::any_of(had.begin(), had.end(), [&](const auto& view) { return view.first == name; }))
                 continue;
@@ -249,7 +250,7 @@ void SceneReader::readObject(const JsonValue& value, const ScenePlace& place) {
 void SceneReader::create(const JsonValue& value, const std::string& type, const std::string& name,
                          const ScenePlace& place) {
     if (!name.empty() && my_names.contains(name))
-        place.inside("name").fail("the name \"" + name + "\" is taken by another object of the file");
+        place.inside("name").fail("the name " + inQuotes(name) + " is taken by another object of the file");
     std::string own = name.empty() ? freeName(findType(type)->Name()) : name;
     if (my_part == Part::lights && my_scene.isTaken(name))
         for (int number = 2; my_scene.isTaken(own) || my_file_names.contains(own); ++number)
@@ -283,10 +284,10 @@ std::string SceneReader::freeName(const std::string& type) {
 void SceneReader::keep(const JsonValue& value, const std::string& type, const std::string& name,
                        const ScenePlace& place) {
     if (my_part == Part::lights)
-        place.inside("type").fail("no loaded module has the type \"" + type +
-                                  "\"; name the file of its module with --plugin");
+        place.inside("type").fail("no loaded module has the type " + inQuotes(type) +
+                                  "; name the file of its module with --plugin");
     if (!name.empty() && my_scene.isTaken(name))
-        place.inside("name").fail("the scene already has an object of the name \"" + name + "\"");
+        place.inside("name").fail("the scene already has an object of the name " + inQuotes(name));
     my_foreign_names[type].push_back(name);
     my_scene.foreign().add({type, name, std::string(value.source()), my_latest});
 }
@@ -322,16 +323,17 @@ void SceneReader::readConnections(const JsonValue& connections, std::size_t made
             my_scene.foreign().connect(follower.number(), name, {object, followed});
         } else if (my_left_out.contains(object)) {
             if (my_reading.tell)
-                my_reading.tell("\"" + follower.Name() + "." + name + "\" followed \"" + object + "." +
-                                followed + "\", which is no light's; it keeps a value of its own");
+                my_reading.tell(inQuotes(follower.Name() + "." + name) + " followed " +
+                                inQuotes(object + "." + followed) +
+                                ", which is no light's; it keeps a value of its own");
         } else {
             std::vector<std::string> names;
             for (const Created& other : my_created)
                 names.push_back(other.object->Name());
             placeOf(made, name)
                 .inside("object")
-                .fail("unknown object \"" + object +
-                      "\": " + nearNames(object, names, "the file has no objects"));
+                .fail("unknown object " + inQuotes(object) + ": " +
+                      nearNames(object, names, "the file has no objects"));
         }
     });
 }
@@ -358,7 +360,7 @@ void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {
     if (own != my_names.end())
         return place.during([&] { my_scene.solo(own->second->Name()); });
     if (!my_scene.foreign().contains(name))
-        place.fail("the file has no object \"" + name + "\", so it cannot shine alone");
+        place.fail("the file has no object " + inQuotes(name) + ", so it cannot shine alone");
     my_scene.foreign().solo = name;
 }
 
@@ -367,8 +369,8 @@ void SceneReader::tellOfForeign() const {
         return;
     const std::vector<std::string> known = typeNames();
     for (const auto& [type, names] : my_foreign_names)
-        my_reading.tell(my_file.string() + ": no loaded module has the type \"" + type + "\" of " +
-                        listOf(names) + ", kept for later but not shown: " +
+        my_reading.tell(printable(my_file.string()) + ": no loaded module has the type " + inQuotes(type) +
+                        " of " + listOf(names) + ", kept for later but not shown: " +
                         nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
 }
 

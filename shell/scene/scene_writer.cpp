@@ -1,5 +1,6 @@
 #include "shell/scene/scene_writer.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/scene/json_layout.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/module_of.hpp"
@@ -38,7 +39,7 @@ std::string cameraText(const Camera& camera) {
                       2);
 }
 
-std::vector<std::string> quoted(const std::vector<std::string>& texts) {
+std::vector<std::string> inQuotes(const std::vector<std::string>& texts) {
     std::vector<std::string> all;
     for (const std::string& text : texts)
         all.push_back(jsonQuoted(text));
@@ -124,7 +125,7 @@ std::vector<std::string> SceneWriter::plugins() const {
             names.insert(name);
     if (my_part == Part::everything)
         names.insert(my_scene.foreign().plugins.begin(), my_scene.foreign().plugins.end());
-    return quoted({names.begin(), names.end()});
+    return inQuotes({names.begin(), names.end()});
 }
 
 std::vector<std::string> SceneWriter::objects() const {
@@ -136,8 +137,8 @@ std::vector<std::string> SceneWriter::objects() const {
             if (my_part == Part::everything)
                 list.push_back(next->json);
             else if (my_tell)
-                my_tell("\"" + next->name + "\" of the type \"" + next->type +
-                        "\" is left out: no loaded module has the type, so it is not known to be a light");
+                my_tell(inQuotes(next->name) + " of the type " + inQuotes(next->type) +
+                        " is left out: no loaded module has the type, so it is not known to be a light");
     };
     for (const auto& held : my_scene.objects()) {
         addKeptBefore(held->number());
@@ -192,8 +193,8 @@ SceneWriter::Members SceneWriter::connections(const VObject& object) const {
                  kept && my_part == Part::everything)
             add(*parameter.get(), kept->object, kept->parameter);
         else if ((parameter->hasSource() || kept) && my_tell)
-            my_tell("\"" + object.Name() + "." + parameter->Name() +
-                    "\" follows something that is left out; it is written with its own value");
+            my_tell(inQuotes(object.Name() + "." + parameter->Name()) +
+                    " follows something that is left out; it is written with its own value");
     }
     return list;
 }
