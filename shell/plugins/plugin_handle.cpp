@@ -1,6 +1,7 @@
 #include <shell/plugins/plugin_handle.hpp>
 
 #include <shell/base/loaded_modules.hpp>
+#include <shell/base/printable.hpp>
 #include <shell/base/thrown_text.hpp>
 #include <shell/plugins/plugin_error.hpp>
 
@@ -25,7 +26,7 @@ public:
     }
 
     std::string question() const {
-        return my_asked_key ? "one that asks for \"" + *my_asked_key + "\""
+        return my_asked_key ? "one that asks for " + inQuotes(*my_asked_key)
                             : "one that refuses without asking";
     }
 
