@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <memory>
 #include <set>
@@ -150,7 +151,7 @@ TEST(LightSource, OfAContextGoesWithTheObjectOrThePool) {
     });
     static std::vector<StrongPtr<VObject>> lights;
     static const auto contexts = someContexts(2);
-    new LoadedModule; // which stays
+    dlopen(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_LOCAL); // which stays loaded
     lights = allLights();
     static const auto late_contexts = someContexts(1);
     static const auto late_lights = allLights();
