@@ -18,7 +18,7 @@ std::string rude(const std::string& word) {
 struct Rude : Qelt::RenderAble {
     Rude(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : RenderAble(name, 0, preferences) {
-        Qelt::TypedSlot<double>::creators_registered = true;
+        Qelt::slot_creators_registered<double> = true;
         enableRequestProcessing();
     }
     std::string help() const override { return rude("help"); }
