@@ -1,5 +1,7 @@
 #include "shell/base/caught_exception.hpp"
 
+#include "shell/base/printable.hpp"
+
 #include <exception>
 #include <new>
 
@@ -15,6 +17,16 @@ std::string textOfCaughtException() {
         return error.what();
     } catch (...) {
         return "a module threw something that is no exception; it has to be mended by its maker";
+    }
+}
+
+std::string nameOfCaughtException() {
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        return "the exception " + inQuotes(exception.what());
+    } catch (...) {
+        return "something that is not an exception";
     }
 }
 

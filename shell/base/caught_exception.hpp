@@ -4,8 +4,13 @@
 
 namespace korl {
 
-/// What the exception that is being handled says to users. A module's own must be asked while the module is
-/// loaded.
+// Both look at the exception that is being handled. A module's own must be looked at while the module is
+// loaded.
+
+/// What it says to users.
 std::string textOfCaughtException();
+
+/// What it is, as part of a message: `the exception "no such file"`.
+std::string nameOfCaughtException();
 
 } // namespace korl

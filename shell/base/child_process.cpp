@@ -97,6 +97,8 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
     posix_spawn_file_actions_adddup2(actions.get(), STDERR_FILENO, STDOUT_FILENO);
     if (start.shared >= 0)
         posix_spawn_file_actions_adddup2(actions.get(), start.shared, shared_descriptor);
+    else // not one that this process inherited and has forgotten
+        posix_spawn_file_actions_addclose(actions.get(), shared_descriptor);
     if (!start.folder.empty())
         posix_spawn_file_actions_addchdir_np(actions.get(), start.folder.c_str());
 

@@ -1,14 +1,15 @@
 #include "shell/base/module_call.hpp"
 
+#include "shell/base/caught_exception.hpp"
 #include "shell/base/loaded_modules.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/base/thrown_text.hpp"
 
 #include <array>
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <unistd.h>
 
@@ -109,7 +110,14 @@ ModuleCall::~ModuleCall() {
 void ModuleCall::failed() const {
     std::string text;
     describe([&](std::string_view part) { text += printable(part); });
-    throw Error(text + " threw " + thrownText() + "; the module has to be mended by its maker");
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw Error(text + " failed: " + textOfCaughtException());
+    } catch (...) {
+        throw Error(text + " threw " + nameOfCaughtException() +
+                    "; the module has to be mended by its maker");
+    }
 }
 
 void reportExitsOfModules() {

@@ -1,8 +1,8 @@
 #include <shell/plugins/plugin_handle.hpp>
 
+#include <shell/base/caught_exception.hpp>
 #include <shell/base/loaded_modules.hpp>
 #include <shell/base/printable.hpp>
-#include <shell/base/thrown_text.hpp>
 #include <shell/plugins/plugin_error.hpp>
 
 #include <sorvik/initialization.hpp>
@@ -77,7 +77,7 @@ bool ask(VInitialization::EntryPoint entry_point, VInitialization& shell, const 
     try {
         return entry_point(&shell);
     } catch (...) {
-        thrown = thrownText();
+        thrown = nameOfCaughtException();
     }
     throw pluginError(file, "an answer from its entry point", thrown, "Mend the plug-in's entry point.");
 }

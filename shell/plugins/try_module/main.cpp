@@ -6,8 +6,8 @@
 // with the number of its own process, and reads what became of it from the file that is its
 // shared_descriptor (see trial_words).
 
+#include <shell/base/caught_exception.hpp>
 #include <shell/base/child_process.hpp>
-#include <shell/base/thrown_text.hpp>
 #include <shell/error.hpp>
 #include <shell/plugins/plugin_handle.hpp>
 #include <shell/plugins/plugin_trial.hpp>
@@ -41,7 +41,7 @@ void tell(const std::string& word) {
     try {
         throw;
     } catch (...) {
-        tell(words::threw + korl::thrownText());
+        tell(words::threw + korl::nameOfCaughtException());
     }
     ::_exit(1);
 }

@@ -234,7 +234,7 @@ TEST_F(BadInput, PicturesOfOtherFormats) {
                         suffix + "\"");
         EXPECT_FALSE(std::filesystem::exists(folder / ("x" + suffix)));
     }
-    expectError({"animate", "-o", "DIR/x_#.jpg"}, 1,
+    expectError({"animate", "--light", "AmbientLight", "-o", "DIR/x_#.jpg"}, 1,
                 "a sequence is written to pictures such as \"day_####.png\" or to a film such as \"day.mp4\" "
                 "or \"day.gif\", found \"DIR/x_#.jpg\"");
 }

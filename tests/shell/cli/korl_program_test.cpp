@@ -201,7 +201,7 @@ TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
 
 TEST_F(KorlProgramGLTest, ShowsTheViewThatIsAskedFor) {
     const auto file = folder.write("scene.json", R"({"korl": 1,
-        "views": ["dim"],
+        "views": ["dim"], "meshes": [{"builtin": "sphere"}],
         "objects": [{"type": "AmbientLight", "name": "a", "views": {"dim": {"Color": "0.2 0.4 0.8 0.3"}}}]})");
     const auto whiteOf = [&](const std::vector<std::string>& options, const std::string& uniforms) {
         std::vector<std::string> arguments{file, "--size", "64x48", "--uniforms"};

@@ -160,7 +160,7 @@ TEST_F(PrintedTextGLTest, AModulesExceptionIsEscaped) {
     const ProgramResult result = korl(
         {"render", "--size", "8x8", "-o", folder / "p.png", "--no-default-light", "--light", "Type" + raw});
     EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.errors, HasSubstr("thrown\\x1b[31m\\x07\nkorl is fine\\x7f\\u009b\n"));
+    EXPECT_THAT(result.errors, HasSubstr("thrown\\x1b[31m\\x07\\nkorl is fine\\x7f\\u009b\""));
 }
 
 TEST_F(PrintedTextGLTest, OutOfMemoryIsToldWithWhatToDo) {
@@ -169,7 +169,8 @@ TEST_F(PrintedTextGLTest, OutOfMemoryIsToldWithWhatToDo) {
                                   KORL_BROKEN_PLUGINS "/failing_frames.so", "--no-default-light", "--light",
                                   "Moody:m", "--set", "m.mood=5"});
     EXPECT_EQ(result.exit_code, 1);
-    EXPECT_EQ(result.errors, "korl: there is not enough memory for this; take a smaller picture or model, "
+    EXPECT_EQ(result.errors, "korl: update of \"m\" in the module \"failing_frames\" failed: there is not "
+                             "enough memory for this; take a smaller picture or model, "
                              "fewer jobs at once, or let the program have more (ulimit -v)\n");
 }
 

@@ -64,6 +64,7 @@ print(shell.create("Sun").latitude)
         script = f"""
 import korl, sys
 shell = korl.Shell(plugins=[{str(BROKEN / "odd_lights.so")!r}])
+shell.add_landscape()
 shell.create("OddLight", "lamp")
 shell.render(8, 8)
 sys.exit(4)

@@ -155,7 +155,7 @@ std::vector<glm::vec4> colorsTimes(const std::vector<Vertex>& vertices, glm::vec
     std::vector<glm::vec4> colors;
     colors.reserve(vertices.size());
     for (const Vertex& vertex : vertices) {
-        colors.emplace_back(glm::clamp(glm::vec3(vertex.color) * factor, 0.0f, 1.0f), vertex.color.a);
+        colors.emplace_back(glm::clamp(glm::vec3(vertex.color) * factor, 0.0f, 1.0f), 1.0f);
     }
     return colors;
 }
@@ -228,7 +228,7 @@ TEST_P(ShaderCompileGLTest, PlacedLightAgreesWithLongDoubles) {
             expected.reserve(vertices.size());
             for (const Vertex& vertex : vertices) {
                 expected.emplace_back(reference(vertex, default_eye, material, place, diffuse, specular),
-                                      vertex.color.a);
+                                      1.0f);
             }
             EXPECT_LT(largestDifference(draw(program, vertices, default_eye, material), expected), 2e-5f)
                 << "scale " << scale << ", shininess " << material.shininess;
@@ -268,7 +268,7 @@ std::vector<glm::vec4> drawFixed(const std::vector<Vertex>& vertices, glm::vec3 
     glBegin(GL_POINTS);
     for (const Vertex& vertex : vertices) {
         glNormal3fv(&vertex.normal[0]);
-        glColor4fv(&vertex.color[0]);
+        glColor3fv(&vertex.color[0]); // surfaces are opaque
         glVertex3fv(&vertex.position[0]);
     }
     glEnd();
