@@ -10,6 +10,7 @@
 #include <new>
 #include <stdexcept>
 #include <thread>
+#include <typeinfo>
 #include <unistd.h>
 
 namespace korl {
@@ -56,10 +57,13 @@ TEST(ModuleCallTest, NamesTheModuleOfTheClass) {
     const int handle = 0;
     const Lamp object("lamp");
     enterModule("lamps", &handle, &typeid(object)); // the library of this test
-    EXPECT_EQ(errorOf("lamp", [] { throw std::bad_alloc(); }),
-              "illuminate of \"lamp\" in the module \"lamps\" threw the exception \"std::bad_alloc\"; the "
-              "module has to "
-              "be mended by its maker");
+    EXPECT_EQ(errorOf("lamp", [] { throw std::bad_cast(); }),
+              "illuminate of \"lamp\" in the module \"lamps\" threw the exception \"std::bad_cast\"; the "
+              "module has to be mended by its maker");
+    EXPECT_EQ(
+        errorOf("lamp", [] { throw std::bad_alloc(); }), // nobody's fault
+        "illuminate of \"lamp\" in the module \"lamps\" failed: there is not enough memory for this; take "
+        "a smaller picture or model, fewer jobs at once, or let the program have more (ulimit -v)");
     leaveModule(&handle);
 }
 
