@@ -28,7 +28,7 @@ constexpr glm::vec3 white{1, 1, 1};
 void requireFinite(const aiVector3D& position) {
     if (!std::isfinite(position.x) || !std::isfinite(position.y) || !std::isfinite(position.z))
         refuse("it has a vertex at (" + std::to_string(position.x) + ", " + std::to_string(position.y) +
-               ", " + std::to_string(position.z) + "), which is no place");
+               ", " + std::to_string(position.z) + "), which is not a place");
 }
 
 /// A mesh where a node has it.

@@ -68,7 +68,7 @@ void addProperty(Header& header, std::string_view line, const Bytes& bytes) {
     Element& element = header.elements.back();
     if (!element.is_open) // the importer would take it for none of the element's
         bytes.failInLine("a property of the element " + quoted(element.name) +
-                         " stands behind another line; put that line before the element");
+                         " comes after another line; put that line before the element");
     std::string_view type = takeWord(line);
     const Type* count_type = nullptr;
     if (type == "list") {
@@ -124,7 +124,7 @@ Header takeHeader(Bytes& bytes) {
     while (bytes.rest.find('\n') != std::string_view::npos) {
         std::string_view line = *bytes.takeLine();
         if (std::any_of(line.begin(), line.end(), [](char c) { return c >= 0 && c < ' ' && c != '\t'; }))
-            fail("its header has bytes that are no text");
+            fail("its header has bytes that are not text");
         const std::string_view keyword = takeWord(line);
         if (keyword != "property" && !header.elements.empty())
             header.elements.back().is_open = false;

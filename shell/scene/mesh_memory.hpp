@@ -40,7 +40,7 @@ private:
 class MeshWriter {
 public:
     /// @param file an empty one, which must outlive this. Like all that follows, throws Error where there is
-    /// no room for more.
+    /// no space left.
     explicit MeshWriter(const MemoryFile& file);
 
     void put(std::uint64_t number);

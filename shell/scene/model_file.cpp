@@ -50,7 +50,7 @@ std::string otherKind(fs::file_type type) {
     case fs::file_type::character:
         return "a device";
     default:
-        return "no regular file";
+        return "not a regular file";
     }
 }
 
@@ -84,7 +84,7 @@ void requireModelFile(const fs::path& file) {
     if (extension.empty())
         refuse("its name has no extension to tell the format; those that can be read are " + extensionList());
     if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
-        refuse("a " + extension + " file is no model that can be read; those that can are " +
+        refuse("a " + extension + " file is not a model that can be read; those that can are " +
                extensionList());
 }
 

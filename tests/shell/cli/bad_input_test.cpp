@@ -129,10 +129,11 @@ TEST_F(BadInput, Models) {
     folder.write("truncated.ply", "ply\nformat ascii 1.0\nelement vertex 3\n");
     expectError({"render", "--light", "AmbientLight", "--model", "DIR/nowhere.obj"}, 1,
                 "cannot read the model DIR/nowhere.obj: there is no such file; check the path");
-    expectError({"render", "--light", "AmbientLight", "--model", "DIR/notes.txt"}, 1,
-                "cannot read the model DIR/notes.txt: a .txt file is no model that can be read; those that "
-                "can are .obj, "
-                ".ply, .stl, .gltf, .glb, .3ds");
+    expectError(
+        {"render", "--light", "AmbientLight", "--model", "DIR/notes.txt"}, 1,
+        "cannot read the model DIR/notes.txt: a .txt file is not a model that can be read; those that "
+        "can are .obj, "
+        ".ply, .stl, .gltf, .glb, .3ds");
     expectError(
         {"render", "--light", "AmbientLight", "--model", "DIR/truncated.ply"}, 1,
         "cannot read the model DIR/truncated.ply: it is damaged or truncated: its header is incomplete");

@@ -33,7 +33,7 @@ const std::map<std::string, std::string> messages{
     {"no_corners.ply", damaged + "its faces have no list \"vertex_indices\""},
     // What ends an element's properties for the reader.
     {"comment_among_properties.ply", damaged +
-                                         "line 6: a property of the element \"vertex\" stands behind another "
+                                         "line 6: a property of the element \"vertex\" comes after another "
                                          "line; put that line before the element"},
     // Numbers that are read as others, or in part.
     {"beyond_type.ply", damaged + "line 13: \"300\" is beyond the type \"uchar\""},

@@ -52,7 +52,7 @@ TEST_F(DamagedModelTest, WhatIsNoModelIsRefused) {
     EXPECT_EQ(errorOf(""), "cannot read the model : there is no such file; check the path");
     EXPECT_EQ(errorOfText("empty.obj", ""), "it is empty");
     EXPECT_EQ(errorOfText("model.xyz", "v 0 0 0\n"),
-              std::string("a .xyz file is no model that can be read; those that can are ") + list);
+              std::string("a .xyz file is not a model that can be read; those that can are ") + list);
     EXPECT_EQ(errorOfText("model", "v 0 0 0\n"),
               std::string("its name has no extension to tell the format; those that can be read are ") +
                   list);
@@ -76,9 +76,9 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
         {"one.obj", "v 1 2 3\nv 1 2 3\nv 1 2 3\nf 1 2 3\n",
          "all its vertices are in one place, so that it has no size"},
         {"nan.obj", "v 0 0 0\nv nan 0 0\nv 0 1 0\nf 1 2 3\n",
-         "it has a vertex at (nan, 0.000000, 0.000000), which is no place"},
+         "it has a vertex at (nan, 0.000000, 0.000000), which is not a place"},
         {"inf.ply", ply + "0 0 0\n1 inf 0\n0 1 0\n3 0 1 2\n",
-         "it has a vertex at (1.000000, inf, 0.000000), which is no place"},
+         "it has a vertex at (1.000000, inf, 0.000000), which is not a place"},
         {"other.ply", "solid\n", damaged + "it does not begin with a line \"ply\""},
         {"head.ply", ply.substr(0, ply.size() - 1), damaged + "its header is incomplete"},
         {"format.ply", "ply\nelement vertex 0\nend_header\n", damaged + "its header is incomplete"},
@@ -93,7 +93,7 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
         {"bare.ply", "ply\nformat ascii 1.0\nelement vertex 9\nend_header\n",
          damaged + "its header has no properties for the element \"vertex\""},
         {"zero.ply", std::string("ply\nformat ascii 1.0\nelement vertex 0\0\nend_header\n", 51),
-         damaged + "its header has bytes that are no text"},
+         damaged + "its header has bytes that are not text"},
         {"missing.ply", ply + "0 0 0\n1 0 0\n", damaged + "vertex 2 of 3 is missing"},
         {"short.ply", ply + "0 0 0\n1 0\n0 1 0\n3 0 1 2\n", damaged + "line 11: vertex 1 of 3 is incomplete"},
         {"word.ply", ply + "0 0 0\n1 zero 0\n0 1 0\n3 0 1 2\n",
