@@ -1,6 +1,7 @@
 #include "shell/importer/companion_files.hpp"
 
 #include "shell/base/printable.hpp"
+#include "shell/scene/file_output.hpp"
 #include "shell/scene/model_file.hpp"
 
 #include <algorithm>
@@ -11,16 +12,9 @@ namespace korl {
 
 namespace fs = std::filesystem;
 
-bool ModelPlace::allows(const fs::path& named) const {
-    std::error_code problem;
-    if (anywhere || !fs::exists(named, problem))
-        return true;
-    const fs::path real = fs::canonical(named, problem);
-    const fs::path folder = fs::canonical(file.parent_path(), problem);
-    return !problem &&
-           std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first == folder.end();
-}
+namespace {
 
+/// A path as a URI writes it, with each %XX as the character that it stands for.
 std::string percentDecoded(std::string_view uri) {
     std::string decoded;
     for (std::size_t i = 0; i < uri.size(); ++i) {
@@ -32,6 +26,31 @@ std::string percentDecoded(std::string_view uri) {
         i += is_escape ? 2 : 0;
     }
     return decoded;
+}
+
+/// One text for all the ways to write a path: some write backslashes, and the importer doubles slashes.
+std::string normalized(std::string name) {
+    std::replace(name.begin(), name.end(), '\\', '/');
+    return fs::path(name).relative_path().lexically_normal().string();
+}
+
+} // namespace
+
+fs::path ModelPlace::fileOf(const std::string& name) const {
+    std::error_code problem;
+    const fs::path folder = file.parent_path();
+    const bool is_uri = suffixOf(file) == ".gltf" || suffixOf(file) == ".glb";
+    return folder / (is_uri && !fs::exists(folder / name, problem) ? percentDecoded(name) : name);
+}
+
+bool ModelPlace::allows(const fs::path& named) const {
+    std::error_code problem;
+    if (anywhere || !fs::exists(named, problem))
+        return true;
+    const fs::path real = fs::canonical(named, problem);
+    const fs::path folder = fs::canonical(file.parent_path(), problem);
+    return !problem &&
+           std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first == folder.end();
 }
 
 bool CompanionFiles::Exists(const char* file) const {
@@ -59,17 +78,14 @@ std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
         return std::nullopt;
     }
     std::error_code problem;
-    fs::path file = my_place.file.parent_path() / name;
-    if (!fs::exists(file, problem) && extensionOf(my_place.file) == ".gltf")
-        file = my_place.file.parent_path() / percentDecoded(name);
-    // The importer tries several paths for each name. What counts is whether one of them leads to the file.
-    const std::string file_name = name.substr(name.find_last_of("/\\") + 1);
+    const fs::path file = my_place.fileOf(name);
+    const std::string path = normalized(name);
     const fs::file_type type = fs::status(file, problem).type();
     if (type == fs::file_type::not_found) {
         // Where a material library is missing, the importer tries the one of the model's own name.
         if (my_left_out.empty() || file.stem() != my_place.file.stem())
-            my_left_out.emplace(file_name,
-                                "the file " + shown + " that it names is not there and was left out");
+            my_left_out.try_emplace(
+                path, "the file " + shown + " that it names is not there and was left out", true);
         return std::nullopt;
     }
     if (const std::string kind = otherKind(type); !kind.empty()) {
@@ -77,13 +93,14 @@ std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
         return std::nullopt;
     }
     if (!my_place.allows(file)) {
-        my_left_out.emplace(file_name,
-                            "the file " + shown +
-                                " that it names lies outside its folder and was left out; allow it "
-                                "with --model-anywhere (model_anywhere in Python)");
+        my_left_out.try_emplace(path,
+                                "the file " + shown +
+                                    " that it names lies outside its folder and was left out; allow it "
+                                    "with --model-anywhere (model_anywhere in Python)",
+                                false);
         return std::nullopt;
     }
-    my_left_out.erase(file_name);
+    my_opened.insert(path);
     return file;
 }
 
@@ -92,10 +109,26 @@ void CompanionFiles::refuse(const std::string& reason) {
         my_refusal = reason;
 }
 
+bool CompanionFiles::isOpened(std::string_view path) const {
+    while (!my_opened.contains(path)) {
+        const std::size_t slash = path.find('/');
+        if (slash == std::string_view::npos)
+            return false;
+        path.remove_prefix(slash + 1);
+    }
+    return true;
+}
+
 std::vector<std::string> CompanionFiles::notes() const {
+    constexpr std::size_t most_notes = 10;
     std::vector<std::string> notes;
-    for (const auto& [file_name, note] : my_left_out)
-        notes.push_back(note);
+    std::size_t more = 0;
+    for (const auto& [path, left_out] : my_left_out)
+        if (!(left_out.is_missing && isOpened(path)) && ++more <= most_notes)
+            notes.push_back(left_out.note);
+    if (more > most_notes)
+        notes.push_back("of the files that it names, " + std::to_string(more - most_notes) +
+                        " more were left out");
     return notes;
 }
 

@@ -110,9 +110,7 @@ std::uint64_t readBuffer(const JsonValue& buffer, const Place& place, const Mode
         where.fail(quoted + " is a URI of the scheme \"" + std::string(scheme) +
                    "\"; only files and \"data\" are read");
     std::error_code problem;
-    fs::path file = model.file.parent_path() / text;
-    if (!fs::exists(file, problem))
-        file = model.file.parent_path() / percentDecoded(text);
+    const fs::path file = model.fileOf(text);
     const fs::file_type type = fs::status(file, problem).type();
     if (type == fs::file_type::not_found)
         where.fail("there is no file " + quoted);

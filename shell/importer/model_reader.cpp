@@ -8,7 +8,7 @@
 #include "shell/importer/model_limits.hpp"
 #include "shell/importer/ply_check.hpp"
 #include "shell/importer/unshown.hpp"
-#include "shell/scene/model_file.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <algorithm>
 #include <assimp/config.h>
@@ -80,7 +80,7 @@ void requireSoundGlb(const std::string& bytes, const ModelPlace& place) {
 
 /// Refuses damaged files that Assimp would crash on, hang on or read in part without a word.
 void requireSound(const ModelPlace& place) {
-    const std::string extension = extensionOf(place.file), bytes = bytesOf(place.file);
+    const std::string extension = suffixOf(place.file), bytes = bytesOf(place.file);
     if (extension == ".ply")
         requireSoundPly(bytes);
     if (extension == ".stl" && bytes.starts_with("solid") && !isBinaryStl(bytes) &&
@@ -150,7 +150,7 @@ ModelContent readWithAssimp(const ModelPlace& place) {
     Assimp::Importer importer;
     auto* const files = new CompanionFiles(place);
     importer.SetIOHandler(files); // which the importer owns
-    keepReadersOf(extensionOf(place.file), importer);
+    keepReadersOf(suffixOf(place.file), importer);
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_POINT | aiPrimitiveType_LINE);
     // What is not drawn must not keep vertices apart that are identical otherwise.
     importer.SetPropertyInteger(AI_CONFIG_PP_RVC_FLAGS,

@@ -1,10 +1,10 @@
 #include "shell/scene/model_file.hpp"
 
 #include "shell/error.hpp"
+#include "shell/scene/file_output.hpp"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <system_error>
 
 namespace korl {
@@ -28,13 +28,6 @@ std::string extensionList() {
 }
 
 } // namespace
-
-std::string extensionOf(const fs::path& file) {
-    std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return extension;
-}
 
 std::string otherKind(fs::file_type type) {
     switch (type) {
@@ -80,7 +73,7 @@ void requireModelFile(const fs::path& file) {
         refuse("it is a directory; give the name of a model file");
     if (!fs::is_regular_file(status))
         refuse("it is " + otherKind(status.type()) + "; give the name of a model file");
-    const std::string extension = extensionOf(file);
+    const std::string extension = suffixOf(file);
     if (extension.empty())
         refuse("its name has no extension to tell the format; those that can be read are " + extensionList());
     if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())

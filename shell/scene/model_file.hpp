@@ -9,8 +9,8 @@ namespace korl {
 /// How korl-import ends where a model takes more memory than it may have.
 inline constexpr int import_exit_code_no_memory = 3;
 
-/// The extension of a file's name in small letters, with its dot.
-std::string extensionOf(const std::filesystem::path& file);
+/// How it ends where what it has read cannot be handed over.
+inline constexpr int import_exit_code_not_handed_over = 4;
 
 /// Throws Error that doesn't name the file, for one that is not there, whose name is a URI, that is not
 /// a regular file, and whose name tells of no format of models that can be read. Opens nothing.

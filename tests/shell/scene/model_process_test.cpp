@@ -197,6 +197,20 @@ TEST_F(ModelProcessTest, FilesBesideTheModelAreReadAndOthersLeftOut) {
         EXPECT_EQ(notesOf("sail.obj"), Notes());
         EXPECT_EQ(importModel(my_folder / "sail.obj", UpAxis::y, reading).colors.at(0), glm::vec3(1, 0, 0));
     }
+    writeBytes(my_folder / "red.mtl", "newmtl red\nKd 1 0 0\n");
+    for (const std::string& first : {up, std::string("inside/blue.mtl")}) {
+        reading.anywhere = false;
+        std::filesystem::create_directory(my_folder / "other");
+        writeBytes(my_folder / "other/blue.mtl", "newmtl blue\n");
+        write(first + "\nmtllib red.mtl\nmtllib other/blue.mtl");
+        EXPECT_EQ(notesOf("sail.obj").size(), 1u) << first;
+    }
+    std::string many = "no0.mtl";
+    for (int i = 1; i < 12; ++i)
+        many += "\nmtllib no" + std::to_string(i) + ".mtl";
+    write(many);
+    EXPECT_EQ(notesOf("sail.obj").size(), 11u);
+    EXPECT_EQ(notesOf("sail.obj").back(), "of the files that it names, 2 more were left out");
     write("no\x1bwhere.mtl");
     EXPECT_EQ(notesOf("sail.obj"),
               Notes{"the file \"no\\x1bwhere.mtl\" that it names is not there and was left out"});
