@@ -9,8 +9,10 @@
 #include "shell/importer/model_reader.hpp"
 #include "shell/importer/process_limits.hpp"
 #include "shell/scene/mesh_memory.hpp"
+#include "shell/scene/model_file.hpp"
 #include "shell/scene/model_import.hpp"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -43,6 +45,7 @@ int main(int argument_count, char** arguments) {
         return 2;
     }
     endWithParent(static_cast<pid_t>(std::strtol(arguments[4], nullptr, 10)));
+    std::signal(SIGXFSZ, SIG_IGN); // a MemoryFile counts as a file: let writing beyond `ulimit -f` fail
     limitMemory(std::strtoull(arguments[3], nullptr, 10));
 
     ModelContent content;
@@ -57,7 +60,7 @@ int main(int argument_count, char** arguments) {
         hand(MemoryFile(shared_descriptor), refusal, content);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
-        std::_Exit(1);
+        std::_Exit(import_exit_code_not_handed_over);
     }
     std::_Exit(0); // nothing is worth being taken apart first
 }

@@ -19,20 +19,28 @@ void endWithoutMemory() {
     ::_exit(import_exit_code_no_memory);
 }
 
-#ifdef KORL_SANITIZED
-void requireResidentBelow(std::uint64_t bytes) {
+/// What counts of this process's memory, in pages: its addresses or, with sanitizers, which reserve terabytes
+/// of these, what is resident.
+std::uint64_t pagesInUse() {
     std::uint64_t size = 0, resident = 0;
     std::ifstream("/proc/self/statm") >> size >> resident;
-    if (resident * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) > bytes)
+#ifdef KORL_SANITIZED
+    return resident;
+#else
+    return size;
+#endif
+}
+
+void requireLessThan(std::uint64_t bytes) {
+    if (pagesInUse() * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) > bytes)
         endWithoutMemory();
 }
 
-/// Sanitizers reserve terabytes of addresses, so that what is resident is watched instead.
-void watchResidentSize(std::uint64_t bytes) {
-    requireResidentBelow(bytes); // before the watcher has its turn all may be over
+#ifdef KORL_SANITIZED
+void watchMemory(std::uint64_t bytes) {
     std::thread([=] {
         for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5)))
-            requireResidentBelow(bytes);
+            requireLessThan(bytes);
     }).detach();
 }
 #endif
@@ -49,8 +57,9 @@ void limitMemory(std::uint64_t bytes) {
     const rlimit no_core{0, 0};
     ::setrlimit(RLIMIT_CORE, &no_core);
     std::set_new_handler(endWithoutMemory);
+    requireLessThan(bytes); // a limit below this would end the process in some other way
 #ifdef KORL_SANITIZED
-    watchResidentSize(bytes);
+    watchMemory(bytes);
 #else
     const rlimit addresses{bytes, bytes};
     ::setrlimit(RLIMIT_AS, &addresses);

@@ -58,6 +58,24 @@ std::string lastLineIn(const MemoryFile& log) {
                 "format.");
 }
 
+[[noreturn]] void failToHandOver(const MemoryFile& log) {
+    const std::string last_line = lastLineIn(log);
+    throw Error((last_line.empty() ? "a mesh cannot be handed to another process" : last_line) +
+                "\nIt takes memory, and counts as a file where the size of files is limited (ulimit -f).");
+}
+
+/// Waits for the reader's end. @returns nothing where it takes too long.
+std::optional<int> waitFor(ChildProcess& child, const ModelReading& reading) {
+    constexpr std::chrono::milliseconds slice{100};
+    std::optional<int> status;
+    for (auto left = reading.timeout; !status && left.count() > 0; left -= slice) {
+        status = child.waitFor(std::min(slice, left));
+        if (!status && reading.meanwhile)
+            reading.meanwhile();
+    }
+    return status;
+}
+
 /// Has korl-import read the file, and takes over what that hands back.
 Mesh readInChild(const fs::path& file, UpAxis up, const ModelReading& reading) {
     const MemoryFile result, log;
@@ -67,15 +85,17 @@ Mesh readInChild(const fs::path& file, UpAxis up, const ModelReading& reading) {
     // The reader clears large buffers; in large pages that takes half of the time of a small model.
     start.environment = {{"GLIBC_TUNABLES", "glibc.malloc.hugetlb=1"}};
     start.shared = result.descriptor();
-    start.log = "/proc/self/fd/" + std::to_string(log.descriptor());
+    start.output = log.descriptor();
     ChildProcess child(start);
-    const std::optional<int> status = child.waitFor(reading.timeout);
+    const std::optional<int> status = waitFor(child, reading);
     if (!status) {
         child.kill();
         failForTime(reading);
     }
     if (WIFEXITED(*status) && WEXITSTATUS(*status) == import_exit_code_no_memory)
         failForMemory(reading);
+    if (WIFEXITED(*status) && WEXITSTATUS(*status) == import_exit_code_not_handed_over)
+        failToHandOver(log);
     if (!result.isSealed())
         failForCrash(*status, log);
 

@@ -21,6 +21,8 @@ struct ModelReading {
     bool anywhere = false;                 ///< the file may name others that lie outside its folder
     /// Takes what the user should know about a model that was read all the same: what of it is not shown.
     std::function<void(const std::string&)> tell{};
+    /// Called every 100 ms while the file is read. What it throws ends the reading.
+    std::function<void()> meanwhile{};
 
     /// Half of the machine's memory, in bytes.
     static std::uint64_t halfOfMemory();

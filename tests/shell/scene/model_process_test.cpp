@@ -5,10 +5,12 @@
 #include "tests/shell/scene/model_files.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -73,6 +75,19 @@ std::vector<pid_t> children() {
     return found;
 }
 
+/// The process that reads a model, once it runs korl-import; 0 where there is none before the reading is
+/// done.
+pid_t startedReader(const std::atomic<bool>& is_done) {
+    while (!is_done)
+        for (const pid_t child : children()) {
+            std::string name;
+            std::ifstream("/proc/" + std::to_string(child) + "/comm") >> name;
+            if (name == "korl-import")
+                return child;
+        }
+    return 0;
+}
+
 TEST_F(ModelProcessTest, ReadingEndsWithItsTime) {
     writeLargeModel("large.obj");
     reading.timeout = std::chrono::milliseconds(2);
@@ -89,6 +104,31 @@ TEST_F(ModelProcessTest, ReadingEndsWithItsMemory) {
               "more with --model-memory (model_memory in Python).");
 }
 
+TEST_F(ModelProcessTest, ReadingMayBeStopped) {
+    writeLargeModel("large.obj");
+    reading.meanwhile = [] { throw Error("stopped"); };
+    EXPECT_EQ(errorOf("large.obj"), "stopped");
+    EXPECT_TRUE(children().empty());
+}
+
+TEST_F(ModelProcessTest, AMeshCountsAsAFile) {
+    std::string text;
+    for (int i = 1; i <= 300; ++i)
+        text += "v " + std::to_string(i) + " " + std::to_string(i * i) + " 0\n";
+    for (int i = 1; i <= 298; ++i)
+        text += "f " + std::to_string(i) + " " + std::to_string(i + 1) + " " + std::to_string(i + 2) + "\n";
+    writeBytes(my_folder / "band.obj", text);
+    rlimit usual{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &usual), 0);
+    const rlimit small{4096, usual.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const std::string error = errorOf("band.obj");
+    ::setrlimit(RLIMIT_FSIZE, &usual);
+    EXPECT_EQ(error,
+              "a mesh cannot be handed to another process: File too large\nIt takes memory, and counts "
+              "as a file where the size of files is limited (ulimit -f).");
+}
+
 TEST_F(ModelProcessTest, ByDefaultItGetsFiveMinutesAndHalfOfTheMemory) {
     reading = {};
     EXPECT_EQ(reading.timeout, std::chrono::minutes(5));
@@ -101,12 +141,13 @@ TEST_F(ModelProcessTest, ByDefaultItGetsFiveMinutesAndHalfOfTheMemory) {
 TEST_F(ModelProcessTest, AReaderThatIsKilledIsAnError) {
     writeLargeModel("large.obj");
     std::string error;
-    std::thread import([&] { error = errorOf("large.obj"); });
-    for (std::vector<pid_t> found; found.empty();) {
-        found = children();
-        for (const pid_t child : found)
-            ::kill(child, SIGKILL);
-    }
+    std::atomic<bool> is_done = false;
+    std::thread import([&] {
+        error = errorOf("large.obj");
+        is_done = true;
+    });
+    if (const pid_t reader = startedReader(is_done); reader > 0)
+        ::kill(reader, SIGKILL);
     import.join();
     EXPECT_EQ(error,
               "the program that reads it crashed: signal 9 (Killed)\nThe file is probably damaged; write "
@@ -121,17 +162,20 @@ TEST_F(ModelProcessTest, AReaderEndsWithTheProcessThatWaitsForIt) {
     ASSERT_EQ(::pipe(ends), 0); // the reader inherits neither end; what is read tells its number
     const pid_t importer = ::fork();
     if (importer == 0) {
-        std::thread import([&] { errorOf("large.obj"); });
-        std::vector<pid_t> found;
-        while (found.empty())
-            found = children();
-        const bool is_told = ::write(ends[1], found.data(), sizeof found[0]) == sizeof found[0];
+        std::atomic<bool> is_done = false;
+        std::thread import([&] {
+            errorOf("large.obj");
+            is_done = true;
+        });
+        const pid_t found = startedReader(is_done);
+        const bool is_told = ::write(ends[1], &found, sizeof found) == sizeof found;
         ::_exit(is_told ? 0 : 1);
     }
     pid_t reader = 0;
     ASSERT_EQ(::read(ends[0], &reader, sizeof reader), static_cast<ssize_t>(sizeof reader));
     ::close(ends[0]);
     ::close(ends[1]);
+    ASSERT_GT(reader, 0);
     // It goes, though nobody has waited for it: it is nobody's child any more, or waited for by init.
     const auto is_there = [&] {
         std::ifstream status("/proc/" + std::to_string(reader) + "/stat");
