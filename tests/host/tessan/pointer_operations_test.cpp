@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <map>
 #include <set>
+#include <sys/resource.h>
 #include <type_traits>
 #include <vector>
 
@@ -64,6 +65,12 @@ TEST(PointerDeathTest, StarWithoutAnObjectIsReportedBeforeTheProcessEnds) {
     const WeakPtr<Thing> weak;
     EXPECT_DEATH(++(*strong).number, "strong pointer to .*Thing was dereferenced, but its object is gone");
     EXPECT_DEATH(++(*weak).number, "weak pointer to .*Thing was dereferenced, but its object is gone");
+}
+
+TEST(PointerDeathTest, LeavesNoCoreFile) {
+    rlimit of_cores{1, 1};
+    ASSERT_EQ(getrlimit(RLIMIT_CORE, &of_cores), 0);
+    EXPECT_EQ(of_cores.rlim_max, 0u); // as in every test program
 }
 
 TEST(StrongPtr, ServesAsAKey) {
