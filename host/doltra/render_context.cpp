@@ -12,6 +12,8 @@ namespace {
 
 using LivingContexts = Tessan::Living<VRenderContext>;
 
+/// Like all that reaches the objects of a module that goes, this takes for granted that no other thread
+/// renders or makes light sources meanwhile.
 struct LightSourceDropper final : VActionNotifier {
     void instancesDeleted(const std::type_info&) override { VRenderContext::dropLightSources(); }
 };
@@ -42,7 +44,7 @@ void VRenderContext::enableLightSource(const Tessan::StrongPtr<RenderNamespace::
 }
 
 void VRenderContext::beginRendering() noexcept {
-    my_enabled.clear(); // keeps its room, so that a steady frame allocates nothing
+    my_enabled.clear(); // keeps its memory, so that a steady frame allocates nothing
     my_light_number = 1;
 }
 

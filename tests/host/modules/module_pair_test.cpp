@@ -130,6 +130,19 @@ TEST_F(ModulePair, LightSourceThatOutlivesTheLastCreatorOfItsModuleIsReported) {
                     "of before the module is unloaded"));
 }
 
+TEST_F(ModulePair, LightSourceThatOutlivesItsModuleIsReportedOnce) {
+    // Never let go of: its destructor goes with the module.
+    static auto& kept = *new StrongPtr<LightSource>;
+    VRenderContext context(Tessan::makeStrong<ValuePool>());
+    const auto first = creator("twin_one").create("a");
+    light(first).illuminate(context);
+    kept = context.enabledLightSources()[0];
+    one.unload();
+    EXPECT_THAT(heard.places, ElementsAre("LightSource"));
+    two.unload(); // which looks among the light sources for its own
+    EXPECT_THAT(heard.places, ElementsAre("LightSource"));
+}
+
 std::string outputOf(const std::function<void()>& action) {
     testing::internal::CaptureStdout();
     action();
