@@ -178,10 +178,11 @@ std::vector<std::string> uniformNames(std::string_view snippet) {
     for (const std::string_view declaration : uniformDeclarations(text)) {
         for (const std::string_view part : declarators(declaration)) {
             std::string_view rest = part;
-            if (const std::size_t body_end = part.rfind('}'); body_end != std::string_view::npos) {
+            // A brace behind "=" begins a value.
+            if (const std::size_t at = part.find_first_of("{="); at < part.size() && part[at] == '{') {
                 if (takeName(rest) != "struct")
                     continue; // a block
-                rest = part.substr(body_end + 1);
+                rest = part.substr(part.find('}') + 1);
             }
             rest = rest.substr(0, rest.find_first_of("[="));
             std::string_view name; // the last word, behind the type
