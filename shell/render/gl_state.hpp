@@ -17,7 +17,7 @@ public:
     DrawingState();
 
     /// Multisampling and the depth test are on, everything else that changes fragments, geometry or what is
-    /// kept of them is off or has OpenGL's default; no program, buffer for pixels or vertex array is bound.
+    /// kept of them is off or has OpenGL's default; no program or vertex array is bound.
     void set() const;
 
 private:

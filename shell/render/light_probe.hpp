@@ -26,7 +26,9 @@ struct LightSample {
 };
 
 /// Evaluates lights one by one, in the driver: a light's snippet, with the values that its uniforms have. A
-/// context must be current; its framebuffer and state are left as they were.
+/// context must be current. What glPushAttrib keeps of its state is left as it was, and so are its
+/// framebuffers. No program, vertex array or buffer texture stays bound, and pixels are read as
+/// `setReadingState` says.
 class LightProbe {
 public:
     /// What a light source gives at points in scene space.
