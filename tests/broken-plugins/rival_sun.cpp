@@ -1,9 +1,10 @@
-// A module with a type of a name that another module has too.
+// A module with a type of a name that another module has too: Sun, or what KORL_TEST_RIVAL names.
 
 #include <doltra/vlight_source.hpp>
 #include <sorvik/creator.hpp>
 #include <sorvik/typed_slot.hpp>
 
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -21,13 +22,18 @@ struct RivalSun : Qelt::VLightSource {
     Qelt::TypedSlot<double> warmth{this, "warmth", 1};
 };
 
+std::string rivalName() {
+    const char* const name = std::getenv("KORL_TEST_RIVAL");
+    return name ? name : "Sun";
+}
+
 struct Module {
     Module() { VInitialization::initPlugin(0, "rival_sun", VInitialization::interfaceKey); }
     ~Module() { VInitialization::initPlugin(1, "rival_sun", VInitialization::interfaceKey); }
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    Qelt::VCreator<RivalSun, void> sun{std::string("Sun"), 0};
+    Qelt::VCreator<RivalSun, void> sun{rivalName(), 0};
 };
 
 const Module module_of_this_library;

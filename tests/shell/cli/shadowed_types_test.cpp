@@ -44,6 +44,16 @@ TEST_F(ShadowedTypes, HaveIconsOfTheirOwn) {
     korl({"types", "--icons", folder.path()});
     EXPECT_TRUE(std::filesystem::exists(folder / "Sun.png"));
     EXPECT_TRUE(std::filesystem::exists(folder / "Torch.png"));
+    const std::string torch = bytesOf(folder / "Torch.png");
+    // The shadowed one of two torches has its own.
+    const korl::test::TemporaryFolder torches;
+    const ProgramResult result = runProgram(
+        KORL_PROGRAM, {"types", "--icons", torches.path(), "--plugin", KORL_BROKEN_PLUGINS "/rival_sun.so"},
+        {{"KORL_TEST_RIVAL", "Torch"}});
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(bytesOf(torches / "tovek_light.Torch.png"), torch);
+    EXPECT_NE(bytesOf(torches / "Torch.png"), torch);
+    EXPECT_TRUE(std::filesystem::exists(torches / "Torch.png"));
 }
 
 TEST_F(ShadowedTypes, AreReachedByTheirModule) {
