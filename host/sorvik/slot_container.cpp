@@ -81,7 +81,7 @@ std::string VSlotGlobals::conversionFailure(const VParameter& held, const std::t
     const std::string parameter = "parameter \"" + held.Name() + "\" ";
     const std::string wanted = Typename(value), found = Typename(held.type());
     if (found != wanted)
-        return parameter + "is no " + wanted + " but a " + found;
+        return parameter + "is not a " + wanted + " but a " + found;
     const std::string wanted_class = Typename(expected), found_class = Typename(typeid(held));
     if (found_class != wanted_class)
         return parameter + "has a " + wanted + ", but is a " + found_class + ", not a " + wanted_class;

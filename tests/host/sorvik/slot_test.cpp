@@ -53,7 +53,7 @@ TEST(TypedSlot, ParameterOfAnotherTypeIsReported) {
     EXPECT_THAT(
         heard.places,
         ElementsAre("TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel"));
-    EXPECT_THAT(heard.messages, ElementsAre("parameter \"tint\" is no double but a Orvid::rgba_float_t"));
+    EXPECT_THAT(heard.messages, ElementsAre("parameter \"tint\" is not a double but a Orvid::rgba_float_t"));
     EXPECT_EQ(object.findParameter("tint")->type(), typeid(rgba_float_t));
 }
 
