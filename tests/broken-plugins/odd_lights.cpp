@@ -15,8 +15,8 @@ namespace {
 using namespace Qelt;
 
 int callMyself(int depth) {
-    volatile char room[4096] = {};
-    return depth == 0 ? room[0] : callMyself(depth + 1) + room[depth % 4096];
+    volatile char space[4096] = {};
+    return depth == 0 ? space[0] : callMyself(depth + 1) + space[depth % 4096];
 }
 
 std::string wanted(const char* variable) {

@@ -39,7 +39,7 @@ TEST(Chunk, BytesAreCountedWhileItLives) {
         EXPECT_EQ(ChunkBase::TotalMemsize, before + 200 * sizeof(double));
         chunk.resize(250);
         EXPECT_EQ(ChunkBase::TotalMemsize, before + 250 * sizeof(double));
-        chunk.resize(10); // keeps the room
+        chunk.resize(10); // keeps the memory
         EXPECT_EQ(ChunkBase::TotalMemsize, before + 250 * sizeof(double));
     }
     EXPECT_EQ(ChunkBase::TotalMemsize, before);

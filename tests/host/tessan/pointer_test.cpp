@@ -147,12 +147,12 @@ TEST(StrongPtr, LearnsThatItsObjectWasDeleted) {
 
 TEST(StrongPtr, ConstructionFromItselfIsReported) {
     HeardReports heard;
-    alignas(StrongPtr<Thing>) unsigned char room[sizeof(StrongPtr<Thing>)] = {};
-    auto* const itself = reinterpret_cast<StrongPtr<Thing>*>(room);
-    const auto* made = new (room) StrongPtr<Thing>(*itself);
+    alignas(StrongPtr<Thing>) unsigned char memory[sizeof(StrongPtr<Thing>)] = {};
+    auto* const itself = reinterpret_cast<StrongPtr<Thing>*>(memory);
+    const auto* made = new (memory) StrongPtr<Thing>(*itself);
     EXPECT_FALSE(*made);
     made->~StrongPtr();
-    made = new (room) StrongPtr<Thing>(std::move(*itself));
+    made = new (memory) StrongPtr<Thing>(std::move(*itself));
     EXPECT_FALSE(*made);
     made->~StrongPtr();
     EXPECT_THAT(heard.places, ElementsAre("SelfConstruction", "SelfConstruction"));

@@ -154,9 +154,9 @@ TEST(WeakPtr, DoesNotLockDuringDestruction) {
 
 TEST(WeakPtr, ConstructionFromItselfIsReported) {
     HeardReports heard;
-    alignas(WeakPtr<Thing>) unsigned char room[sizeof(WeakPtr<Thing>)] = {};
-    auto* const itself = reinterpret_cast<WeakPtr<Thing>*>(room);
-    const auto* const made = new (room) WeakPtr<Thing>(*itself);
+    alignas(WeakPtr<Thing>) unsigned char memory[sizeof(WeakPtr<Thing>)] = {};
+    auto* const itself = reinterpret_cast<WeakPtr<Thing>*>(memory);
+    const auto* const made = new (memory) WeakPtr<Thing>(*itself);
     EXPECT_FALSE(*made);
     made->~WeakPtr();
     EXPECT_THAT(heard.places, ElementsAre("SelfConstruction"));

@@ -60,7 +60,7 @@ TEST(Unload, RenderContextsLetGoOfLightSourcesWhoseObjectsWentBefore) {
     }
 }
 
-/// Lets go of what it holds when it hears of it, while the module is still there.
+/// Lets go of what it holds when it is told, while the module is still there.
 struct LettingGo : korl::test::HeardReports {
     void printRS(const std::string& message, const char* place) override {
         HeardReports::printRS(message, place);

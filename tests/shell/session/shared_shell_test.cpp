@@ -150,7 +150,7 @@ TEST(SharedShellGLTest, ShellGoesThoughAnotherThreadHasItsContext) {
     std::vector<std::string> reports;
     auto shell = std::make_unique<Shell>([&](const std::string& text) {
         reports.push_back(text);
-        throw std::runtime_error("whoever hears of it has troubles, too");
+        throw std::runtime_error("whoever is told has troubles, too");
     });
     shell->scene().addMesh(triangle);
     shell->render({16, 16});
