@@ -93,6 +93,12 @@ void addMesh(SharedShell& shell, const std::string& name, const FloatRows& verti
     shell.use([&](Shell& used) { used.scene().addMesh(std::move(mesh)); });
 }
 
+void addModel(SharedShell& shared, const std::filesystem::path& file, const std::string& up) {
+    workWithInterrupts(shared, [&](Shell& shell, const Interrupt& interrupt) {
+        shell.scene().addMesh(importModel(file, parseUpAxis(up), interruptibleReading(shell, interrupt)));
+    });
+}
+
 std::vector<std::string> viewNames(Shell& shell) {
     std::vector<std::string> names;
     for (const auto& [name, pool] : shell.scene().views())
@@ -121,9 +127,7 @@ void defineScene(py::module_& module, Session& session) {
     add(session, "remove_view",
         [](Shell& shell, const std::string& name) { shell.scene().removeView(name); });
     add(session, "meshes", meshes);
-    add(session, "add_model", [](Shell& shell, const std::filesystem::path& file, const std::string& up) {
-        shell.scene().addMesh(importModel(file, parseUpAxis(up), shell.modelReading()));
-    });
+    session.def("add_model", &addModel);
     add(session, "model_limits", [](Shell& shell) {
         const ModelReading& reading = shell.modelReading();
         return ModelLimits(std::chrono::duration<double>(reading.timeout).count(), reading.memory / mebibyte,

@@ -8,6 +8,7 @@
 #include <pybind11/stl/filesystem.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 namespace korl::python {
@@ -40,6 +41,17 @@ template <class Work>
 void add(Session& session, const char* name, Work work) {
     session.def(name, inTurn(+work), InTheBackground());
 }
+
+/// Lets Python handle its signals, then runs what it is given, with the interpreter. Throws Error where
+/// Python raised an exception, so that the work ends.
+using Interrupt = std::function<void(const std::function<void()>&)>;
+
+/// Works with the shell in turn and without the interpreter. The work calls `Interrupt` now and then: what
+/// Python raised there, such as at a Ctrl-C, is raised here in the end.
+void workWithInterrupts(SharedShell& shared, const std::function<void(Shell&, const Interrupt&)>& work);
+
+/// Reading models with the shell's limits, which ends with a Ctrl-C.
+ModelReading interruptibleReading(Shell& shell, const Interrupt& interrupt);
 
 /// The folder of the build or the installation that this library belongs to. To be asked for once while the
 /// module is imported: the library's path may be relative to the directory of that moment.

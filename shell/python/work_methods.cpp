@@ -24,8 +24,11 @@ void defineFiles(Session& session) {
     add(session, "save", [](Shell& shell, const std::filesystem::path& file) {
         saveScene(file, shell.scene(), notesOf(shell));
     });
-    add(session, "load_scene", [](Shell& shell, const std::filesystem::path& file) {
-        readSceneFile(file, shell.scene(), {notesOf(shell), modelImportWith(shell.modelReading())});
+    session.def("load_scene", [](SharedShell& shared, const std::filesystem::path& file) {
+        workWithInterrupts(shared, [&](Shell& shell, const Interrupt& interrupt) {
+            readSceneFile(file, shell.scene(),
+                          {notesOf(shell), modelImportWith(interruptibleReading(shell, interrupt))});
+        });
     });
     add(session, "save_rig", [](Shell& shell, const std::filesystem::path& file) {
         saveRig(file, shell.scene(), notesOf(shell));
@@ -38,40 +41,23 @@ void defineFiles(Session& session) {
 
 using Progress = std::tuple<int, int, int>; ///< frames that are made, that were there already, and all
 
-/// Makes a sequence, and tells `progress` of it. An exception of Python's, from there or a Ctrl-C, ends it.
+/// Makes a sequence, and tells `progress` of it.
 Progress animateScene(SharedShell& shared, const SequenceSettings& settings,
                       const std::optional<std::string>& sun_time, const py::object& progress) {
-    std::optional<py::error_already_set> stopped;
     SequenceProgress latest;
-    const auto listen = [&](const SequenceProgress& now) {
-        if (isEnding())
-            throw Error("stopped");
-        const py::gil_scoped_acquire acquired;
-        try {
-            if (PyErr_CheckSignals() != 0)
-                throw py::error_already_set();
-            if (!progress.is_none())
-                progress(now.made + now.kept, now.frames);
-        } catch (py::error_already_set& thrown) {
-            stopped.emplace(thrown);
-            throw Error("stopped"); // what is thrown through the shell must be its own
-        }
-    };
-    try {
-        const Released released;
-        shared.use([&](Shell& shell) {
-            shell.reportEmptyPicture();
-            SequenceSettings all = settings;
-            if (sun_time)
-                all.variations.push_back(sunTime(shell.scene(), *sun_time));
-            latest = animate(shell, all, {.progress = listen, .report = notesOf(shell)});
-        });
-    } catch (const Error&) {
-        if (!stopped)
-            throw;
-    }
-    if (stopped)
-        throw py::error_already_set(*stopped);
+    workWithInterrupts(shared, [&](Shell& shell, const Interrupt& interrupt) {
+        const auto listen = [&](const SequenceProgress& now) {
+            interrupt([&] {
+                if (!progress.is_none())
+                    progress(now.made + now.kept, now.frames);
+            });
+        };
+        shell.reportEmptyPicture();
+        SequenceSettings all = settings;
+        if (sun_time)
+            all.variations.push_back(sunTime(shell.scene(), *sun_time));
+        latest = animate(shell, all, {.progress = listen, .report = notesOf(shell)});
+    });
     return {latest.made, latest.kept, latest.frames};
 }
 
@@ -111,6 +97,38 @@ void defineExplanations(Session& session) {
 }
 
 } // namespace
+
+void workWithInterrupts(SharedShell& shared, const std::function<void(Shell&, const Interrupt&)>& work) {
+    std::optional<py::error_already_set> stopped;
+    const auto interrupt = [&](const std::function<void()>& act) {
+        if (isEnding())
+            throw Error("stopped");
+        const py::gil_scoped_acquire acquired;
+        try {
+            if (PyErr_CheckSignals() != 0)
+                throw py::error_already_set();
+            act();
+        } catch (py::error_already_set& thrown) {
+            stopped.emplace(thrown);
+            throw Error("stopped"); // what is thrown through the shell must be its own
+        }
+    };
+    try {
+        const Released released;
+        shared.use([&](Shell& shell) { work(shell, interrupt); });
+    } catch (const Error&) {
+        if (!stopped)
+            throw;
+    }
+    if (stopped)
+        throw py::error_already_set(*stopped);
+}
+
+ModelReading interruptibleReading(Shell& shell, const Interrupt& interrupt) {
+    ModelReading reading = shell.modelReading();
+    reading.meanwhile = [&interrupt] { interrupt([] {}); };
+    return reading;
+}
 
 void defineWork(py::module_& module, Session& session) {
     defineFiles(session);

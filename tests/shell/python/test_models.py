@@ -1,6 +1,7 @@
 """Models that a process of its own reads."""
 
 import os
+import signal
 import tempfile
 import unittest
 import warnings
@@ -31,6 +32,18 @@ class ModelTest(unittest.TestCase):
             self.shell.add_mesh(self.folder / "pipe.obj")
         self.shell.add_mesh(self.write("sail.obj", SAIL))
         self.assertEqual(len(self.shell.meshes), 1)
+
+    def test_a_signal_ends_the_reading(self):
+        model = self.write("large.obj", SAIL + 5_000_000 * "v 0 0 0\n")
+        scene = self.write("scene.json", '{"korl": 1, "meshes": [{"file": "large.obj"}]}')
+        usual = signal.signal(signal.SIGALRM, signal.default_int_handler)
+        self.addCleanup(signal.signal, signal.SIGALRM, usual)
+        for read, file in [(self.shell.add_mesh, model), (self.shell.load_scene, scene)]:
+            signal.setitimer(signal.ITIMER_REAL, 0.02)
+            with self.assertRaises(KeyboardInterrupt):
+                read(file)
+                self.fail("it was read to its end")
+            self.assertEqual(self.shell.meshes, ())
 
     def test_limits_have_defaults_and_can_be_set(self):
         half = os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGESIZE") // 2 >> 20

@@ -106,8 +106,15 @@ TEST_F(ModelProcessTest, ReadingEndsWithItsMemory) {
 
 TEST_F(ModelProcessTest, ReadingMayBeStopped) {
     writeLargeModel("large.obj");
-    reading.meanwhile = [] { throw Error("stopped"); };
-    EXPECT_EQ(errorOf("large.obj"), "stopped");
+    reading.meanwhile = [] { throw Error("no more"); };
+    std::atomic<bool> is_done = false;
+    std::thread stopper([&] { // so that it lasts until `meanwhile` is called
+        if (const pid_t reader = startedReader(is_done); reader > 0)
+            ::kill(reader, SIGSTOP);
+    });
+    EXPECT_EQ(errorOf("large.obj"), "no more");
+    is_done = true;
+    stopper.join();
     EXPECT_TRUE(children().empty());
 }
 
