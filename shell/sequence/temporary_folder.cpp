@@ -1,6 +1,7 @@
 #include "shell/sequence/temporary_folder.hpp"
 
 #include "shell/base/file_lock.hpp"
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 
 #include <cerrno>
@@ -9,6 +10,7 @@
 #include <fcntl.h>
 #include <string>
 #include <system_error>
+#include <unistd.h>
 
 namespace korl {
 
@@ -19,7 +21,7 @@ namespace fs = std::filesystem;
 constexpr const char* name_start = "korl-sequence-";
 
 [[noreturn]] void fail(const std::string& folder, const std::string& reason) {
-    throw Error("no temporary folder can be made in " + folder + ": " + reason +
+    throw Error("no temporary folder can be made in " + printable(folder) + ": " + reason +
                 "\nLet the variable TMPDIR name a folder that can be written to.");
 }
 
@@ -56,6 +58,10 @@ TemporaryFolder::TemporaryFolder() {
             fail(parent.string(), std::strerror(errno));
         my_path = name;
         my_lock = Descriptor(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (const int problem = errno; !my_lock.isOpen() && problem != ENOENT) {
+            ::rmdir(name.c_str());
+            fail(parent.string(), std::strerror(problem));
+        }
         // Before it is locked, another process may take it for a leftover.
     } while (!my_lock.isOpen() || tryLock(my_lock.get()) == LockState::busy || !isAt(my_lock.get(), my_path));
 }

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sys/resource.h>
 
 namespace korl {
 namespace {
@@ -74,6 +75,18 @@ TEST_F(SequenceFolderTest, SaysWhatToDoWhereThereIsNoPlace) {
     EXPECT_EQ(failure(), "no temporary folder can be made in " + file + ": Not a directory" + remedy);
     ::setenv("TMPDIR", "/proc", 1); // where nobody can make a folder, not even root
     EXPECT_THAT(failure(), testing::StartsWith("no temporary folder can be made in /proc: "));
+}
+
+TEST_F(SequenceFolderTest, LeavesNothingWhereItCannotBeOpened) {
+    rlimit former{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit none{0, former.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string message = failure();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_THAT(message, testing::StartsWith("no temporary folder can be made in " + place.path().string() +
+                                             ": Too many open files\n"));
+    EXPECT_TRUE(fs::is_empty(place.path()));
 }
 
 } // namespace
