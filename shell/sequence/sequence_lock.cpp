@@ -12,11 +12,14 @@
 #include <fcntl.h>
 #include <span>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace korl {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 /// "process 4711 on larch since 2026-04-12 08:30:00 UTC"
 std::string thisProcess() {
@@ -35,21 +38,48 @@ std::string ownerIn(int file) {
     return size > 0 ? printable({text.data(), static_cast<std::size_t>(size)}) : "another process";
 }
 
+/// Another user's file may not be writable, but can be locked all the same.
+Descriptor openLock(const fs::path& path) {
+    constexpr mode_t new_file_mode = 0666;
+    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, new_file_mode));
+    if (file.isOpen() || errno != EACCES)
+        return file;
+    Descriptor readable(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!readable.isOpen())
+        errno = EACCES; // the reason that it cannot be written
+    return readable;
+}
+
+[[noreturn]] void throwNotOpened(const fs::path& output, const fs::path& path, int problem) {
+    std::error_code ignored;
+    throw Error("cannot lock " + printable(output.string()) + ": cannot write " + printable(path.string()) +
+                ": " + std::strerror(problem) +
+                (fs::exists(fs::symlink_status(path, ignored))
+                     ? "; remove that file if nobody is making the sequence"
+                     : ""));
+}
+
+bool isReadOnly(int file) {
+    return (::fcntl(file, F_GETFL) & O_ACCMODE) == O_RDONLY;
+}
+
 } // namespace
 
-SequenceLock::SequenceLock(const std::filesystem::path& output)
+SequenceLock::SequenceLock(const fs::path& output)
     : my_path(output.parent_path() / ("." + output.filename().string() + ".lock")) {
     do {
-        my_file = Descriptor(::open(my_path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
+        my_file = openLock(my_path);
         if (!my_file.isOpen())
-            throw Error("cannot lock " + output.string() + ": cannot write " + my_path.string() + ": " +
-                        std::strerror(errno));
+            throwNotOpened(output, my_path, errno);
         const LockState state = tryLock(my_file.get());
         if (state == LockState::busy)
-            throw Error("cannot make " + output.string() + ": it is being made by " + ownerIn(my_file.get()) +
-                        "; wait for its end, or write to files of another name");
+            throw Error("cannot make " + printable(output.string()) + ": it is being made by " +
+                        ownerIn(my_file.get()) + "; wait for its end, or write to files of another name");
         my_is_held = state == LockState::taken;
-    } while (!isAt(my_file.get(), my_path)); // the one who had it has just removed it
+        // It would go on naming the killed process that left it, so it makes way for a new file.
+        if (my_is_held && isReadOnly(my_file.get()) && isAt(my_file.get(), my_path))
+            ::unlink(my_path.c_str());
+    } while (!isAt(my_file.get(), my_path)); // it has just been removed, here or by the one who had it
     const std::string owner = thisProcess();
     if (::ftruncate(my_file.get(), 0) == 0) // what it says is a courtesy
         writeAll(my_file.get(), std::span(reinterpret_cast<const std::uint8_t*>(owner.data()), owner.size()));
