@@ -2,12 +2,14 @@
 #include "shell/cli/progress_display.hpp"
 #include "shell/cli/scene_options.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/sequence/animate.hpp"
 #include "shell/sequence/worker.hpp"
 
 #include <array>
 #include <csignal>
 #include <memory>
+#include <sys/time.h>
 #include <unistd.h>
 #include <utility>
 
@@ -29,11 +31,14 @@ struct AnimateOptions {
 
 volatile std::sig_atomic_t stop_signal = 0;
 
-constexpr unsigned seconds_to_stop = 1;
+/// Longer than what the worker pool needs to end its workers.
+constexpr itimerval time_to_stop{{0, 0}, {1, 800'000}};
 
 void noteSignal(int signal) {
+    if (stop_signal != 0)
+        return; // a second one must not postpone the end
     stop_signal = signal;
-    ::alarm(seconds_to_stop);
+    ::setitimer(ITIMER_REAL, &time_to_stop, nullptr);
 }
 
 /// What the signal asked for hangs, in a write perhaps that nobody reads. The workers end with this process.
@@ -84,7 +89,7 @@ std::vector<Variation> variationsOf(const AnimateOptions& options, const Scene& 
 
 void tellResult(const AnimateOptions& options, const SequenceProgress& result) {
     const bool is_film = result.makes_film;
-    note("wrote " + options.output + ", " + std::to_string(result.frames) +
+    note("wrote " + printable(options.output) + ", " + std::to_string(result.frames) +
          (result.frames == 1 ? " frame" : " frames") + (is_film ? "" : " numbered from 1") +
          (result.kept > 0 ? "; " + std::to_string(result.kept) + " of them were there already" : ""));
 }

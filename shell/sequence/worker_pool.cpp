@@ -14,8 +14,17 @@ namespace korl {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+/// More than the second that a worker takes at most for a file that it writes (see worker.cpp).
+constexpr std::chrono::milliseconds time_to_stop{1200};
+
 constexpr int milliseconds_between_progress = 100;
 constexpr const char* rasteriser_threads = "LP_NUM_THREADS";
+
+std::chrono::milliseconds timeUntil(Clock::time_point end) {
+    return std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+}
 
 /// The workers share the processor's cores: Mesa's software rasteriser would start a thread for each core in
 /// each worker. How many there are changes no pixel. A number that the user set stays.
@@ -35,12 +44,11 @@ WorkerPool::WorkerPool(Settings settings, WorkerJob job, std::vector<FrameReques
 }
 
 WorkerPool::~WorkerPool() {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + ChildProcess::grace; // for all of them together
+    const Clock::time_point end = Clock::now() + time_to_stop; // for all of them together
     for (Worker& worker : my_workers)
         worker.process.terminate();
     for (Worker& worker : my_workers)
-        worker.process.end(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
+        worker.process.end(timeUntil(end));
 }
 
 std::map<int, std::string> WorkerPool::run() {
@@ -50,13 +58,25 @@ std::map<int, std::string> WorkerPool::run() {
         waitForMessages();
         my_settings.progress(my_done, static_cast<int>(my_failed.size()));
     }
-    // An end of their own accord, so that the modules are unloaded in order.
+    endWorkers();
+    return std::move(my_failed);
+}
+
+/// The workers end by themselves, so that the modules are unloaded in order; the frames are there already.
+void WorkerPool::endWorkers() {
     for (Worker& worker : my_workers)
         worker.socket.close();
+    const Clock::time_point end = Clock::now() + my_settings.time_to_unload; // for all of them together
+    bool has_hung = false;
     for (Worker& worker : my_workers)
-        worker.process.wait();
+        if (!worker.process.waitFor(timeUntil(end))) {
+            worker.process.kill();
+            has_hung = true;
+        }
     my_workers.clear();
-    return std::move(my_failed);
+    if (has_hung)
+        my_settings.report("a worker that had made its frames did not end, and was stopped; a module hangs "
+                           "when it is unloaded, and has to be mended by its maker");
 }
 
 void WorkerPool::startWorkers() {

@@ -3,6 +3,7 @@
 #include "shell/base/child_process.hpp"
 #include "shell/sequence/worker_protocol.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <filesystem>
@@ -24,6 +25,7 @@ public:
         std::filesystem::path program; ///< the korl program
         int meshes = -1;               ///< descriptor of a MemoryFile, the scene's models in order
         int jobs = 1;                  ///< how many workers at once, at least 1
+        std::chrono::milliseconds time_to_unload{5000}; ///< that workers without work get to end
         std::function<void(const std::string&)> report; ///< takes what the workers tell users, each text once
         /// Hears how many frames are done and how many have failed, at least ten times a second; it may
         /// throw to end it all.
@@ -53,6 +55,7 @@ private:
         std::optional<Frame> frame{}; ///< that it makes now
     };
 
+    void endWorkers();
     void startWorkers();
     void startWorker();
     void handOutFrames();
