@@ -4,6 +4,7 @@
 #include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/file_output.hpp"
+#include "shell/scene/mesh_memory.hpp"
 
 #include <chrono>
 #include <cstdio>
@@ -26,7 +27,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* encoder = "ffmpeg";
 constexpr const char* frame_pattern = "frame_%06d.png"; ///< as ffmpeg and printf understand it
-constexpr const char* log_file = "ffmpeg.log";
 
 /// H.264 halves the colours' resolution, so its sides are even.
 constexpr const char* mp4_filter =
@@ -57,13 +57,13 @@ std::vector<std::string> encoderArguments(const Film& film, const std::string& o
     return words;
 }
 
-std::string contentOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
+std::string contentOf(const MemoryFile& file) {
+    std::ifstream stream("/proc/self/fd/" + std::to_string(file.descriptor()), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// The last lines of what ffmpeg said, each below the one before; empty where it said nothing.
-std::string lastWords(const fs::path& log) {
+std::string lastWords(const MemoryFile& log) {
     constexpr int most_lines = 5;
     std::string text = contentOf(log);
     while (!text.empty() && text.back() == '\n')
@@ -84,10 +84,11 @@ bool isWhole(const fs::path& file, SequenceKind kind) {
     return kind != SequenceKind::gif || stream.get() == gif_trailer;
 }
 
-[[noreturn]] void throwFailure(const Film& film, const fs::path& folder, const std::string& what) {
-    const std::string said = lastWords(folder / log_file);
-    throw Error("cannot make the film " + film.file.string() + ": ffmpeg " + what +
-                (said.empty() ? "" : " and said:\n" + said) + "\nThe frames stay in " + folder.string() +
+[[noreturn]] void throwFailure(const Film& film, const fs::path& folder, const std::string& what,
+                               const std::string& said) {
+    throw Error("cannot make the film " + printable(film.file.string()) + ": ffmpeg " + what +
+                (said.empty() ? "" : " and said:\n" + said) + "\nThe frames stay in " +
+                printable(folder.string()) +
                 ": mend the cause, a full disk perhaps, and resume the sequence.");
 }
 
@@ -99,7 +100,7 @@ void requireFfmpeg(const fs::path& film) {
     for (std::string folder; std::getline(folders, folder, ':');)
         if (::access((fs::path(folder.empty() ? "." : folder) / encoder).c_str(), X_OK) == 0)
             return;
-    throw Error("cannot make the film " + film.string() +
+    throw Error("cannot make the film " + printable(film.string()) +
                 ": there is no ffmpeg on the PATH; install it (on Debian the package ffmpeg), or write "
                 "pictures, such as \"day_####.png\"");
 }
@@ -113,13 +114,13 @@ fs::path filmFrame(const fs::path& folder, int number) {
 void makeFilm(const Film& film, const fs::path& folder, const std::function<void()>& wait) {
     // ffmpeg works in the folder: no path of the user's can be taken for an option, a pattern or an address.
     const std::string written = film.kind == SequenceKind::gif ? "film.gif" : "film.mp4";
-    const fs::path log = folder / log_file;
     // Also where a process that was killed left its ffmpeg at work: that one goes on with the file it has.
     std::error_code problem;
     fs::remove(folder / written, problem);
     ProcessStart start{encoder, encoderArguments(film, written)};
     start.folder = folder;
-    start.log = log;
+    const MemoryFile log; // the disk may be full just when it is needed
+    start.output = log.descriptor();
     ChildProcess process(start);
     std::optional<int> end;
     while (!(end = process.poll())) {
@@ -127,11 +128,12 @@ void makeFilm(const Film& film, const fs::path& folder, const std::function<void
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     const bool has_succeeded = WIFEXITED(*end) && WEXITSTATUS(*end) == 0;
-    if (!has_succeeded || !lastWords(log).empty() || !isWhole(folder / written, film.kind)) {
-        fs::remove(folder / written, problem); // it takes room that may be what lacks
-        throwFailure(film, folder, has_succeeded ? "did not write all of it" : "ended with " + endText(*end));
+    const std::string said = lastWords(log);
+    if (!has_succeeded || !said.empty() || !isWhole(folder / written, film.kind)) {
+        fs::remove(folder / written, problem); // the disk may be full
+        throwFailure(film, folder, has_succeeded ? "did not write all of it" : "ended with " + endText(*end),
+                     said);
     }
-    fs::remove(log, problem);
     moveIntoPlace(folder / written, film.file);
 }
 

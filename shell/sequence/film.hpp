@@ -10,7 +10,7 @@ namespace korl {
 /// A film of a sequence's frames, made by the ffmpeg program.
 struct Film {
     std::filesystem::path file;
-    SequenceKind kind = SequenceKind::mp4; ///< no pictures
+    SequenceKind kind = SequenceKind::mp4; ///< not pictures
     double frames_per_second = 25;
     int frames = 1;
 };

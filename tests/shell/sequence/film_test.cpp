@@ -125,6 +125,9 @@ TEST_F(FilmGLTest, LessThanAFilmIsAnErrorWhateverFfmpegSaysOfIt) {
         {real + "for i in 1 2 3 4 5 6 7; do printf 'line %s\\033\\n' $i >&2; done\n",
          "did not write all of it and said:\nline 3\\x1b\nline 4\\x1b\nline 5\\x1b\nline 6\\x1b\nline "
          "7\\x1b"},
+        // What it says is kept off the disk, which may be full.
+        {"ls >&2\n",
+         "did not write all of it and said:\nframe_000001.png\nframe_000002.png\nframe_000003.png"},
         {"kill -9 $$\n", "ended with signal 9 (Killed)"},
     };
     folder.write("f.gif", "an old film");
