@@ -2,6 +2,7 @@
 #include "shell/cli/program.hpp"
 #include "shell/cli/scene_options.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/render/renderer.hpp"
 
 #include <sorvik/vprintf.hpp>
@@ -40,7 +41,7 @@ void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size
         print(uniforms);
     output.write(image);
     if (!output.isStandardOutput())
-        note("wrote " + options.output + ", " + std::to_string(image.width) + "x" +
+        note("wrote " + printable(options.output) + ", " + std::to_string(image.width) + "x" +
              std::to_string(image.height) + " pixels");
 }
 

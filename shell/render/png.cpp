@@ -1,5 +1,6 @@
 #include "shell/render/png.hpp"
 
+#include "shell/base/printable.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/file_output.hpp"
 
@@ -173,10 +174,10 @@ std::vector<std::uint8_t> encodePng(const Image& image, std::span<const Text> te
 void requirePngName(const std::filesystem::path& file) {
     if (const std::string suffix = suffixOf(file); !suffix.empty() && suffix != ".png")
         throw InvalidValue(
-            "cannot write " + file.string() +
+            "cannot write " + printable(file.string()) +
             ": a picture is written as PNG alone, to a name that ends in .png or has no suffix, "
-            "found \"" +
-            file.extension().string() + "\"");
+            "found " +
+            inQuotes(file.extension().string()));
 }
 
 Image decodePng(std::span<const std::uint8_t> png) {

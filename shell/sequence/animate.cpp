@@ -97,7 +97,7 @@ public:
     SequenceProgress make() {
         const SequenceLock lock(isFilm() ? my_film : my_settings.output);
         if (!lock.isHeld())
-            report("the file system of " + my_settings.output.string() +
+            report("the file system of " + printable(my_settings.output.string()) +
                    " has no locks; see to it that no other process makes the same sequence");
         if (isFilm())
             makeFilmFolder();
@@ -126,10 +126,10 @@ private:
             my_shell.scene().view(my_settings.view); // throws where there is none
         const fs::path folder = my_settings.output.parent_path();
         if (!folder.empty() && !fs::is_directory(folder))
-            throw Error("cannot write " + my_settings.output.string() + ": the folder " + folder.string() +
-                        " does not exist; make it first");
+            throw Error("cannot write " + printable(my_settings.output.string()) + ": the folder " +
+                        printable(folder.string()) + " does not exist; make it first");
         if (fs::is_directory(my_settings.output))
-            throw Error("cannot write " + my_settings.output.string() + ": it is a directory");
+            throw Error("cannot write " + printable(my_settings.output.string()) + ": it is a directory");
         if (isFilm())
             requireFfmpeg(my_settings.output);
     }
@@ -163,8 +163,9 @@ private:
         std::error_code problem;
         fs::create_directory(filmFolder(), problem);
         if (problem || !fs::is_directory(filmFolder()))
-            throw Error("cannot make the folder " + filmFolder().string() + " for the film's frames: " +
-                        (problem ? problem.message() : "there is a file of that name"));
+            throw Error(
+                "cannot make the folder " + printable(filmFolder().string()) +
+                " for the film's frames: " + (problem ? problem.message() : "there is a file of that name"));
     }
 
     fs::path frameFile(int number) const {

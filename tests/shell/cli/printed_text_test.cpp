@@ -104,7 +104,33 @@ TEST_F(PrintedTextTest, MessagesOnSceneFilesEscapeWhatTheyQuote) {
     }
 }
 
-TEST_F(PrintedTextTest, WhatModulesPrintIsNoPartOfAnAnswer) {
+TEST_F(PrintedTextTest, MessagesOnOutputsEscapeTheirPaths) {
+    const std::string at = folder.path().string() + "/";
+    const std::string name = "a\nkorl: fine", escaped = at + "a\\nkorl: fine";
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string message;
+    };
+    const std::vector<Case> table{
+        {{"render", "-o", at + name + ".b\a"},
+         "cannot write " + escaped +
+             ".b\\x07: a picture is written as PNG alone, to a name that ends in .png " +
+             "or has no suffix, found \".b\\x07\""},
+        {{"animate", "-o", at + name + "/f_#.png", "--frames", "1"},
+         "cannot write " + escaped + "/f_#.png: the folder " + escaped + " does not exist; make it first"},
+        {{"animate", "-o", at + name + ".mp4"},
+         "cannot make the film " + escaped +
+             ".mp4: there is no ffmpeg on the PATH; install it (on Debian the package ffmpeg), or write "
+             "pictures, such as \"day_####.png\""},
+    };
+    for (const auto& [arguments, message] : table) {
+        const ProgramResult result = runProgram(KORL_PROGRAM, arguments, {{"PATH", folder.path()}});
+        EXPECT_EQ(result.errors, "korl: " + message + "\n");
+        EXPECT_EQ(result.exit_code, 1);
+    }
+}
+
+TEST_F(PrintedTextTest, WhatModulesPrintIsNotPartOfAnAnswer) {
     const ProgramResult script = korl({"script", "--light", "AmbientLight:a"});
     EXPECT_EQ(script.exit_code, 0) << script.errors;
     EXPECT_THAT(script.output, Not(HasSubstr("printed while loading")));
@@ -125,7 +151,7 @@ TEST_F(PrintedTextTest, AFileThatMayNotGrowIsAnErrorLikeAnyOther) {
     EXPECT_EQ(result.output, "korl: cannot write " + file + ": File too large\n");
 }
 
-TEST_F(PrintedTextTest, ClosedStandardStreamsAreNoHindrance) {
+TEST_F(PrintedTextTest, ClosedStandardStreamsDoNotMatter) {
     for (const std::string closed : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
         const std::string file = folder / "scene.json";
         const ProgramResult result = runProgram(
@@ -161,6 +187,16 @@ TEST_F(PrintedTextGLTest, AModulesExceptionIsEscaped) {
         {"render", "--size", "8x8", "-o", folder / "p.png", "--no-default-light", "--light", "Type" + raw});
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_THAT(result.errors, HasSubstr("thrown\\x1b[31m\\x07\\nkorl is fine\\x7f\\u009b\""));
+}
+
+TEST_F(PrintedTextGLTest, WhatIsWrittenIsToldWithoutControls) {
+    const ProgramResult picture =
+        runProgram(KORL_PROGRAM, {"render", "--size", "8x8", "-o", folder / "a\nkorl: fine.png"});
+    EXPECT_EQ(picture.errors, "korl: wrote " + folder.path().string() + "/a\\nkorl: fine.png, 8x8 pixels\n");
+    const ProgramResult sequence = runProgram(
+        KORL_PROGRAM, {"animate", "--size", "8x8", "--frames", "1", "-o", folder / "a\nkorl: fine_#.png"});
+    EXPECT_EQ(sequence.errors,
+              "korl: wrote " + folder.path().string() + "/a\\nkorl: fine_#.png, 1 frame numbered from 1\n");
 }
 
 TEST_F(PrintedTextGLTest, OutOfMemoryIsToldWithWhatToDo) {
