@@ -21,8 +21,9 @@ Variation parseVariation(const std::string& text);
 /// @param hours such as "6:18".
 Variation sunTime(const Scene& scene, const std::string& hours);
 
-/// Throws Error where the scene has no such object or parameter, where one of the ends is no finite value of
-/// the parameter's type, and where the parameter follows another one, so that its own value has no effect.
+/// Throws Error where the scene has no such object or parameter, where one of the ends is not a finite
+/// value of the parameter's type, and where the parameter follows another one, so that its own value has no
+/// effect.
 /// @param view the view that is to be drawn, which may have values of its own; may be empty.
 void validate(const Variation& variation, const Scene& scene, const std::string& view);
 

@@ -52,7 +52,7 @@ struct FrameRequest {
     std::vector<Value> values;
 
     Message message() const;
-    /// Throws Error for a message that is no request.
+    /// Throws Error for a message that is not a request.
     static FrameRequest from(const Message& message);
 };
 
@@ -65,7 +65,7 @@ struct WorkerJob {
     std::vector<std::string> plugins; ///< files of modules, in the order of their loading
 
     Message message() const;
-    /// Throws Error for a message that is no job.
+    /// Throws Error for a message that is not a job.
     static WorkerJob from(const Message& message);
 };
 
