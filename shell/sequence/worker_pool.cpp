@@ -75,8 +75,9 @@ void WorkerPool::endWorkers() {
         }
     my_workers.clear();
     if (has_hung)
-        my_settings.report("a worker that had made its frames did not end, and was stopped; a module hangs "
-                           "when it is unloaded, and has to be mended by its maker");
+        my_settings.report(
+            "a worker did not end after its last frame and was stopped: a module may hang when "
+            "it is unloaded; the frames are not affected");
 }
 
 void WorkerPool::startWorkers() {
