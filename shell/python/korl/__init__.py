@@ -21,8 +21,9 @@ from ._errors import (
     WrongTypeError,
 )
 from ._image import Image
+from ._meshes import MeshInfo
 from ._objects import Number, Numbers, Object, Parameter, Parameters, ParameterType, Text, Type, View
-from ._shell import Explanation, MeshInfo, Plugin, Shell, set_verbosity
+from ._shell import Explanation, Plugin, Shell, set_verbosity
 
 __all__ = [
     "Camera",

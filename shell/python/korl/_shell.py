@@ -11,9 +11,10 @@ from . import _korl
 from ._camera import Camera
 from ._errors import ClosedError, InvalidValueError, Warning, WrongTypeError
 from ._image import Image
+from ._meshes import MeshInfo, rows, rows_for
 from ._objects import Object, Parameter, ParameterType, Type, View, view_name
 from ._strict import Names, Strict, checked, strict, strict_tuple
-from ._values import array_of, numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
+from ._values import numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
 
 _PATHS = _korl.RenderPath.__members__
 _MOST = 10**9  # the largest limit of time or memory
@@ -25,15 +26,6 @@ class Plugin(NamedTuple):
 
     name: str
     file: str
-
-
-@strict_tuple
-class MeshInfo(NamedTuple):
-    """A mesh of a scene, and how many vertices and triangles it has."""
-
-    name: str
-    vertices: int
-    triangles: int
 
 
 @strict
@@ -193,9 +185,10 @@ class Shell(Strict):
         """Adds a mesh to the scene: from a model file, or from arrays.
 
         A model (OBJ, PLY, STL, glTF, 3DS) is turned so that its axis `up` is z and scaled to a radius of 0.5
-        around the origin. A process of its own reads it, within `model_timeout` and `model_memory`. Arrays are taken as they are, in scene space: N x 3 vertices; M x 3 triangles, by
-        the vertices' indices from 0, counter-clockwise seen from the front; normals and colours (0 to 1), N x 3.
-        Without normals, smooth ones are made. Arrays of float32 and uint32 in C order are read where they lie.
+        around the origin. A process of its own reads it, within `model_timeout` and `model_memory`. Arrays are
+        taken as they are, in scene space: N x 3 vertices; M x 3 triangles, by the vertices' indices from 0,
+        counter-clockwise seen from the front; normals and colours (0 to 1), N x 3. Without normals, smooth ones
+        are made. Arrays of float32 and uint32 in C order are read where they lie.
         """
         if triangles is None:
             if normals is not None or colors is not None:
@@ -203,14 +196,14 @@ class Shell(Strict):
             self._session.add_model(path_of(mesh), text_in(up, "the model's axis that is up"))
             self._tell()
             return
-        vertices = _rows("vertices", mesh, numpy.float32)
+        vertices = rows("vertices", mesh, numpy.float32)
         none = numpy.empty((0, 3), numpy.float32)
         self._session.add_mesh(
             text_in(name, "a mesh's name"),
             vertices,
-            _rows("triangles", triangles, numpy.uint32),
-            none if normals is None else _rows_for(vertices, "normals", normals),
-            none if colors is None else _rows_for(vertices, "colors", colors),
+            rows("triangles", triangles, numpy.uint32),
+            none if normals is None else rows_for(vertices, "normals", normals),
+            none if colors is None else rows_for(vertices, "colors", colors),
         )
 
     @property
@@ -276,7 +269,8 @@ class Shell(Strict):
 
         `path` says by what the lights shine: "shader" by their GLSL, "fixed" as OpenGL's own lights, "both" with
         one picture of each side by side, twice as wide. What the user should know about the picture comes as
-        a korl.Warning, once for each light; so does that the scene has no light, or no mesh, to be seen. Other threads of Python go on meanwhile.
+        a korl.Warning, once for each light; so does that the scene has no light, or no mesh, to be seen. Other
+        threads of Python go on meanwhile.
         """
         pixels = self._session.render(*_size(width, height), _path(path), view_name(view, self._session))
         self._tell()
@@ -394,25 +388,3 @@ def _path(path):
 
 def _size(width, height):
     return [whole(size, 1, "a picture's size is in whole pixels") for size in (width, height)]
-
-
-def _rows(name, values, type_):
-    """An array of rows of three, of a type: where it is one already, in C order, the same array."""
-    array = array_of(values, f"{name} takes an array of N x 3 numbers")
-    if array.ndim != 2 or array.shape[1] != 3:
-        raise InvalidValueError(f"{name} takes an array of N x 3 numbers, found the shape {array.shape}")
-    allowed = "iu" if type_ is numpy.uint32 else "fiu"
-    if array.dtype.kind not in allowed:
-        what = "whole numbers" if allowed == "iu" else "numbers"
-        raise WrongTypeError(f"{name} takes an array of {what}, found one of {array.dtype}")
-    if type_ is numpy.uint32 and array.size and (array.min() < 0 or array.max() >= 2**32):
-        raise InvalidValueError(f"{name} takes indices from 0, found {array.min()} to {array.max()}")
-    with numpy.errstate(over="ignore"):  # what is too large becomes infinite, and is refused as such
-        return numpy.ascontiguousarray(array, type_)
-
-
-def _rows_for(vertices, name, values):
-    rows = _rows(name, values, numpy.float32)
-    if len(rows) != len(vertices):
-        raise InvalidValueError(f"{name} takes one row for each of the {len(vertices)} vertices, found {len(rows)}")
-    return rows
