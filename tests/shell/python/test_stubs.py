@@ -37,6 +37,7 @@ with korl.Shell(plugins=[]) as shell:
     mean: float = float(picture[..., 0].mean())
     vertices, triangles, colors = numpy.zeros((3, 3)), [[0, 1, 2]], numpy.ones((3, 3))
     shell.add_mesh(vertices, triangles, colors=colors)
+    shell.model_timeout, shell.model_memory = numpy.float32(9.5), numpy.int64(512)
     shell.camera.position = (1, 2, 3)
     shell.camera.target = numpy.array((1, 2, 3))
     shell.camera.up = [0, 0, 1]
