@@ -3,10 +3,8 @@
 #include "shell/scene/model_file.hpp"
 
 #include <chrono>
-#include <csignal>
 #include <fstream>
 #include <new>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
@@ -46,12 +44,6 @@ void watchMemory(std::uint64_t bytes) {
 #endif
 
 } // namespace
-
-void endWithParent(pid_t parent) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent)
-        ::_exit(1);
-}
 
 void limitMemory(std::uint64_t bytes) {
     const rlimit no_core{0, 0};

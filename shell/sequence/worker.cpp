@@ -2,6 +2,7 @@
 
 #include "shell/base/caught_exception.hpp"
 #include "shell/base/child_process.hpp"
+#include "shell/base/end_with_parent.hpp"
 #include "shell/error.hpp"
 #include "shell/render/png.hpp"
 #include "shell/scene/file_output.hpp"
@@ -15,7 +16,6 @@
 
 #include <atomic>
 #include <csignal>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -51,15 +51,13 @@ public:
     WritingFile& operator=(const WritingFile&) = delete;
 };
 
-/// Has the system kill this process when the one at the socket's other end goes, whatever either does then.
-void endWithParent(int socket) {
-    ucred parent{};
-    socklen_t size = sizeof parent;
-    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &parent, &size) != 0)
-        return; // no worker of anybody's; it is told when there is nothing to read
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent.pid)
-        ::_exit(ended_by_request); // it has gone before
+/// Has this process end with the one at the socket's other end, whatever either does then.
+void endWithSender(int socket) {
+    ucred sender{};
+    socklen_t size = sizeof sender;
+    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &sender, &size) == 0)
+        endWithParent(sender.pid);
+    // Where it is not a socket, the user is told when there is nothing to read.
 }
 
 void makeFrame(Shell& shell, const FrameRequest& request, const WorkerJob& job) {
@@ -105,7 +103,7 @@ void makeFrames(Shell& shell, const WorkerJob& job, const MessageSocket& socket)
 } // namespace
 
 void runSequenceWorker(int descriptor) {
-    endWithParent(descriptor);
+    endWithSender(descriptor);
     std::signal(SIGTERM, onTerminate);
     const MessageSocket socket(descriptor);
     const auto message = socket.receive();

@@ -8,6 +8,7 @@
 
 #include <shell/base/caught_exception.hpp>
 #include <shell/base/child_process.hpp>
+#include <shell/base/end_with_parent.hpp>
 #include <shell/error.hpp>
 #include <shell/plugins/plugin_handle.hpp>
 #include <shell/plugins/plugin_trial.hpp>
@@ -17,14 +18,17 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <fstream>
 #include <link.h>
+#include <malloc.h>
+#include <memory>
 #include <string>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -46,11 +50,12 @@ void tell(const std::string& word) {
     ::_exit(1);
 }
 
-/// Nobody waits for this process when the one that started it has gone.
-void endWithShell(const std::string& shell) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (std::to_string(::getppid()) != shell)
-        ::_exit(1);
+/// A module that prints without end is not to fill the memory. Writing more fails.
+void limitOutput() {
+    constexpr rlim_t most = 16 << 20; // bytes
+    const rlimit limit{most, most};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 /// How much memory a library takes, in bytes of whole pages; 0 where it cannot be told.
@@ -94,6 +99,49 @@ void isolateLibrary(const char* file) {
     ::munmap(place, size);
 }
 
+/// A heap as that of a program which has worked for a while: pieces of many sizes are free between others in
+/// use, and what is free is not zero. Code that is damaged may take what malloc leaves there, and do no harm
+/// by chance in a new process.
+class UsedHeap {
+public:
+    UsedHeap() {
+        // What no piece below takes; in steps that the system does not get back.
+        for (int i = 0; i < 20; ++i)
+            my_pieces.push_back(newPiece(60 * 1024));
+        my_pieces.clear();
+        for (int round = 0; round < 40; ++round)
+            for (std::size_t size = 16; size <= 512; size += 16)
+                my_pieces.push_back(newPiece(size));
+        for (std::size_t i = 0; i < my_pieces.size(); ++i)
+            if ((i + i / 32) % 2 == 0)
+                my_pieces[i].reset();
+    }
+
+    /// Whether nobody has written into the pieces that are in use.
+    bool isIntact() const {
+        return std::all_of(my_pieces.begin(), my_pieces.end(), [](const Piece& piece) {
+            return !piece || std::all_of(piece.get(), piece.get() + ::malloc_usable_size(piece.get()),
+                                         [](unsigned char byte) { return byte == filling; });
+        });
+    }
+
+private:
+    struct Free {
+        void operator()(unsigned char* piece) const noexcept { std::free(piece); }
+    };
+    using Piece = std::unique_ptr<unsigned char, Free>;
+    static constexpr unsigned char filling = 0xa5;
+
+    static Piece newPiece(std::size_t size) {
+        auto* const piece = static_cast<unsigned char*>(std::malloc(size));
+        if (piece)
+            std::memset(piece, filling, ::malloc_usable_size(piece));
+        return Piece(piece);
+    }
+
+    std::vector<Piece> my_pieces;
+};
+
 } // namespace
 
 int main(int count, char** arguments) {
@@ -101,11 +149,13 @@ int main(int count, char** arguments) {
         std::fputs("korl-try-module is started by korl itself.\n", stderr);
         return 2;
     }
-    endWithShell(arguments[3]);
+    korl::endWithParent(static_cast<pid_t>(std::strtol(arguments[3], nullptr, 10)));
     const rlimit no_core{0, 0}; // that it ends is nothing to be looked into
     ::setrlimit(RLIMIT_CORE, &no_core);
+    limitOutput();
     std::set_terminate(onTerminate);
     isolateLibrary(arguments[1]);
+    const UsedHeap heap;
     try {
         tell(words::loading);
         const korl::PluginHandle module = korl::openPlugin({arguments[1], {}, arguments[2]});
@@ -113,6 +163,10 @@ int main(int count, char** arguments) {
     } catch (const korl::Error& error) {
         tell(words::refused + std::string(error.what()));
         ::_exit(1);
+    }
+    if (!heap.isIntact()) {
+        std::fputs("it wrote into memory that is not its own", stderr);
+        std::abort();
     }
     tell(words::passed);
     ::_exit(0); // nothing of the module is there any more that could be ended
