@@ -1,5 +1,6 @@
 #include "shell/base/child_process.hpp"
 
+#include "shell/base/descriptor.hpp"
 #include "shell/error.hpp"
 
 #include <algorithm>
@@ -54,6 +55,17 @@ private:
     posix_spawnattr_t my_attributes{};
 };
 
+/// A copy of a descriptor that is none of those which the new process gets, even where this one's standard
+/// streams are closed; -1 for -1.
+Descriptor copyOutOfTheWay(int descriptor) {
+    if (descriptor < 0)
+        return Descriptor();
+    Descriptor copy(::fcntl(descriptor, F_DUPFD_CLOEXEC, shared_descriptor + 1));
+    if (!copy.isOpen())
+        throw Error(std::string("cannot start a program: ") + std::strerror(errno));
+    return copy;
+}
+
 /// This process's environment and some more, as texts "NAME=VALUE".
 std::vector<std::string> environmentWith(const std::vector<std::pair<std::string, std::string>>& additions) {
     std::vector<std::string> all;
@@ -84,19 +96,21 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
     words.insert(words.end(), start.arguments.begin(), start.arguments.end());
     std::vector<std::string> environment = environmentWith(start.environment);
 
+    const Descriptor input = copyOutOfTheWay(start.input), output = copyOutOfTheWay(start.output),
+                     shared = copyOutOfTheWay(start.shared);
     FileActions actions;
-    if (start.input >= 0)
-        posix_spawn_file_actions_adddup2(actions.get(), start.input, STDIN_FILENO);
+    if (input.isOpen())
+        posix_spawn_file_actions_adddup2(actions.get(), input.get(), STDIN_FILENO);
     else
         posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     if (!start.log.empty())
         posix_spawn_file_actions_addopen(actions.get(), STDERR_FILENO, start.log.c_str(),
                                          O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    else if (start.output >= 0)
-        posix_spawn_file_actions_adddup2(actions.get(), start.output, STDERR_FILENO);
+    else if (output.isOpen())
+        posix_spawn_file_actions_adddup2(actions.get(), output.get(), STDERR_FILENO);
     posix_spawn_file_actions_adddup2(actions.get(), STDERR_FILENO, STDOUT_FILENO);
-    if (start.shared >= 0)
-        posix_spawn_file_actions_adddup2(actions.get(), start.shared, shared_descriptor);
+    if (shared.isOpen())
+        posix_spawn_file_actions_adddup2(actions.get(), shared.get(), shared_descriptor);
     else // not one that this process inherited and has forgotten
         posix_spawn_file_actions_addclose(actions.get(), shared_descriptor);
     if (!start.folder.empty())
@@ -122,12 +136,16 @@ void ChildProcess::terminate() noexcept {
 
 void ChildProcess::kill() noexcept {
     if (my_id > 0)
-        ::kill(my_id, SIGKILL);
+        ::kill(-my_id, SIGKILL);
 }
 
 int ChildProcess::wait() noexcept {
     int status = 0;
-    while (my_id > 0 && ::waitpid(my_id, &status, 0) < 0 && errno == EINTR) {
+    while (my_id > 0 && ::waitpid(my_id, &status, 0) < 0) {
+        if (errno == EINTR)
+            continue;
+        status = unknown_end;
+        break;
     }
     my_id = -1;
     return status;
@@ -135,45 +153,41 @@ int ChildProcess::wait() noexcept {
 
 std::optional<int> ChildProcess::poll() noexcept {
     int status = 0;
-    if (my_id > 0 && ::waitpid(my_id, &status, WNOHANG) == 0)
+    const pid_t ended = my_id > 0 ? ::waitpid(my_id, &status, WNOHANG) : my_id;
+    if (my_id > 0 && ended == 0)
         return std::nullopt;
+    if (my_id > 0 && ended < 0)
+        status = unknown_end;
     my_id = -1;
     return status;
 }
 
-std::optional<int> ChildProcess::waitFor(std::chrono::milliseconds limit) {
+std::optional<int> ChildProcess::waitFor(std::chrono::milliseconds limit) noexcept {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point end = Clock::now() + limit;
-    // A descriptor that can be read once the program has ended; -1 for a program that was waited for already.
-    const int descriptor = my_id > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, my_id, 0)) : -1;
-    if (my_id > 0 && descriptor < 0)
-        throw Error(std::string("cannot wait for a program: ") + std::strerror(errno));
+    // It can be read once the program has ended. Some sandboxes refuse it; then we look again and again.
+    const Descriptor ended(my_id > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, my_id, 0)) : -1);
+    const std::chrono::milliseconds longest(ended.isOpen() ? 1'000'000 : 10);
     std::optional<int> status = poll();
     for (auto left = limit; !status && left.count() > 0;
          left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())) {
-        pollfd waiting{descriptor, POLLIN, 0};
-        ::poll(&waiting, 1,
-               static_cast<int>(std::min<std::chrono::milliseconds::rep>(left.count(), 1'000'000)));
+        pollfd waiting{ended.get(), POLLIN, 0}; // a negative one is passed over
+        ::poll(&waiting, 1, static_cast<int>(std::min(left, longest).count()));
         status = poll();
     }
-    if (descriptor >= 0)
-        ::close(descriptor);
     return status;
 }
 
 void ChildProcess::end(std::chrono::milliseconds limit) noexcept {
     terminate();
-    bool has_ended = false;
-    try {
-        has_ended = waitFor(limit).has_value();
-    } catch (const Error&) { // it cannot be waited for with a limit, so it gets no time
-    }
-    if (!has_ended)
+    if (!waitFor(limit))
         kill();
     wait();
 }
 
 std::string endText(int wait_status) {
+    if (wait_status == unknown_end)
+        return "an unknown exit code";
     if (WIFSIGNALED(wait_status))
         return "signal " + std::to_string(WTERMSIG(wait_status)) + " (" + strsignal(WTERMSIG(wait_status)) +
                ")";

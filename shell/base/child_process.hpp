@@ -40,17 +40,17 @@ public:
     /// Asks the program to end.
     void terminate() noexcept;
 
-    /// Ends the program at once, whatever it does.
+    /// Ends the program at once, whatever it does, and what it has started in its group.
     void kill() noexcept;
 
-    /// Waits for the program's end. @returns what `waitpid` tells of it.
+    /// Waits for the program's end. @returns what `waitpid` tells of it, or `unknown_end`.
     int wait() noexcept;
 
     /// The same without waiting: nothing where the program still runs.
     std::optional<int> poll() noexcept;
 
     /// The same, but waiting for no longer than `limit`.
-    std::optional<int> waitFor(std::chrono::milliseconds limit);
+    std::optional<int> waitFor(std::chrono::milliseconds limit) noexcept;
 
     /// Asks the program to end, and kills it where it has not done so within `limit`.
     void end(std::chrono::milliseconds limit) noexcept;
@@ -61,6 +61,10 @@ public:
 private:
     pid_t my_id;
 };
+
+/// How a program ended where the system does not tell, as when this process was started with SIGCHLD ignored.
+/// It is neither an exit nor a signal.
+inline constexpr int unknown_end = -1;
 
 /// How a program ended, for users: "exit code 3", "signal 11 (Segmentation fault)".
 std::string endText(int wait_status);

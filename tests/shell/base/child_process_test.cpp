@@ -5,6 +5,7 @@
 #include "shell/error.hpp"
 
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <thread>
@@ -98,6 +99,41 @@ TEST_F(ChildProcessTest, IsKilledWhereItDoesNotEndWhenAsked) {
 TEST_F(ChildProcessTest, IsInAGroupOfItsOwn) {
     // The group's number is the sixth field of /proc/PID/stat's, the fifth behind the number itself.
     EXPECT_EQ(run("set -- $(cat /proc/$$/stat); test $1 = $5"), "exit code 0");
+}
+
+TEST_F(ChildProcessTest, IsKilledWithWhatItHasStarted) {
+    int ends[2] = {};
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ProcessStart start{"/bin/sh", {"-c", "sleep 60 & echo started >&2; wait"}};
+    start.output = ends[1];
+    ChildProcess process(start);
+    ::close(ends[1]);
+    char word[100];
+    EXPECT_GT(::read(ends[0], word, sizeof word), 0);
+    process.kill();
+    EXPECT_EQ(::read(ends[0], word, sizeof word), 0) << "nobody holds the other end any more";
+    ::close(ends[0]);
+}
+
+TEST_F(ChildProcessTest, TakesDescriptorsThatAreThoseOfStandardStreams) {
+    const auto runWithout = [&] {
+        const std::string word = folder.write("word", "shared");
+        ::close(STDIN_FILENO);
+        ::close(STDOUT_FILENO);
+        ProcessStart start{"/bin/sh", {"-c", "test \"$(cat <&3)\" = shared && cat >&2"}};
+        start.shared = ::open(word.c_str(), O_RDONLY | O_CLOEXEC); // 0, the place of `input`
+        start.input = ::open(folder.write("input", "input").c_str(), O_RDONLY | O_CLOEXEC);
+        ::_exit(start.shared == 0 && endText(ChildProcess(start).wait()) == "exit code 0" ? 0 : 1);
+    };
+    EXPECT_EXIT(runWithout(), testing::ExitedWithCode(0), "^input$");
+}
+
+TEST_F(ChildProcessTest, AnEndThatTheSystemDoesNotTellIsNoSuccess) {
+    std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(run("exit 0"), "an unknown exit code");
+    ChildProcess polled({"true", {}});
+    EXPECT_EQ(polled.waitFor(std::chrono::minutes(1)), unknown_end);
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 } // namespace
