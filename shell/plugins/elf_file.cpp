@@ -105,10 +105,6 @@ std::string machineName(unsigned machine) {
 
 } // namespace
 
-FileDescriptor::~FileDescriptor() {
-    ::close(my_descriptor);
-}
-
 void ElfFile::End::operator()(Elf* elf) const noexcept {
     elf_end(elf);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <shell/base/descriptor.hpp>
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -9,20 +11,6 @@
 struct Elf;
 
 namespace korl {
-
-/// A file descriptor that is closed with its owner.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int descriptor) noexcept : my_descriptor(descriptor) {}
-    ~FileDescriptor();
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-
-    int get() const noexcept { return my_descriptor; }
-
-private:
-    int my_descriptor;
-};
 
 /// An ELF file (program, library, object file), read without running any of its code. Whatever bytes the file
 /// holds, every operation answers or throws an Error that names the file.
@@ -77,7 +65,7 @@ private:
     bool isPositionIndependentProgram() const;
 
     std::filesystem::path my_file;
-    FileDescriptor my_descriptor;
+    Descriptor my_descriptor;
     std::size_t my_size; ///< In bytes.
     std::unique_ptr<Elf, End> my_elf;
 };

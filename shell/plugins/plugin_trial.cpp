@@ -1,9 +1,9 @@
 #include <shell/plugins/plugin_trial.hpp>
 
 #include <shell/base/child_process.hpp>
+#include <shell/base/descriptor.hpp>
 #include <shell/base/own_programs.hpp>
 #include <shell/base/printable.hpp>
-#include <shell/plugins/elf_file.hpp>
 #include <shell/plugins/plugin_error.hpp>
 
 #include <cerrno>
@@ -30,7 +30,7 @@ Identity identityOf(const std::filesystem::path& file) {
     return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-/// What a program writes, in a file in memory. It takes any amount, so that nobody has to wait and read.
+/// What a program writes, in a file in memory, so that nobody has to wait and read.
 class WrittenText {
 public:
     WrittenText() : my_descriptor(::memfd_create("korl-try-module", MFD_CLOEXEC)) {
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    FileDescriptor my_descriptor;
+    Descriptor my_descriptor;
 };
 
 /// The last line that is not empty, as what a program said when it failed.
@@ -95,7 +95,7 @@ private:
 } // namespace
 
 void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit) {
-    static std::set<Identity> passed;
+    static std::set<Identity> passed; // modules are not loaded from two threads at once
     const Identity identity = identityOf(plugin.file);
     if (passed.contains(identity))
         return;
