@@ -72,8 +72,6 @@ std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
         return iconOf(*object.get(), with_file);
     } catch (const std::exception& error) {
         note(type + error.what());
-    } catch (...) {
-        note(type + "its module threw something that is no exception; it has to be mended by its maker");
     }
     return std::nullopt;
 }
