@@ -3,6 +3,7 @@
 // Python files make attributes and types of them. Each call lets go of the interpreter while it waits for its
 // turn and while it works.
 
+#include "shell/base/module_call.hpp"
 #include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
@@ -82,6 +83,7 @@ PYBIND11_MODULE(_korl, module) {
     using namespace korl::python;
     homeFolder(); // while the path of this library still leads to it
     openStandardStreams();
+    reportSignalsOfModules(); // those that Python has a handler for stay its own
     py::register_exception_translator(translateError);
     py::enum_<RenderPath>(module, "RenderPath")
         .value("shader", RenderPath::shader)

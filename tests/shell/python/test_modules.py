@@ -60,7 +60,7 @@ print(shell.create("Sun").latitude)
             run(script, KORL_TEST_OPERATION="update", KORL_TEST_END="throw"), (0, f"{message}{MENDED}\n45.0\n")
         )
 
-    def test_a_light_that_exits_fails_and_a_script_may_exit(self):
+    def test_a_light_that_exits_or_aborts_is_told_and_a_script_may_exit(self):
         script = f"""
 import korl, sys
 shell = korl.Shell(plugins=[{str(BROKEN / "odd_lights.so")!r}])
@@ -72,6 +72,10 @@ sys.exit(4)
         message = 'korl: illuminate of "lamp" in the module "odd_lights" called exit; the program ends with its work undone\n'
         self.assertEqual(run(script, KORL_TEST_OPERATION="illuminate", KORL_TEST_END="exit"), (1, message))
         self.assertEqual(run(script), (4, ""))
+        message = 'korl: illuminate of "lamp" in the module "odd_lights" ended with signal 6 (Aborted)'
+        self.assertEqual(
+            run(script, KORL_TEST_OPERATION="illuminate", KORL_TEST_END="abort"), (-6, f"{message}{MENDED}\n")
+        )
 
 
 class ShadowedTypeTest(unittest.TestCase):
