@@ -66,7 +66,8 @@ private:
 LastWords beginLastWords() noexcept {
     LastWords words;
     words.add("korl: ");
-    running->describe([&](std::string_view text) { words.add(text); });
+    constexpr std::size_t longest = 200; // of a name, so that there is room for what became of it
+    running->describe([&](std::string_view text) { words.add(text.substr(0, longest)); });
     return words;
 }
 
@@ -125,6 +126,7 @@ void reportExitsOfModules() {
 }
 
 void reportSignalsOfModules() {
+    moduleAt(nullptr); // which gets its memory at its first use
     struct sigaction former {};
     // A stack that has no room left has none for a handler either.
     if (::sigaction(SIGSEGV, nullptr, &former) == 0 && former.sa_handler == SIG_DFL) {

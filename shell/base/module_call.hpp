@@ -62,11 +62,13 @@ private:
 };
 
 /// From now on a module that ends the process with `exit` while it is called has that said on standard error,
-/// and the exit code is 1.
+/// and the exit code is 1. It is seen on the thread that makes the call; an `exit` on a thread that the
+/// module has started, and `_exit` anywhere, are not.
 void reportExitsOfModules();
 
 /// From now on a signal that ends the process while a module is called has that said on standard error, and
-/// then takes its course. Signals with a handler stay as they are. To be called on the main thread.
+/// then takes its course. Signals with a handler stay as they are, and so does one on a thread
+/// that is in no call. To be called on the main thread.
 void reportSignalsOfModules();
 
 } // namespace korl

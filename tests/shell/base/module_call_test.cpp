@@ -107,6 +107,17 @@ TEST(ModuleCallDeathTest, ASignalInACallIsToldAndTakesItsCourse) {
                 "mended by its maker\n$");
 }
 
+TEST(ModuleCallDeathTest, ALongNameLeavesRoomForWhatHappened) {
+    const auto abort = [] {
+        reportSignalsOfModules();
+        const Lamp object(std::string(5000, 'x'));
+        const ModuleCall call(object, "update");
+        std::raise(SIGABRT);
+    };
+    EXPECT_EXIT(abort(), testing::KilledBySignal(SIGABRT),
+                "^korl: update of \"x+\" ended with signal 6 .*maker\n$");
+}
+
 TEST(ModuleCallDeathTest, OtherSignalsStayAsTheyAre) {
     const auto abort = [] {
         reportSignalsOfModules();
