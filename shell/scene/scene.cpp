@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <typeinfo>
 #include <utility>
 
 namespace korl {
@@ -45,6 +46,13 @@ Ball merged(const Ball& a, const Ball& b) {
     return {a.center + (b.center - a.center) * ((radius - a.radius) / distance), radius};
 }
 
+/// Ends an object's life, whoever still holds it.
+void destroy(VObject& object) {
+    const std::string name = object.Name(); // which goes with the object
+    const ModuleCall call(typeid(object), name, "destruction");
+    Tessan::Counted::destroy(&object);
+}
+
 } // namespace
 
 std::string tooLongChainText() {
@@ -56,7 +64,8 @@ Scene::Scene() : my_revision(nextRevision()) {}
 Scene::~Scene() {
     // Deleted, not only let go: whoever still holds an object must not keep it beyond its scene.
     for (auto object = my_objects.rbegin(); object != my_objects.rend(); ++object)
-        Tessan::Counted::destroy(object->get());
+        if (VObject* const left = object->get())
+            destroy(*left);
 }
 
 VObject& Scene::create(const std::string& type, const std::string& name) {
@@ -102,7 +111,7 @@ void Scene::remove(std::string name) { // NOLINT(performance-unnecessary-value-p
         return;
     VObject& gone = object(name);
     my_muted.erase(gone.number());
-    Tessan::Counted::destroy(&gone);
+    destroy(gone);
     my_objects_by_name.erase(name);
     my_revision = nextRevision(); // the list of objects is swept when it is next asked for
 }
@@ -130,7 +139,9 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
                         " is " + valueForm(source.type()) + "; they stay unconnected");
     if (const std::string reason = tooLongChain(follower_parameter, source); !reason.empty())
         throw Error(follower + " cannot follow " + followed + ": " + reason);
-    if (!following.connectInput(parameter_name, source))
+    if (!ModuleCall(following, "connectInput").run([&] {
+            return following.connectInput(parameter_name, source);
+        }))
         throw Error(follower + " cannot follow " + followed +
                     ": that one follows it already, or the input takes no connections");
     my_foreign.disconnect(following.number(), parameter_name);
@@ -160,12 +171,13 @@ void Scene::setParameter(const std::string& object_name, const std::string& para
     VParameter& changed = parameter(object_name, parameter_name);
     Qelt::ValuePool* const pool = view_name.empty() ? nullptr : view(view_name).get();
     const std::string full_name = object_name + "." + parameter_name;
-    const StrongPtr<Qelt::VValueBase> value = changed.DefaultValue().clone();
+    const ModuleCall call(object(object_name), "setValueFromText");
+    const StrongPtr<Qelt::VValueBase> value = call.run([&] { return changed.DefaultValue().clone(); });
     const auto kept = [&] {
         const Qelt::VValueBase* const held = pool ? changed.getLocalValue(*pool) : &changed.globalValue();
         return held ? "; it keeps " + inQuotes(held->Text()) : std::string();
     };
-    if (!value->setValueFromText(text))
+    if (!call.run([&] { return value->setValueFromText(text); }))
         throw InvalidValue(inQuotes(full_name) + " takes " + valueForm(changed.type()) + ", found " +
                            inQuotes(text) + kept());
     if (saysNotFinite(value->Text()))

@@ -53,6 +53,7 @@ struct OddLight : ShaderLightSource {
         during("creation");
         enableRequestProcessing();
     }
+    ~OddLight() override { during("destruction"); }
     bool update(VRequest&, double) override {
         during("update");
         return true;

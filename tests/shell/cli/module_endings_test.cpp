@@ -73,6 +73,14 @@ TEST_F(ModuleEndingsGLTest, SignalsAreToldAndTakeTheirCourse) {
                    " ended with signal 6 (Aborted); the module has to be mended by its maker\n");
 }
 
+TEST_F(ModuleEndingsGLTest, ADestructorIsToldToo) {
+    const ProgramResult result = render("destruction", "abort"); // when the picture is written
+    EXPECT_EQ(result.errors,
+              "korl: wrote " + picture + ", 16x8 pixels\n" + called("destruction") +
+                  " ended with signal 6 (Aborted); the module has to be mended by its maker\n");
+    EXPECT_EQ(result.exit_code, 128 + SIGABRT);
+}
+
 #ifndef KORL_SANITIZED // which has a word about these signals itself
 TEST_F(ModuleEndingsGLTest, SegmentationFaultsAreToldEvenWhenTheStackIsFull) {
     for (const std::string end : {"segmentation fault", "stack overflow"})
