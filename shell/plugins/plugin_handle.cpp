@@ -2,6 +2,7 @@
 
 #include <shell/base/caught_exception.hpp>
 #include <shell/base/loaded_modules.hpp>
+#include <shell/base/module_call.hpp>
 #include <shell/base/printable.hpp>
 #include <shell/plugins/plugin_error.hpp>
 
@@ -85,13 +86,14 @@ bool ask(VInitialization::EntryPoint entry_point, VInitialization& shell, const 
 } // namespace
 
 void ClosePlugin::operator()(void* handle) const noexcept {
+    const ModuleCall call(module_name, "unloading");
     if (::dlclose(handle) != 0)
         Qelt::Vprintf(0, "korl: a plug-in can't be unloaded: %s\n", ::dlerror());
     leaveModule(handle);
 }
 
 PluginHandle openPlugin(const PluginInspection& plugin) {
-    PluginHandle handle(openLibrary(plugin.file));
+    PluginHandle handle(openLibrary(plugin.file), {plugin.module_name});
     if (!handle)
         throw refusedByLoader(plugin.file);
     void* const symbol = ::dlsym(handle.get(), plugin.entry_point.c_str());

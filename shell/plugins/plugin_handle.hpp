@@ -7,6 +7,7 @@
 namespace korl {
 
 struct ClosePlugin {
+    std::string module_name{}; ///< to be told where its code ends the process
     void operator()(void* handle) const noexcept;
 };
 

@@ -26,13 +26,12 @@ bool isLoaded(const std::filesystem::path& file) {
     return handle != nullptr;
 }
 
-/// What this program brings itself needs no trial.
+} // namespace
+
 bool isOwnModule(const std::filesystem::path& file) {
     std::error_code missing;
     return std::filesystem::equivalent(file.parent_path(), ownFolder() / "modules", missing);
 }
-
-} // namespace
 
 PluginLibrary PluginLibrary::load(const std::filesystem::path& file) {
     return load(inspectPlugin(file));

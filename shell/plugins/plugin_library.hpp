@@ -8,13 +8,16 @@
 
 namespace korl {
 
+/// Whether a library lies where this program has its own modules.
+bool isOwnModule(const std::filesystem::path& file);
+
 /// A plug-in library that is loaded while its owner lives. Loading and unloading run the module's code: it
 /// announces itself, and registers and withdraws its creators. Not to be loaded or unloaded from two threads
 /// at once.
 class PluginLibrary {
 public:
-    /// Inspects a library, tries it in a process of its own (see `tryPlugin`) unless it lies where the
-    /// program has its own modules, loads it and asks its entry point whether it was built for this shell's
+    /// Inspects a library, tries it in a process of its own (see `tryPlugin`) unless it is the
+    /// program's own module, loads it and asks its entry point whether it was built for this shell's
     /// interface. Throws Error where the inspection refuses it (none of its code has run then), it does not
     /// survive the trial, the system's loader refuses it, or its entry point says no.
     static PluginLibrary load(const std::filesystem::path& file);
