@@ -3,6 +3,7 @@
 #include <shell/plugins/plugin_inspection.hpp>
 
 #include <memory>
+#include <string>
 
 namespace korl {
 
