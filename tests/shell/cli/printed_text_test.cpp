@@ -116,9 +116,9 @@ TEST_F(PrintedTextTest, MessagesOnOutputsEscapeTheirPaths) {
          "cannot write " + escaped +
              ".b\\x07: a picture is written as PNG alone, to a name that ends in .png " +
              "or has no suffix, found \".b\\x07\""},
-        {{"animate", "-o", at + name + "/f_#.png", "--frames", "1"},
+        {{"animate", "-o", at + name + "/f_#.png", "--frames", "1", "--no-default-light"},
          "cannot write " + escaped + "/f_#.png: the folder " + escaped + " does not exist; make it first"},
-        {{"animate", "-o", at + name + ".mp4"},
+        {{"animate", "-o", at + name + ".mp4", "--no-default-light"},
          "cannot make the film " + escaped +
              ".mp4: there is no ffmpeg on the PATH; install it (on Debian the package ffmpeg), or write "
              "pictures, such as \"day_####.png\""},
@@ -190,11 +190,12 @@ TEST_F(PrintedTextGLTest, AModulesExceptionIsEscaped) {
 }
 
 TEST_F(PrintedTextGLTest, WhatIsWrittenIsToldWithoutControls) {
-    const ProgramResult picture =
-        runProgram(KORL_PROGRAM, {"render", "--size", "8x8", "-o", folder / "a\nkorl: fine.png"});
+    const ProgramResult picture = runProgram(
+        KORL_PROGRAM, {"render", "--no-default-light", "--size", "8x8", "-o", folder / "a\nkorl: fine.png"});
     EXPECT_EQ(picture.errors, "korl: wrote " + folder.path().string() + "/a\\nkorl: fine.png, 8x8 pixels\n");
-    const ProgramResult sequence = runProgram(
-        KORL_PROGRAM, {"animate", "--size", "8x8", "--frames", "1", "-o", folder / "a\nkorl: fine_#.png"});
+    const ProgramResult sequence =
+        runProgram(KORL_PROGRAM, {"animate", "--no-default-light", "--size", "8x8", "--frames", "1", "-o",
+                                  folder / "a\nkorl: fine_#.png"});
     EXPECT_EQ(sequence.errors,
               "korl: wrote " + folder.path().string() + "/a\\nkorl: fine_#.png, 1 frame numbered from 1\n");
 }
