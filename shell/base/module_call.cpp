@@ -18,9 +18,9 @@ namespace korl {
 template <class Take>
 void ModuleCall::describe(Take take) const {
     take(my_operation);
-    if (my_object) {
+    if (my_is_of_object) {
         take(" of \"");
-        take(*my_object);
+        take(std::string_view(my_object.data(), my_object_size));
         take("\"");
     }
     const std::string_view module = my_module ? std::string_view(*my_module) : moduleAt(my_type);
@@ -66,7 +66,7 @@ private:
 LastWords beginLastWords() noexcept {
     LastWords words;
     words.add("korl: ");
-    constexpr std::size_t longest = 200; // of a name, so that there is room for what became of it
+    constexpr std::size_t longest = 200; // of a text, so that there is space for what became of it
     running->describe([&](std::string_view text) { words.add(text.substr(0, longest)); });
     return words;
 }
@@ -100,7 +100,9 @@ void onSignal(int signal) {
 
 ModuleCall::ModuleCall(const std::type_info* type, const std::string* object, const std::string* module,
                        const char* operation) noexcept
-    : my_type(type), my_object(object), my_module(module), my_operation(operation), my_outer(running) {
+    : my_type(type), my_is_of_object(object != nullptr),
+      my_object_size(object ? object->copy(my_object.data(), my_object.size()) : 0), my_module(module),
+      my_operation(operation), my_outer(running) {
     running = this;
 }
 

@@ -4,6 +4,8 @@
 
 #include <sorvik/managed_object.hpp>
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <typeinfo>
 
@@ -21,7 +23,7 @@ public:
 
     /// The same for what belongs to an object, such as its light source.
     /// @param type of the class whose code is called.
-    /// @param object the object's name, which must live as long as this.
+    /// @param object the object's name.
     ModuleCall(const std::type_info& type, const std::string& object, const char* operation) noexcept
         : ModuleCall(&type, &object, nullptr, operation) {}
 
@@ -56,7 +58,12 @@ private:
     [[noreturn]] void failed() const;
 
     const std::type_info* my_type;
-    const std::string *my_object, *my_module;
+    bool my_is_of_object;
+    /// The object's name, or the beginning of it: a copy, since a module that exits takes its objects along
+    /// before it can be told of.
+    std::array<char, 200> my_object;
+    std::size_t my_object_size;
+    const std::string* my_module;
     const char* my_operation;
     const ModuleCall* my_outer; ///< what this thread was at before
 };
