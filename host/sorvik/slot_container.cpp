@@ -27,8 +27,9 @@ VSlot* VSlotContainer::findSlot(std::string_view name) const noexcept {
 }
 
 bool VSlotContainer::removeParameter(std::string_view name) {
+    const std::string gone(name); // which may be the name of the very parameter that goes
     return std::erase_if(my_parameters,
-                         [&](const Entry& entry) { return entry.parameter->Name() == name; }) != 0;
+                         [&](const Entry& entry) { return entry.parameter->Name() == gone; }) != 0;
 }
 
 void VSlotContainer::setup() {}
