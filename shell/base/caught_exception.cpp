@@ -16,7 +16,7 @@ std::string textOfCaughtException() {
     } catch (const std::exception& error) {
         return error.what();
     } catch (...) {
-        return "a module threw something that is no exception; it has to be mended by its maker";
+        return "a module threw something that is not an exception; report it to the author of the module";
     }
 }
 

@@ -90,7 +90,7 @@ void onSignal(int signal) {
             words.add(description);
             words.add(")");
         }
-        words.add("; the module has to be mended by its maker");
+        words.add("; report it to the author of the module");
         words.write();
     }
     std::raise(signal); // which has no handler any more, and comes when this one returns
@@ -118,8 +118,7 @@ void ModuleCall::failed() const {
     } catch (const std::bad_alloc&) {
         throw Error(text + " failed: " + textOfCaughtException());
     } catch (...) {
-        throw Error(text + " threw " + nameOfCaughtException() +
-                    "; the module has to be mended by its maker");
+        throw Error(text + " threw " + nameOfCaughtException() + "; report it to the author of the module");
     }
 }
 

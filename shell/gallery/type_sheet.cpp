@@ -81,7 +81,7 @@ TypeSheet sheetOf(const std::string& type, Scene& scene, GLContext& context, int
     } catch (const std::exception& error) {
         sheet.failure = error.what();
     } catch (...) {
-        sheet.failure = "its module threw something that is no exception";
+        sheet.failure = "its module threw something that is not an exception";
     }
     if (!object_name.empty() && scene.find(object_name))
         scene.remove(object_name);

@@ -21,7 +21,8 @@ TEST(CaughtExceptionTest, SaysWhatIsToBeDone) {
     EXPECT_EQ(textOf(std::bad_alloc()),
               "there is not enough memory for this; take a smaller picture or model, fewer jobs at once, or "
               "let the program have more (ulimit -v)");
-    EXPECT_EQ(textOf(42), "a module threw something that is no exception; it has to be mended by its maker");
+    EXPECT_EQ(textOf(42),
+              "a module threw something that is not an exception; report it to the author of the module");
 }
 
 } // namespace

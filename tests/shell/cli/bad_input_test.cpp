@@ -78,11 +78,11 @@ TEST_F(BadInput, ExceptionsOfModules) {
     expectError(
         {"describe", "Reluctant", plugin[0], plugin[1]}, 1,
         "creation of \"Reluctant\" in the module \"throwing_objects\" threw the exception \"the object does "
-        "not want to be\"; the module has to be mended by its maker");
+        "not want to be\"; report it to the author of the module");
     expectError(
         {"render", "--light", "Odd", plugin[0], plugin[1]}, 1,
         "creation of \"Odd\" in the module \"throwing_objects\" threw something that is not an exception; "
-        "the module has to be mended by its maker");
+        "report it to the author of the module");
 }
 
 TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
@@ -90,10 +90,10 @@ TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
     EXPECT_EQ(
         result.errors,
         "korl: type \"Reluctant\": creation of \"Reluctant\" in the module \"throwing_objects\" threw the "
-        "exception \"the object does not want to be\"; the module has to be mended by its maker\n"
+        "exception \"the object does not want to be\"; report it to the author of the module\n"
         "korl: type \"Odd\": creation of \"Odd\" in the module \"throwing_objects\" threw something that is "
         "not "
-        "an exception; the module has to be mended by its maker\n"
+        "an exception; report it to the author of the module\n"
         "korl: 2 of 9 types have no usable icon; their modules have to be mended\n");
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_THAT(result.output, HasSubstr("\nReluctant         -         0       -            unusable"));

@@ -51,13 +51,12 @@ TEST_F(ModuleEndingsGLTest, TheLightsAreInOrderWhenNothingIsAsked) {
 
 TEST_F(ModuleEndingsGLTest, ExceptionsAreErrorsThatNameTheLight) {
     for (const std::string operation : operations)
-        expect(
-            render(operation, "throw"), 1,
-            called(operation) +
-                " threw the exception \"this light\\nis odd\"; the module has to be mended by its maker\n");
+        expect(render(operation, "throw"), 1,
+               called(operation) +
+                   " threw the exception \"this light\\nis odd\"; report it to the author of the module\n");
     expect(render("update", "throw a number"), 1,
            called("update") +
-               " threw something that is not an exception; the module has to be mended by its maker\n");
+               " threw something that is not an exception; report it to the author of the module\n");
 }
 
 TEST_F(ModuleEndingsGLTest, AnExitIsAFailure) {
@@ -69,15 +68,13 @@ TEST_F(ModuleEndingsGLTest, AnExitIsAFailure) {
 TEST_F(ModuleEndingsGLTest, SignalsAreToldAndTakeTheirCourse) {
     for (const std::string operation : operations)
         expect(render(operation, "abort"), 128 + SIGABRT,
-               called(operation) +
-                   " ended with signal 6 (Aborted); the module has to be mended by its maker\n");
+               called(operation) + " ended with signal 6 (Aborted); report it to the author of the module\n");
 }
 
 TEST_F(ModuleEndingsGLTest, ADestructorIsToldToo) {
     const ProgramResult result = render("destruction", "abort"); // when the picture is written
-    EXPECT_EQ(result.errors,
-              "korl: wrote " + picture + ", 16x8 pixels\n" + called("destruction") +
-                  " ended with signal 6 (Aborted); the module has to be mended by its maker\n");
+    EXPECT_EQ(result.errors, "korl: wrote " + picture + ", 16x8 pixels\n" + called("destruction") +
+                                 " ended with signal 6 (Aborted); report it to the author of the module\n");
     EXPECT_EQ(result.exit_code, 128 + SIGABRT);
 }
 
@@ -86,8 +83,8 @@ TEST_F(ModuleEndingsGLTest, SegmentationFaultsAreToldEvenWhenTheStackIsFull) {
     for (const std::string end : {"segmentation fault", "stack overflow"})
         expect(render("illuminate", end), 128 + SIGSEGV,
                called("illuminate") +
-                   " ended with signal 11 (Segmentation fault); the module has to be mended by its "
-                   "maker\n");
+                   " ended with signal 11 (Segmentation fault); report it to the author of the "
+                   "module\n");
 }
 #endif
 

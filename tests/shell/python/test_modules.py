@@ -11,7 +11,7 @@ from pathlib import Path
 import korl
 
 BROKEN = Path(os.environ["KORL_BROKEN_PLUGINS"])
-MENDED = "; the module has to be mended by its maker"
+MENDED = "; report it to the author of the module"
 
 
 def run(script, **environment):

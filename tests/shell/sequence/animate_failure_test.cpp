@@ -16,7 +16,7 @@ class AnimateFailureGLTest : public korl::test::Animating {};
 
 const std::string no_mood =
     "update of \"m\" in the module \"failing_frames\" threw the exception \"in no mood for it\"; "
-    "the module has to be mended by its maker";
+    "report it to the author of the module";
 
 TEST_F(AnimateTest, RefusesWhatCannotBe) {
     struct Case {
