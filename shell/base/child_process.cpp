@@ -103,10 +103,7 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
         posix_spawn_file_actions_adddup2(actions.get(), input.get(), STDIN_FILENO);
     else
         posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    if (!start.log.empty())
-        posix_spawn_file_actions_addopen(actions.get(), STDERR_FILENO, start.log.c_str(),
-                                         O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    else if (output.isOpen())
+    if (output.isOpen())
         posix_spawn_file_actions_adddup2(actions.get(), output.get(), STDERR_FILENO);
     posix_spawn_file_actions_adddup2(actions.get(), STDERR_FILENO, STDOUT_FILENO);
     if (shared.isOpen())

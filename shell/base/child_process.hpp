@@ -16,10 +16,9 @@ struct ProcessStart {
     std::vector<std::string> arguments; ///< without the program's own name
     std::vector<std::pair<std::string, std::string>> environment{}; ///< beside what this process has
     std::filesystem::path folder{};                                 ///< to work in; empty for this process's
-    int input = -1;              ///< its descriptor 0; -1 for nothing to read
-    int shared = -1;             ///< its descriptor 3, beside the usual three; -1 for none
-    std::filesystem::path log{}; ///< takes its outputs; empty for `output`
-    int output = -1;             ///< its descriptors 1 and 2; -1 for standard error
+    int input = -1;  ///< its descriptor 0; -1 for nothing to read
+    int shared = -1; ///< its descriptor 3, beside the usual three; -1 for none
+    int output = -1; ///< its descriptors 1 and 2; -1 for standard error
 };
 
 /// The descriptor at which a program finds `ProcessStart::shared`.

@@ -1,18 +1,14 @@
 #include <shell/plugins/plugin_trial.hpp>
 
 #include <shell/base/child_process.hpp>
-#include <shell/base/descriptor.hpp>
 #include <shell/base/own_programs.hpp>
-#include <shell/base/printable.hpp>
+#include <shell/base/written_text.hpp>
 #include <shell/plugins/plugin_error.hpp>
 
-#include <cerrno>
-#include <cstring>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
@@ -28,39 +24,6 @@ Identity identityOf(const std::filesystem::path& file) {
     struct stat status {};
     ::stat(file.c_str(), &status); // of a file that has just gone nothing passes
     return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
-}
-
-/// What a program writes, in a file in memory, so that nobody has to wait and read.
-class WrittenText {
-public:
-    WrittenText() : my_descriptor(::memfd_create("korl-try-module", MFD_CLOEXEC)) {
-        if (my_descriptor.get() < 0)
-            throw Error(std::string("cannot make a file in memory: ") + std::strerror(errno));
-    }
-
-    int descriptor() const noexcept { return my_descriptor.get(); }
-
-    /// What was written, or the beginning of a very long text.
-    std::string text() const {
-        std::string text(64 * 1024, '\0');
-        const ssize_t count = ::pread(my_descriptor.get(), text.data(), text.size(), 0);
-        text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
-        return text;
-    }
-
-private:
-    Descriptor my_descriptor;
-};
-
-/// The last line that is not empty, as what a program said when it failed.
-std::string lastLineOf(std::string_view text) {
-    constexpr std::size_t longest = 200;
-    const std::size_t end = text.find_last_not_of("\n\r ");
-    if (end == std::string_view::npos)
-        return {};
-    text = text.substr(0, end + 1);
-    const std::size_t begin = text.find_last_of('\n') + 1; // of the whole text where there is none
-    return printable(text.substr(begin, longest));
 }
 
 std::string textOf(std::chrono::milliseconds time) {
@@ -92,28 +55,20 @@ private:
     bool my_is_unloading = false;
 };
 
-} // namespace
-
-void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit) {
-    static std::set<Identity> passed; // modules are not loaded from two threads at once
-    const Identity identity = identityOf(plugin.file);
-    if (passed.contains(identity))
-        return;
-
+/// Tries a module once. @param heap what its process's heap is to be like, one of `trial_heaps`.
+void tryWith(const char* heap, const PluginInspection& plugin, std::chrono::milliseconds limit) {
     const WrittenText told, output;
     ProcessStart start{ownProgram("korl-try-module"),
-                       {plugin.file.string(), plugin.entry_point, std::to_string(::getpid())}};
+                       {plugin.file.string(), plugin.entry_point, heap, std::to_string(::getpid())}};
     start.shared = told.descriptor();
     start.output = output.descriptor();
     ChildProcess process(start);
     const std::optional<int> end = process.waitFor(limit);
     if (!end)
         process.kill();
-    const Answer answer(told.text());
-    if (end && answer.hasPassed()) {
-        passed.insert(identity);
+    const Answer answer(told.beginning());
+    if (end && answer.hasPassed())
         return;
-    }
     if (const auto refusal = answer.textBehind(trial_words::refused))
         throw Error(*refusal);
 
@@ -123,13 +78,25 @@ void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit) 
     } else if (const auto thrown = answer.textBehind(trial_words::threw)) {
         found = "one that throws " + *thrown;
     } else {
-        const std::string said = lastLineOf(output.text());
+        const std::string said = output.lastLines(1);
         found = "one that ends the process with " + endText(*end) +
                 (said.empty() ? "" : ", saying \"" + said + "\",");
     }
     throw pluginError(plugin.file, "a module that can be loaded and unloaded",
                       found + " while it is " + answer.step(),
                       "Mend the plug-in; if it was in order before, build it or copy it again.");
+}
+
+} // namespace
+
+void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit) {
+    static std::set<Identity> passed; // modules are not loaded from two threads at once
+    const Identity identity = identityOf(plugin.file);
+    if (passed.contains(identity))
+        return;
+    for (const char* const heap : trial_heaps)
+        tryWith(heap, plugin, limit);
+    passed.insert(identity);
 }
 
 } // namespace korl

@@ -6,13 +6,17 @@
 
 namespace korl {
 
-/// Loads a module in a short-lived process of its own, asks its entry point and unloads it again, before any
+/// Loads a module in short-lived processes of its own, asks its entry point and unloads it again, before any
 /// of its code runs here: an exception that leaves a static initialiser, `exit`, a signal or an endless loop
-/// ends that process, and here is an Error that names the file and what happened. What the module prints
+/// ends such a process, and here is an Error that names the file and what happened. What the module prints
 /// meanwhile is dropped. A file that has passed is not tried again by this process until it changes.
 ///
 /// Throws Error where the module does not pass, or is not done within the limit.
 void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+/// What the heap of a process that tries a module is like. A module whose code is damaged may take what
+/// malloc happens to return, or leave in a register, for its own and come to no harm with one of them.
+inline constexpr const char* trial_heaps[]{"new", "used"};
 
 /// What the process that tries a module tells of it, each word as it comes to it, with a zero byte behind it.
 namespace trial_words {

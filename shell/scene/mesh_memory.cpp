@@ -24,22 +24,17 @@ constexpr int wanted_seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL
 } // namespace
 
 MemoryFile::MemoryFile() : my_descriptor(::memfd_create("korl-mesh", MFD_CLOEXEC | MFD_ALLOW_SEALING)) {
-    if (my_descriptor < 0)
+    if (!my_descriptor.isOpen())
         failWithReason("there is no memory for a mesh");
 }
 
-MemoryFile::~MemoryFile() {
-    if (my_descriptor >= 0)
-        ::close(my_descriptor);
-}
-
 void MemoryFile::seal() const {
-    if (::fcntl(my_descriptor, F_ADD_SEALS, wanted_seals) != 0)
+    if (::fcntl(descriptor(), F_ADD_SEALS, wanted_seals) != 0)
         failWithReason("a mesh cannot be kept from changes");
 }
 
 bool MemoryFile::isSealed() const noexcept {
-    return ::fcntl(my_descriptor, F_GET_SEALS) == wanted_seals;
+    return ::fcntl(descriptor(), F_GET_SEALS) == wanted_seals;
 }
 
 MeshWriter::MeshWriter(const MemoryFile& file) : my_file(file) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/base/descriptor.hpp"
 #include "shell/scene/mesh.hpp"
 
 #include <cstddef>
@@ -7,28 +8,24 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace korl {
 
-/// A file that lies in memory alone and goes from process to process as a descriptor.
+/// A file of meshes that lies in memory alone and goes from process to process as a descriptor.
 class MemoryFile {
 public:
     /// An empty one. Throws Error where the system has no more.
     MemoryFile();
     explicit MemoryFile(int descriptor) noexcept : my_descriptor(descriptor) {}
-    ~MemoryFile();
-    MemoryFile(MemoryFile&& other) noexcept : my_descriptor(std::exchange(other.my_descriptor, -1)) {}
-    MemoryFile& operator=(MemoryFile&&) = delete;
 
-    int descriptor() const noexcept { return my_descriptor; }
+    int descriptor() const noexcept { return my_descriptor.get(); }
 
     /// Nobody can change it from then on. Throws Error where that cannot be.
     void seal() const;
     bool isSealed() const noexcept;
 
 private:
-    int my_descriptor;
+    Descriptor my_descriptor;
 };
 
 /// Writes meshes, and what belongs to them, for another process.

@@ -3,6 +3,7 @@
 #include "shell/base/child_process.hpp"
 #include "shell/base/own_programs.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/base/written_text.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/mesh_memory.hpp"
 #include "shell/scene/model_file.hpp"
@@ -23,18 +24,6 @@ const char* nameOf(UpAxis up) {
     return up == UpAxis::x ? "x" : up == UpAxis::y ? "y" : "z";
 }
 
-/// The last line that a program wrote, such as an assertion's or a sanitizer's; empty where it wrote nothing.
-std::string lastLineIn(const MemoryFile& log) {
-    constexpr off_t longest = 400;
-    const off_t size = ::lseek(log.descriptor(), 0, SEEK_END);
-    std::string text(static_cast<std::size_t>(std::clamp<off_t>(size, 0, longest)), '\0');
-    const ssize_t read =
-        ::pread(log.descriptor(), text.data(), text.size(), size - static_cast<off_t>(text.size()));
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(read, 0)));
-    text.erase(text.find_last_not_of('\n') + 1);
-    return printable(std::string_view(text).substr(text.rfind('\n') + 1));
-}
-
 [[noreturn]] void failForTime(const ModelReading& reading) {
     const double seconds = static_cast<double>(reading.timeout.count()) / 1000;
     std::string number = std::to_string(seconds);
@@ -50,16 +39,16 @@ std::string lastLineIn(const MemoryFile& log) {
                 "Python).");
 }
 
-[[noreturn]] void failForCrash(int wait_status, const MemoryFile& log) {
-    const std::string last_line = lastLineIn(log);
+[[noreturn]] void failForCrash(int wait_status, const WrittenText& log) {
+    const std::string last_line = log.lastLines(1);
     throw Error("the program that reads it crashed: " + endText(wait_status) +
                 (last_line.empty() ? "" : ", " + last_line) +
                 "\nThe file is probably damaged; write it anew with the program that made it, or in another "
                 "format.");
 }
 
-[[noreturn]] void failToHandOver(const MemoryFile& log) {
-    const std::string last_line = lastLineIn(log);
+[[noreturn]] void failToHandOver(const WrittenText& log) {
+    const std::string last_line = log.lastLines(1);
     throw Error((last_line.empty() ? "a mesh cannot be handed to another process" : last_line) +
                 "\nIt takes memory, and counts as a file where the size of files is limited (ulimit -f).");
 }
@@ -78,7 +67,8 @@ std::optional<int> waitFor(ChildProcess& child, const ModelReading& reading) {
 
 /// Has korl-import read the file, and takes over what that hands back.
 Mesh readInChild(const fs::path& file, UpAxis up, const ModelReading& reading) {
-    const MemoryFile result, log;
+    const MemoryFile result;
+    const WrittenText log;
     ProcessStart start{ownProgram("korl-import"),
                        {fs::absolute(file).string(), nameOf(up), std::to_string(reading.memory),
                         std::to_string(::getpid()), reading.anywhere ? "anywhere" : "beside"}};

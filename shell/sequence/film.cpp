@@ -2,15 +2,14 @@
 
 #include "shell/base/child_process.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/base/written_text.hpp"
 #include "shell/error.hpp"
 #include "shell/scene/file_output.hpp"
-#include "shell/scene/mesh_memory.hpp"
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -55,23 +54,6 @@ std::vector<std::string> encoderArguments(const Film& film, const std::string& o
              "bt709", "-colorspace", "bt709", "-movflags", "+faststart"});
     add({output});
     return words;
-}
-
-std::string contentOf(const MemoryFile& file) {
-    std::ifstream stream("/proc/self/fd/" + std::to_string(file.descriptor()), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-/// The last lines of what ffmpeg said, each below the one before; empty where it said nothing.
-std::string lastWords(const MemoryFile& log) {
-    constexpr int most_lines = 5;
-    std::string text = contentOf(log);
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    std::size_t start = text.size();
-    for (int lines = 0; lines < most_lines && start != std::string::npos; ++lines)
-        start = start == 0 ? std::string::npos : text.rfind('\n', start - 1);
-    return printableLines(start == std::string::npos ? text : text.substr(start + 1));
 }
 
 /// Whether a file is a film to its end: ffmpeg has been seen to report success for less on a full disk.
@@ -119,7 +101,7 @@ void makeFilm(const Film& film, const fs::path& folder, const std::function<void
     fs::remove(folder / written, problem);
     ProcessStart start{encoder, encoderArguments(film, written)};
     start.folder = folder;
-    const MemoryFile log; // the disk may be full just when it is needed
+    const WrittenText log;
     start.output = log.descriptor();
     ChildProcess process(start);
     std::optional<int> end;
@@ -128,7 +110,7 @@ void makeFilm(const Film& film, const fs::path& folder, const std::function<void
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     const bool has_succeeded = WIFEXITED(*end) && WEXITSTATUS(*end) == 0;
-    const std::string said = lastWords(log);
+    const std::string said = log.lastLines(5);
     if (!has_succeeded || !said.empty() || !isWhole(folder / written, film.kind)) {
         fs::remove(folder / written, problem); // the disk may be full
         throwFailure(film, folder, has_succeeded ? "did not write all of it" : "ended with " + endText(*end),

@@ -1,10 +1,10 @@
 // Loads a module, asks its entry point and unloads it, for a shell that has not loaded it yet: what it does
 // to the process, it does to this one. The shell starts it as
 //
-//     korl-try-module FILE ENTRY_POINT SHELL
+//     korl-try-module FILE ENTRY_POINT HEAP SHELL
 //
-// with the number of its own process, and reads what became of it from the file that is its
-// shared_descriptor (see trial_words).
+// with one of `trial_heaps` and the number of its own process, and reads what became of it from the file
+// that is its `shared_descriptor` (see `trial_words`).
 
 #include <shell/base/caught_exception.hpp>
 #include <shell/base/child_process.hpp>
@@ -24,7 +24,9 @@
 #include <link.h>
 #include <malloc.h>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -145,17 +147,19 @@ private:
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count != 4) {
+    if (count != 5) {
         std::fputs("korl-try-module is started by korl itself.\n", stderr);
         return 2;
     }
-    korl::endWithParent(static_cast<pid_t>(std::strtol(arguments[3], nullptr, 10)));
+    korl::endWithParent(static_cast<pid_t>(std::strtol(arguments[4], nullptr, 10)));
     const rlimit no_core{0, 0}; // that it ends is nothing to be looked into
     ::setrlimit(RLIMIT_CORE, &no_core);
     limitOutput();
     std::set_terminate(onTerminate);
     isolateLibrary(arguments[1]);
-    const UsedHeap heap;
+    std::optional<UsedHeap> heap;
+    if (std::string_view(arguments[3]) == "used")
+        heap.emplace();
     try {
         tell(words::loading);
         const korl::PluginHandle module = korl::openPlugin({arguments[1], {}, arguments[2]});
@@ -164,7 +168,7 @@ int main(int count, char** arguments) {
         tell(words::refused + std::string(error.what()));
         ::_exit(1);
     }
-    if (!heap.isIntact()) {
+    if (heap && !heap->isIntact()) {
         std::fputs("it wrote into memory that is not its own", stderr);
         std::abort();
     }

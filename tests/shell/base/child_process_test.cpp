@@ -1,4 +1,5 @@
 #include "shell/base/child_process.hpp"
+#include "shell/base/written_text.hpp"
 
 #include "tests/support/temporary_folder.hpp"
 
@@ -20,27 +21,28 @@ protected:
     std::string run(const std::string& script) const {
         ProcessStart start{"/bin/sh", {"-c", script}};
         start.folder = folder.path();
-        start.log = folder / "log";
+        start.output = log.descriptor();
         start.environment = {{"KORL_WORD", "spoken"}};
         return endText(ChildProcess(start).wait());
     }
 
     const test::TemporaryFolder folder;
+    const WrittenText log;
 };
 
 TEST_F(ChildProcessTest, WorksInItsFolderWithItsLogAndEnvironment) {
     EXPECT_EQ(run("pwd; echo $KORL_WORD >&2; cat"), "exit code 0"); // nothing to read for cat
-    EXPECT_EQ(test::bytesOf(folder / "log"), folder.path().string() + "\nspoken\n");
+    EXPECT_EQ(log.beginning(), folder.path().string() + "\nspoken\n");
 }
 
 TEST_F(ChildProcessTest, GetsTheSharedDescriptorAsItsThird) {
     const int file = ::open(folder.write("words", "shared words").c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_GE(file, 0);
     ProcessStart start{"/bin/sh", {"-c", "cat <&3"}};
-    start.log = folder / "log";
+    start.output = log.descriptor();
     start.shared = file;
     EXPECT_EQ(endText(ChildProcess(start).wait()), "exit code 0");
-    EXPECT_EQ(test::bytesOf(folder / "log"), "shared words");
+    EXPECT_EQ(log.beginning(), "shared words");
     ::close(file);
     EXPECT_EQ(run("cat <&3"), "exit code 2") << "without one there is none";
 }

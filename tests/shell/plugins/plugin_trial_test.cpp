@@ -191,9 +191,9 @@ TEST_F(PluginTrialTest, FlippedBitsDoNotEndTheProcessThatLoadsThem) {
         RecordProperty(end, count);
     EXPECT_GT(ends["loaded"], 0);
     EXPECT_GT(ends["refused"], 0);
-    // Code that is damaged may spoil memory by chance, harmlessly in the trial and deadly here: one copy
-    // of 8,000 did. Without a trial one in eight ends the process.
-    EXPECT_LE(copies - ends["loaded"] - ends["refused"], copies / 1000 + 1);
+    // Damaged code may work by chance in both trials and end the process here: 2 copies of 20,000 did.
+    // Without a trial one in eight ends the process.
+    EXPECT_LE(copies - ends["loaded"] - ends["refused"], copies / 5000 + 1);
 }
 
 } // namespace
