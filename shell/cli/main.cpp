@@ -49,6 +49,7 @@ int main(int argument_count, char** arguments) {
     // A reader that goes away and a file that may not grow are errors like any other, with their message.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL); // ignored, as a parent may leave it, it would hide how child processes end
     korl::reportSignalsOfModules();
     CLI::App app("Lights scenes and renders them with OpenGL.", "korl");
     app.set_version_flag("--version", "korl " KORL_VERSION);

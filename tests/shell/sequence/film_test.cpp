@@ -157,6 +157,15 @@ TEST_F(FilmGLTest, AFilmThatMayNotGrowIsAnError) {
     }
 }
 
+TEST_F(FilmGLTest, IsMadeWhereTheParentIgnoresTheEndsOfChildProcesses) {
+    std::vector<std::string> arguments{"--ignore-signal=CHLD", KORL_PROGRAM};
+    for (const std::string& word : words(colors, "f.gif"))
+        arguments.push_back(word);
+    const ProgramResult result = runProgram("/usr/bin/env", arguments);
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_THAT(files(), ElementsAre("f.gif"));
+}
+
 TEST_F(FilmGLTest, ALinkToAFilmStays) {
     std::filesystem::create_directory(folder / "elsewhere");
     folder.write("elsewhere/old.gif", "an old film");
