@@ -2,10 +2,10 @@
 // takes to make the first one and to load large scene files. Run it on a release build; compare figures of
 // one run only.
 
+#include "shell/mesh/builtin_scene.hpp"
 #include "shell/plugins/plugin_library.hpp"
 #include "shell/render/renderer.hpp"
-#include "shell/scene/builtin_scene.hpp"
-#include "shell/scene/scene_file.hpp"
+#include "shell/scene_file/scene_file.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 #include "shell/base/child_process.hpp"
 
 #include "shell/base/descriptor.hpp"
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <sorvik/managed_object.hpp>
 

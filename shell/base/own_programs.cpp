@@ -1,6 +1,6 @@
 #include "shell/base/own_programs.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <sorvik/initialization.hpp>
 

@@ -1,7 +1,7 @@
 #include "shell/base/written_text.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 
 #include <algorithm>
 #include <cerrno>

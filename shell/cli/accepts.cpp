@@ -1,5 +1,5 @@
+#include "shell/catalogue/value_kind.hpp"
 #include "shell/cli/program.hpp"
-#include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
 

@@ -2,9 +2,9 @@
 #include "shell/cli/progress_display.hpp"
 #include "shell/cli/scene_options.hpp"
 
+#include "shell/animation/animate.hpp"
+#include "shell/animation/worker.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/sequence/animate.hpp"
-#include "shell/sequence/worker.hpp"
 
 #include <array>
 #include <csignal>

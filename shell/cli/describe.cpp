@@ -1,7 +1,7 @@
 #include "shell/base/printable.hpp"
 #include "shell/cli/program.hpp"
 
-#include "shell/scene/type_info.hpp"
+#include "shell/catalogue/type_info.hpp"
 
 #include <memory>
 

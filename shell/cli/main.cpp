@@ -4,8 +4,8 @@
 
 #include "shell/base/caught_exception.hpp"
 #include "shell/base/module_call.hpp"
+#include "shell/base/near_names.hpp"
 #include "shell/base/standard_streams.hpp"
-#include "shell/scene/near_names.hpp"
 
 #include <algorithm>
 #include <csignal>

@@ -1,8 +1,8 @@
 #include "shell/cli/picture_output.hpp"
 
+#include "shell/base/file_output.hpp"
 #include "shell/cli/program.hpp"
-#include "shell/render/png.hpp"
-#include "shell/scene/file_output.hpp"
+#include "shell/image/png.hpp"
 
 #include <utility>
 

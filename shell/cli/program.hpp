@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/session/shell.hpp"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/sequence/animate.hpp"
+#include "shell/animation/animate.hpp"
 
 #include <chrono>
 #include <string>

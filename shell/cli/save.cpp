@@ -1,7 +1,7 @@
 #include "shell/cli/program.hpp"
 #include "shell/cli/scene_options.hpp"
 
-#include "shell/scene/scene_file.hpp"
+#include "shell/scene_file/scene_file.hpp"
 
 #include <memory>
 

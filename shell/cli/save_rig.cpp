@@ -1,7 +1,7 @@
 #include "shell/cli/program.hpp"
 #include "shell/cli/scene_options.hpp"
 
-#include "shell/scene/lighting_rig.hpp"
+#include "shell/scene_file/lighting_rig.hpp"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #include "shell/cli/scene_options.hpp"
 
-#include "shell/scene/builtin_scene.hpp"
-#include "shell/scene/color_text.hpp"
-#include "shell/scene/model_import.hpp"
+#include "shell/base/color_text.hpp"
+#include "shell/mesh/builtin_scene.hpp"
+#include "shell/mesh/model_import.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>

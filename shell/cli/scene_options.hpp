@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/cli/program.hpp"
-#include "shell/scene/scene_file.hpp"
+#include "shell/scene_file/scene_file.hpp"
 
 #include <map>
 #include <optional>

@@ -1,11 +1,11 @@
+#include "shell/base/file_output.hpp"
 #include "shell/base/module_call.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/module_of.hpp"
+#include "shell/catalogue/type_names.hpp"
 #include "shell/cli/program.hpp"
-#include "shell/render/png.hpp"
-#include "shell/render/xpm.hpp"
-#include "shell/scene/file_output.hpp"
-#include "shell/scene/module_of.hpp"
-#include "shell/scene/type_names.hpp"
+#include "shell/image/png.hpp"
+#include "shell/image/xpm.hpp"
 
 #include <sorvik/creator.hpp>
 

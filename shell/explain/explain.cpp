@@ -1,6 +1,6 @@
 #include "shell/explain/explain.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/explain/light_explanations.hpp"
 #include "shell/explain/number_text.hpp"
 #include "shell/explain/summary.hpp"

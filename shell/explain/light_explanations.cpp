@@ -1,13 +1,13 @@
 #include "shell/explain/light_explanations.hpp"
 
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/type_names.hpp"
+#include "shell/catalogue/value_kind.hpp"
 #include "shell/explain/opengl_light.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 #include "shell/scene/light.hpp"
-#include "shell/scene/type_names.hpp"
-#include "shell/scene/value_kind.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>

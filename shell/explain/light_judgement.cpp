@@ -1,6 +1,6 @@
 #include "shell/explain/light_judgement.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/explain/number_text.hpp"
 
 #include <algorithm>

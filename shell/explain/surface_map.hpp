@@ -1,7 +1,7 @@
 #pragma once
 
+#include "shell/mesh/mesh.hpp"
 #include "shell/render/viewpoint.hpp"
-#include "shell/scene/mesh.hpp"
 
 #include <glm/vec3.hpp>
 

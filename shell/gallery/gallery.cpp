@@ -1,10 +1,10 @@
 #include "shell/gallery/gallery.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
+#include "shell/base/file_output.hpp"
+#include "shell/catalogue/type_names.hpp"
 #include "shell/gallery/gallery_page.hpp"
-#include "shell/scene/builtin_scene.hpp"
-#include "shell/scene/file_output.hpp"
-#include "shell/scene/type_names.hpp"
+#include "shell/mesh/builtin_scene.hpp"
 #include "shell/session/shell.hpp"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "shell/gallery/html.hpp"
 
-#include "shell/render/png.hpp"
+#include "shell/image/png.hpp"
 
 namespace korl {
 

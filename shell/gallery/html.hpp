@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/render/image.hpp"
+#include "shell/image/image.hpp"
 
 #include <cstdint>
 #include <span>

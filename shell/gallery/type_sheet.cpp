@@ -1,9 +1,9 @@
 #include "shell/gallery/type_sheet.hpp"
 
+#include "shell/catalogue/type_info.hpp"
+#include "shell/image/xpm.hpp"
 #include "shell/render/snippet_of.hpp"
-#include "shell/render/xpm.hpp"
 #include "shell/scene/light.hpp"
-#include "shell/scene/type_info.hpp"
 
 #include <sorvik/creator.hpp>
 

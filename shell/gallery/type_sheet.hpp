@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/render/image.hpp"
+#include "shell/image/image.hpp"
 #include "shell/render/renderer.hpp"
 #include "shell/scene/scene.hpp"
 

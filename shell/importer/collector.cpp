@@ -1,6 +1,6 @@
 #include "shell/importer/collector.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/importer/model_limits.hpp"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "shell/importer/companion_files.hpp"
 
+#include "shell/base/file_output.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/scene/file_output.hpp"
-#include "shell/scene/model_file.hpp"
+#include "shell/mesh/model_file.hpp"
 
 #include <algorithm>
 #include <charconv>

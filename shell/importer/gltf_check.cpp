@@ -1,10 +1,10 @@
 #include "shell/importer/gltf_check.hpp"
 
+#include "shell/base/error.hpp"
+#include "shell/base/json_text.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/importer/model_limits.hpp"
-#include "shell/scene/json_text.hpp"
-#include "shell/scene/model_file.hpp"
+#include "shell/mesh/model_file.hpp"
 
 #include <array>
 #include <filesystem>

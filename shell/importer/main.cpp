@@ -9,9 +9,9 @@
 #include "shell/base/end_with_parent.hpp"
 #include "shell/importer/model_reader.hpp"
 #include "shell/importer/process_limits.hpp"
-#include "shell/scene/mesh_memory.hpp"
-#include "shell/scene/model_file.hpp"
-#include "shell/scene/model_import.hpp"
+#include "shell/mesh/mesh_memory.hpp"
+#include "shell/mesh/model_file.hpp"
+#include "shell/mesh/model_import.hpp"
 
 #include <csignal>
 #include <cstdio>

@@ -1,14 +1,14 @@
 #include "shell/importer/model_reader.hpp"
 
+#include "shell/base/error.hpp"
+#include "shell/base/file_output.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/importer/collector.hpp"
 #include "shell/importer/companion_files.hpp"
 #include "shell/importer/gltf_check.hpp"
 #include "shell/importer/model_limits.hpp"
 #include "shell/importer/ply_check.hpp"
 #include "shell/importer/unshown.hpp"
-#include "shell/scene/file_output.hpp"
 
 #include <algorithm>
 #include <assimp/config.h>

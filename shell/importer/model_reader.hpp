@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/scene/mesh.hpp"
+#include "shell/mesh/mesh.hpp"
 
 #include <filesystem>
 #include <string>

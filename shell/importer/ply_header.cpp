@@ -1,7 +1,7 @@
 #include "shell/importer/ply_header.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 
 #include <algorithm>
 #include <array>

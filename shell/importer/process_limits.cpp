@@ -1,6 +1,6 @@
 #include "shell/importer/process_limits.hpp"
 
-#include "shell/scene/model_file.hpp"
+#include "shell/mesh/model_file.hpp"
 
 #include <chrono>
 #include <fstream>

@@ -7,11 +7,11 @@
 #include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
+#include "shell/base/file_output.hpp"
+#include "shell/base/near_names.hpp"
 #include "shell/base/standard_streams.hpp"
+#include "shell/image/png.hpp"
 #include "shell/plugins/plugin_search_path.hpp"
-#include "shell/render/png.hpp"
-#include "shell/scene/file_output.hpp"
-#include "shell/scene/near_names.hpp"
 
 #include <sorvik/vprintf.hpp>
 

@@ -1,10 +1,10 @@
 #include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
+#include "shell/catalogue/type_info.hpp"
+#include "shell/catalogue/type_names.hpp"
+#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/aiming.hpp"
-#include "shell/scene/type_info.hpp"
-#include "shell/scene/type_names.hpp"
-#include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
 

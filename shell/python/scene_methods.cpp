@@ -1,9 +1,9 @@
 #include "shell/python/session_class.hpp"
 
-#include "shell/scene/builtin_scene.hpp"
-#include "shell/scene/color_text.hpp"
-#include "shell/scene/mesh_arrays.hpp"
-#include "shell/scene/model_import.hpp"
+#include "shell/base/color_text.hpp"
+#include "shell/mesh/builtin_scene.hpp"
+#include "shell/mesh/mesh_arrays.hpp"
+#include "shell/mesh/model_import.hpp"
 
 #include <palune/geometry_traits.hpp>
 

@@ -1,11 +1,11 @@
 #include "shell/python/session_class.hpp"
 
+#include "shell/animation/animate.hpp"
 #include "shell/explain/explain.hpp"
 #include "shell/explain/explanation_text.hpp"
-#include "shell/scene/lighting_rig.hpp"
-#include "shell/scene/scene_file.hpp"
-#include "shell/scene/scene_script.hpp"
-#include "shell/sequence/animate.hpp"
+#include "shell/scene_file/lighting_rig.hpp"
+#include "shell/scene_file/scene_file.hpp"
+#include "shell/scene_file/scene_script.hpp"
 
 #include <optional>
 #include <tuple>

@@ -1,6 +1,6 @@
 #include "shell/render/gl_context.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <algorithm>
 #include <array>

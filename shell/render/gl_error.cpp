@@ -1,7 +1,7 @@
 #include "shell/render/gl_error.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 
 #include <epoxy/gl.h>
 

@@ -1,7 +1,7 @@
 #include "shell/render/light_probe.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/shader_assembly.hpp"
 #include "shell/render/snippet_of.hpp"

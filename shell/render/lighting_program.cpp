@@ -1,6 +1,6 @@
 #include "shell/render/lighting_program.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/shader_errors.hpp"
 
 namespace korl {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "shell/mesh/mesh.hpp"
 #include "shell/render/gl_objects.hpp"
-#include "shell/scene/mesh.hpp"
 
 #include <memory>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "shell/render/offscreen_target.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/gl_state.hpp"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "shell/image/image.hpp"
 #include "shell/render/fixed_path.hpp"
 #include "shell/render/gl_context.hpp"
 #include "shell/render/gl_state.hpp"
-#include "shell/render/image.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/offscreen_target.hpp"
 #include "shell/render/reports.hpp"

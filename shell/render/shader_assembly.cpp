@@ -1,7 +1,7 @@
 #include "shell/render/shader_assembly.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/render/glsl_text.hpp"
 #include "shell/render/shader_text.hpp"
 

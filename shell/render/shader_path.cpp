@@ -1,8 +1,8 @@
 #include "shell/render/shader_path.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/module_call.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/render/gl_error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/material.hpp"

@@ -1,8 +1,8 @@
 #include "shell/render/view.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/module_call.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "shell/scene/aiming.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
 
 #include <orvid/physical_space.hpp>
 #include <sorvik/component_text.hpp>

@@ -1,12 +1,12 @@
 #include "shell/scene/scene.hpp"
 
+#include "shell/base/error.hpp"
 #include "shell/base/module_call.hpp"
+#include "shell/base/near_names.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/error.hpp"
+#include "shell/catalogue/type_names.hpp"
+#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/light.hpp"
-#include "shell/scene/near_names.hpp"
-#include "shell/scene/type_names.hpp"
-#include "shell/scene/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
 

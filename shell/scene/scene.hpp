@@ -1,8 +1,8 @@
 #pragma once
 
+#include "shell/mesh/mesh.hpp"
 #include "shell/scene/camera.hpp"
 #include "shell/scene/foreign_parts.hpp"
-#include "shell/scene/mesh.hpp"
 
 #include <doltra/renderable.hpp>
 #include <orvid/rgba_float.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/base/caught_exception.hpp"
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/session/shell.hpp"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "shell/session/shell.hpp"
 
-#include "shell/error.hpp"
-#include "shell/scene/type_names.hpp"
+#include "shell/base/error.hpp"
+#include "shell/catalogue/type_names.hpp"
 
 #include <mutex>
 #include <utility>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "shell/mesh/model_import.hpp"
 #include "shell/plugins/plugin_library.hpp"
 #include "shell/render/gl_context.hpp"
 #include "shell/render/renderer.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/view.hpp"
-#include "shell/scene/model_import.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "tests/support/run_program.hpp"
 
-#include "shell/render/png.hpp"
+#include "shell/image/png.hpp"
 
 #include <algorithm>
 #include <cstdlib>

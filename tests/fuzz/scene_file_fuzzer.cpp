@@ -2,8 +2,8 @@
 
 #include "tests/support/flat_scene.hpp"
 
-#include "shell/error.hpp"
-#include "shell/scene/scene_file.hpp"
+#include "shell/base/error.hpp"
+#include "shell/scene_file/scene_file.hpp"
 
 #include <cstdio>
 #include <cstdlib>

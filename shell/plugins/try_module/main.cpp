@@ -9,7 +9,7 @@
 #include <shell/base/caught_exception.hpp>
 #include <shell/base/child_process.hpp>
 #include <shell/base/end_with_parent.hpp>
-#include <shell/error.hpp>
+#include <shell/base/error.hpp>
 #include <shell/plugins/plugin_handle.hpp>
 #include <shell/plugins/plugin_trial.hpp>
 

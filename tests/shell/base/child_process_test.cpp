@@ -3,7 +3,7 @@
 
 #include "tests/support/temporary_folder.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <chrono>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "tests/support/run_program.hpp"
 
-#include "shell/render/png.hpp"
+#include "shell/image/png.hpp"
 
 #include <array>
 #include <filesystem>

@@ -3,10 +3,10 @@
 #include "tests/support/counted_light.hpp"
 #include "tests/support/gl_test.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/explain/explanation_text.hpp"
 #include "shell/explain/number_text.hpp"
-#include "shell/scene/builtin_scene.hpp"
+#include "shell/mesh/builtin_scene.hpp"
 #include "shell/session/shell.hpp"
 
 #include <sorvik/component_text.hpp>

@@ -3,8 +3,8 @@
 #include "tests/support/gl_test.hpp"
 #include "tests/support/run_program.hpp"
 
-#include "shell/error.hpp"
-#include "shell/render/png.hpp"
+#include "shell/base/error.hpp"
+#include "shell/image/png.hpp"
 #include "shell/session/shell.hpp"
 
 #include <algorithm>

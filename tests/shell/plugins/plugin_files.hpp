@@ -2,7 +2,7 @@
 
 #include "tests/support/temporary_folder.hpp"
 
-#include <shell/error.hpp>
+#include <shell/base/error.hpp>
 
 #include <filesystem>
 #include <string>

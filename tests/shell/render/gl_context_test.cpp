@@ -1,4 +1,4 @@
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/gl_context.hpp"
 #include "tests/support/gl_test.hpp"
 

@@ -1,7 +1,7 @@
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/gl_test.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/light_probe.hpp"
 #include "shell/render/offscreen_target.hpp"
 

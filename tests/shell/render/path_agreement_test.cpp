@@ -3,8 +3,8 @@
 #include "tests/support/gl_test.hpp"
 #include "tests/support/loaded_module.hpp"
 
+#include "shell/mesh/builtin_scene.hpp"
 #include "shell/render/renderer.hpp"
-#include "shell/scene/builtin_scene.hpp"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 #include "tests/support/loaded_module.hpp"
 
 #include "shell/render/renderer.hpp"
-#include "shell/scene/scene_file.hpp"
+#include "shell/scene_file/scene_file.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/shader_assembly.hpp"
 #include "shell/render/shader_errors.hpp"
 

@@ -1,6 +1,6 @@
 #include "tests/support/rendered_scene.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <cmath>
 #include <gmock/gmock.h>

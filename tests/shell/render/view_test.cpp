@@ -1,6 +1,6 @@
 #include "tests/support/flat_scene.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 #include "shell/render/shader_path.hpp"
 #include "shell/render/view.hpp"
 

@@ -2,7 +2,7 @@
 
 #include "tests/support/plain_object.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <gtest/gtest.h>
 #include <limits>

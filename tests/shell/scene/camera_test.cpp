@@ -1,6 +1,6 @@
 #include "shell/scene/camera.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/heard_reports.hpp"
 
-#include "shell/error.hpp"
+#include "shell/base/error.hpp"
+#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/scene.hpp"
-#include "shell/scene/value_kind.hpp"
 
 #include <gmock/gmock.h>
 #include <limits>

@@ -1,0 +1,296 @@
+#include "shell/animation/animate.hpp"
+
+#include "shell/animation/film.hpp"
+#include "shell/animation/frame_stamp.hpp"
+#include "shell/animation/output_files.hpp"
+#include "shell/animation/scene_fingerprint.hpp"
+#include "shell/animation/sequence_lock.hpp"
+#include "shell/animation/worker_pool.hpp"
+#include "shell/base/error.hpp"
+#include "shell/base/file_output.hpp"
+#include "shell/base/printable.hpp"
+#include "shell/base/temporary_folder.hpp"
+#include "shell/mesh/mesh_memory.hpp"
+#include "shell/scene_file/scene_file.hpp"
+
+#include <sorvik/vprintf.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <system_error>
+#include <thread>
+
+namespace korl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* solar_time_note = "equinox, solar time";
+constexpr double most_gif_frames_per_second = 50; ///< viewers slow down what is faster
+constexpr int most_film_frames = 999'999;         ///< the digits of the frames' names
+
+/// An mp4 has no alpha: where its scene's background is seen, it is opaque. The scene has its own again when
+/// this object goes.
+class OpaqueBackground {
+public:
+    explicit OpaqueBackground(Scene& scene) : my_scene(scene), my_alpha(scene.background.a) {
+        my_scene.background.a = 1;
+    }
+    ~OpaqueBackground() { my_scene.background.a = my_alpha; }
+    OpaqueBackground(const OpaqueBackground&) = delete;
+    OpaqueBackground& operator=(const OpaqueBackground&) = delete;
+
+private:
+    Scene& my_scene;
+    float my_alpha;
+};
+
+std::string nameOf(const Variation& variation) {
+    return variation.object + "." + variation.parameter;
+}
+
+std::string withNote(const std::string& text, bool is_solar_time) {
+    return is_solar_time ? text + " (" + solar_time_note + ")" : text;
+}
+
+/// "3, 7-9": the numbers of frames, in order.
+std::string listed(const std::vector<int>& numbers) {
+    std::string text;
+    for (std::size_t first = 0, last; first < numbers.size(); first = last + 1) {
+        for (last = first; last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1;)
+            ++last;
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[first]);
+        if (last > first)
+            text += "-" + std::to_string(numbers[last]);
+    }
+    return text;
+}
+
+[[noreturn]] void throwFailures(const std::map<int, std::string>& failures, int frames) {
+    std::map<std::string, std::vector<int>> numbers_by_reason;
+    for (const auto& [number, reason] : failures)
+        numbers_by_reason[reason].push_back(number);
+    std::string text = std::to_string(failures.size()) + " of " + std::to_string(frames) +
+                       " frames could not be made, though each was tried twice";
+    for (const auto& [reason, numbers] : numbers_by_reason)
+        text += "\nframe " + listed(numbers) + ": " + reason;
+    throw Error(text);
+}
+
+/// A sequence on its way from its settings to its files.
+class Sequence {
+public:
+    Sequence(Shell& shell, const SequenceSettings& settings, const SequenceListener& listener)
+        : my_shell(shell), my_settings(settings), my_listener(listener),
+          my_kind(sequenceKind(settings.output)) {
+        if (my_kind == SequenceKind::pictures)
+            my_names.emplace(settings.output);
+        my_progress.frames = settings.frames;
+        check();
+        my_film = isFilm() ? regularTarget(settings.output) : fs::path();
+    }
+
+    SequenceProgress make() {
+        const SequenceLock lock(isFilm() ? my_film : my_settings.output);
+        if (!lock.isHeld())
+            report("the file system of " + printable(my_settings.output.string()) +
+                   " has no locks; see to it that no other process makes the same sequence");
+        if (isFilm())
+            makeFilmFolder();
+        std::vector<FrameRequest> missing = missingFrames();
+        tellProgress();
+        if (!missing.empty()) {
+            const auto failures = makeFrames(std::move(missing));
+            if (!failures.empty())
+                throwFailures(failures, my_settings.frames);
+        }
+        if (isFilm())
+            makeFilmOfFrames();
+        return my_progress;
+    }
+
+private:
+    void check() const {
+        checkNumbers();
+        for (auto varied = my_settings.variations.begin(); varied != my_settings.variations.end(); ++varied) {
+            validate(*varied, my_shell.scene(), my_settings.view);
+            if (std::any_of(my_settings.variations.begin(), varied,
+                            [&](const Variation& other) { return nameOf(other) == nameOf(*varied); }))
+                throw Error(inQuotes(nameOf(*varied)) + " is varied twice; once is enough");
+        }
+        if (!my_settings.view.empty())
+            my_shell.scene().view(my_settings.view); // throws where there is none
+        const fs::path folder = my_settings.output.parent_path();
+        if (!folder.empty() && !fs::is_directory(folder))
+            throw Error("cannot write " + printable(my_settings.output.string()) + ": the folder " +
+                        printable(folder.string()) + " does not exist; make it first");
+        if (fs::is_directory(my_settings.output))
+            throw Error("cannot write " + printable(my_settings.output.string()) + ": it is a directory");
+        if (isFilm())
+            requireFfmpeg(my_settings.output);
+    }
+
+    void checkNumbers() const {
+        const int most = my_names && my_names->digits() < 6
+                             ? static_cast<int>(std::pow(10, my_names->digits())) - 1
+                             : most_film_frames;
+        if (my_settings.frames < 1)
+            throw Error("a sequence has at least one frame, found " + std::to_string(my_settings.frames));
+        if (my_settings.frames > most)
+            throw Error(inQuotes(my_settings.output.filename().string()) + " takes " + std::to_string(most) +
+                        " frames at most, found " + std::to_string(my_settings.frames) +
+                        (most < most_film_frames ? "; put more # characters into the name" : ""));
+        if (my_settings.picture.width < 1 || my_settings.picture.height < 1)
+            throw Error("a picture has at least one pixel");
+        if (my_settings.jobs < 0)
+            throw Error("the frames are made by at least one job, found " + std::to_string(my_settings.jobs));
+        const double rate = my_settings.frames_per_second;
+        if (!std::isfinite(rate) || rate <= 0)
+            throw Error("a film has more than 0 frames per second");
+        if (my_kind == SequenceKind::gif && rate > most_gif_frames_per_second)
+            throw Error("a GIF shows 50 frames per second at most; ask for fewer, or for an MP4");
+    }
+
+    bool isFilm() const { return my_kind != SequenceKind::pictures; }
+
+    fs::path filmFolder() const { return my_film.string() + ".frames"; }
+
+    void makeFilmFolder() const {
+        std::error_code problem;
+        fs::create_directory(filmFolder(), problem);
+        if (problem || !fs::is_directory(filmFolder()))
+            throw Error(
+                "cannot make the folder " + printable(filmFolder().string()) +
+                " for the film's frames: " + (problem ? problem.message() : "there is a file of that name"));
+    }
+
+    fs::path frameFile(int number) const {
+        return my_names ? my_names->file(number) : filmFrame(filmFolder(), number);
+    }
+
+    /// The requests for all frames, but for those that are there already where that is asked for.
+    std::vector<FrameRequest> missingFrames() {
+        const std::uint64_t scene = fingerprintOf(my_shell.scene());
+        std::vector<FrameRequest> missing;
+        for (int number = 1; number <= my_settings.frames; ++number) {
+            FrameRequest request = requestFor(number, scene);
+            regularTarget(frameFile(number)); // throws for a pipe, which would keep a worker waiting
+            if (my_settings.resume && frameStamp(request.file) == request.stamp)
+                ++my_progress.kept;
+            else
+                missing.push_back(std::move(request));
+        }
+        return missing;
+    }
+
+    FrameRequest requestFor(int number, std::uint64_t scene) const {
+        FrameRequest request{number, fs::absolute(frameFile(number)).string(), {}, {}, {}};
+        Fingerprint sum;
+        sum.add("korl " KORL_VERSION);
+        sum.addBytes(&scene, sizeof scene);
+        sum.add(my_settings.view);
+        for (const int part : {my_settings.picture.width, my_settings.picture.height,
+                               static_cast<int>(my_settings.picture.path)})
+            sum.add(static_cast<double>(part));
+        for (const Variation& variation : my_settings.variations) {
+            const std::string text =
+                valueAt(variation, number - 1, my_settings.frames, isDirection(variation, my_shell.scene()));
+            request.values.push_back({variation.object, variation.parameter, text});
+            sum.add(nameOf(variation));
+            sum.add(text);
+            request.description +=
+                (request.description.empty() ? "" : "; ") +
+                withNote(nameOf(variation) + " = " + text, isSolarTime(variation, my_shell.scene()));
+        }
+        char digits[17];
+        std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(sum.value()));
+        request.stamp = digits;
+        return request;
+    }
+
+    std::map<int, std::string> makeFrames(std::vector<FrameRequest> missing) {
+        const TemporaryFolder folder;
+        WorkerJob job{(folder.path() / "scene.json").string(),
+                      my_settings.picture,
+                      my_settings.view,
+                      Qelt::verbosity(),
+                      {}};
+        {
+            std::optional<OpaqueBackground> opaque;
+            if (my_kind == SequenceKind::mp4)
+                opaque.emplace(my_shell.scene());
+            saveScene(job.scene_file, my_shell.scene());
+        }
+        for (const PluginLibrary& plugin : my_shell.plugins().libraries())
+            job.plugins.push_back(plugin.file().string());
+
+        // The models as they are in the scene, read once, whatever has become of their files since.
+        const MemoryFile meshes;
+        MeshWriter writer(meshes);
+        for (const auto& mesh : my_shell.scene().meshes())
+            if (mesh->source)
+                writer.put(*mesh);
+        meshes.seal();
+
+        WorkerPool::Settings pool;
+        pool.meshes = meshes.descriptor();
+        pool.program = my_settings.program.empty() ? thisProgram() : my_settings.program;
+        const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+        pool.jobs = my_settings.jobs > 0 ? my_settings.jobs : cores;
+        pool.report = [this](const std::string& text) { report(text); };
+        pool.progress = [this](int done, int failed) {
+            my_progress.made = done;
+            my_progress.failed = failed;
+            tellProgress();
+        };
+        return WorkerPool(std::move(pool), std::move(job), std::move(missing)).run();
+    }
+
+    void makeFilmOfFrames() {
+        my_progress.makes_film = true;
+        makeFilm({my_film, my_kind, my_settings.frames_per_second, my_settings.frames}, filmFolder(),
+                 [this] { tellProgress(); });
+        // Frames of a longer film that was given up may be there too; a file of the user's stays, and with it
+        // the folder.
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(filmFolder(), ignored))
+            if (!frameStamp(entry.path()).empty())
+                fs::remove(entry.path(), ignored);
+        fs::remove(filmFolder(), ignored);
+    }
+
+    void report(const std::string& text) const {
+        if (my_listener.report)
+            my_listener.report(text);
+    }
+
+    void tellProgress() const {
+        if (my_listener.progress)
+            my_listener.progress(my_progress);
+    }
+
+    Shell& my_shell;
+    const SequenceSettings& my_settings;
+    const SequenceListener& my_listener;
+    SequenceKind my_kind;
+    std::optional<FrameNames> my_names; ///< of pictures, not of a film
+    fs::path my_film;                   ///< the film, where a symbolic link to it was named
+    SequenceProgress my_progress;
+};
+
+} // namespace
+
+SequenceProgress animate(Shell& shell, const SequenceSettings& settings, const SequenceListener& listener) {
+    return Sequence(shell, settings, listener).make();
+}
+
+std::string describeVariation(const Variation& variation, const Scene& scene) {
+    return withNote(nameOf(variation) + " from " + variation.from + " to " + variation.to,
+                    isSolarTime(variation, scene));
+}
+
+} // namespace korl

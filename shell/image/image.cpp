@@ -1,0 +1,63 @@
+#include "shell/image/image.hpp"
+
+#include "shell/base/error.hpp"
+
+#include <algorithm>
+#include <string>
+
+namespace korl {
+
+namespace {
+
+constexpr std::size_t bytes_per_pixel = 4;
+
+std::string sizeText(const Image& image) {
+    return std::to_string(image.width) + " x " + std::to_string(image.height);
+}
+
+std::size_t bytesPerRow(const Image& image) {
+    return static_cast<std::size_t>(image.width) * bytes_per_pixel;
+}
+
+void copyInto(Image& whole, const Image& part, std::size_t first_column) {
+    for (std::size_t row = 0; row < static_cast<std::size_t>(part.height); ++row)
+        std::copy_n(part.pixels.data() + row * bytesPerRow(part), bytesPerRow(part),
+                    whole.pixels.data() + row * bytesPerRow(whole) + first_column * bytes_per_pixel);
+}
+
+} // namespace
+
+void validate(const Image& image) {
+    if (image.width < 1 || image.height < 1)
+        throw Error("a picture of " + sizeText(image) +
+                    " pixels has no content; its width and height must be 1 or more");
+    const std::size_t expected = bytesPerRow(image) * static_cast<std::size_t>(image.height);
+    if (image.pixels.size() != expected)
+        throw Error("a picture of " + sizeText(image) + " pixels must have " + std::to_string(expected) +
+                    " bytes, but this one has " + std::to_string(image.pixels.size()));
+}
+
+void makeAlphaStraight(Image& image) {
+    for (std::size_t at = 0; at + 3 < image.pixels.size(); at += bytes_per_pixel) {
+        const int alpha = image.pixels[at + 3];
+        for (std::size_t i = at; i < at + 3 && alpha < 255; ++i)
+            image.pixels[i] = alpha == 0 ? std::uint8_t{0}
+                                         : static_cast<std::uint8_t>(std::min(
+                                               255, (image.pixels[i] * 255 + alpha / 2) / alpha)); // rounded
+    }
+}
+
+Image sideBySide(const Image& left, const Image& right) {
+    validate(left);
+    validate(right);
+    if (left.height != right.height)
+        throw Error("a picture of " + sizeText(left) + " pixels can't stand beside one of " +
+                    sizeText(right) + ": their heights must be equal");
+    Image both{left.width + right.width, left.height,
+               std::vector<std::uint8_t>(left.pixels.size() + right.pixels.size())};
+    copyInto(both, left, 0);
+    copyInto(both, right, static_cast<std::size_t>(left.width));
+    return both;
+}
+
+} // namespace korl

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "shell/image/image.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korl {
+
+/// A picture as a PNG file: eight bits a channel, red, green, blue and alpha, marked as sRGB.
+/// @param text keywords of 1 to 79 Latin-1 characters, and what they say in UTF-8, kept in the file in this
+/// order. Throws Error for an image that `validate` refuses, and for a keyword that PNG does not allow.
+std::vector<std::uint8_t> encodePng(const Image& image,
+                                    std::span<const std::pair<std::string, std::string>> text = {});
+
+/// Throws InvalidValue for a file's name with another suffix than that of PNG, which would say of the bytes
+/// what they are not. A name without a suffix is taken.
+void requirePngName(const std::filesystem::path& file);
+
+/// Reads a PNG file of any kind as eight bits a channel, red, green, blue and alpha.
+/// Throws Error for bytes that are no PNG file, or a damaged or truncated one.
+Image decodePng(std::span<const std::uint8_t> png);
+
+} // namespace korl

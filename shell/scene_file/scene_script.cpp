@@ -1,0 +1,245 @@
+#include "shell/scene_file/scene_script.hpp"
+
+#include "shell/base/error.hpp"
+#include "shell/base/json_text.hpp"
+#include "shell/catalogue/type_names.hpp"
+#include "shell/scene/scene.hpp"
+#include "shell/scene_file/saved_value.hpp"
+
+#include <sorvik/component_text.hpp>
+#include <sorvik/creator.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <map>
+#include <set>
+#include <span>
+#include <sstream>
+
+namespace korl {
+
+using Qelt::VObject;
+using Qelt::VParameter;
+
+namespace {
+
+/// Words that cannot be the names of variables or arguments: Python's own, and what the script itself uses.
+const std::set<std::string> reserved{"False",  "None",   "True",    "and",      "as",       "assert", "async",
+                                     "await",  "break",  "class",   "continue", "def",      "del",    "elif",
+                                     "else",   "except", "finally", "for",      "from",     "global", "if",
+                                     "import", "in",     "is",      "lambda",   "nonlocal", "not",    "or",
+                                     "pass",   "raise",  "return",  "try",      "while",    "with",   "yield",
+                                     "korl",   "numpy",  "shell",   "image",    "self",     "type",   "name"};
+
+bool isIdentifier(const std::string& name) {
+    const auto isLetter = [](char letter) {
+        return letter == '_' || std::isalnum(static_cast<unsigned char>(letter));
+    };
+    return !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0])) &&
+           std::all_of(name.begin(), name.end(), isLetter) && !reserved.contains(name);
+}
+
+/// A Python string: one of JSON that escapes nothing beyond ASCII is one too.
+std::string quoted(const std::string& text) {
+    return jsonQuoted(text);
+}
+
+/// A value's text form as Python: a number, a tuple of numbers, or else a string.
+std::string python(const std::string& text) {
+    std::istringstream words(text);
+    std::string list;
+    int count = 0;
+    for (std::string word; words >> word; ++count) {
+        double number = 0;
+        if (!Qelt::componentsFromText(std::span(&number, 1), word))
+            return quoted(text);
+        list += (count == 0 ? "" : ", ") + (word == "-0" ? "-0.0" : word);
+    }
+    return count == 0 ? quoted(text) : count == 1 ? list : "(" + list + ")";
+}
+
+std::string python(const glm::dvec3& value) {
+    return python(Qelt::componentsToText(std::array{value.x, value.y, value.z}));
+}
+
+/// A list of tuples of three.
+template <class Triples>
+std::string rows(const Triples& triples, std::size_t count) {
+    if (count == 0)
+        return "numpy.empty((0, 3), int)";
+    std::string list = "[";
+    std::string line;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string row = python(triples(i)) + ",";
+        if (line.size() + row.size() > 95) {
+            list += "\n            " + line;
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + row;
+    }
+    return list + "\n            " + line + "\n        ]";
+}
+
+std::string rows(const std::vector<glm::vec3>& triples) {
+    return rows(
+        [&](std::size_t i) {
+            return Qelt::componentsToText(std::array{triples[i].x, triples[i].y, triples[i].z});
+        },
+        triples.size());
+}
+
+/// Writes the script of one scene.
+class Script {
+public:
+    Script(const Scene& scene, std::span<const std::filesystem::path> plugins)
+        : my_scene(scene), my_plugins(plugins) {}
+
+    std::string text() {
+        for (const auto& [name, ignored] : my_scene.views())
+            line(variable("view " + name, name) + " = shell.add_view(" + quoted(name) + ")");
+        for (const auto& object : my_scene.objects())
+            create(*object.get());
+        for (const auto& object : my_scene.objects())
+            follow(*object.get());
+        for (const ForeignParts::Object& kept : my_scene.foreign().objects())
+            line("# " + quoted(kept.name) + " is left out: no loaded module has the type " +
+                 quoted(kept.type));
+        if (const VObject* const alone = my_scene.soloLight())
+            line("shell.solo(" + nameOf(*alone) + ")");
+        addMeshes();
+        addSurroundings();
+        line("image = shell.render(640, 480)");
+        const std::string numpy = my_lines.find("numpy.") == std::string::npos ? "" : "import numpy\n";
+        return "import korl\n" + numpy + "\nwith korl.Shell(" + plugins() + ") as shell:\n" + my_lines +
+               "image.save(\"scene.png\")\n";
+    }
+
+private:
+    std::string plugins() const {
+        std::string list;
+        for (const std::filesystem::path& file : my_plugins)
+            list += (list.empty() ? "plugins=[" : ", ") + quoted(std::filesystem::absolute(file).string());
+        return list.empty() ? "" : list + "]";
+    }
+
+    void line(const std::string& statement) { my_lines += "    " + statement + "\n"; }
+
+    /// A variable for what has a name: like it, but allowed, and nobody else's.
+    std::string variable(const std::string& key, const std::string& name) {
+        std::string like;
+        for (const char letter : name)
+            like += std::isalnum(static_cast<unsigned char>(letter)) ? letter : '_';
+        if (!isIdentifier(like))
+            like = "object_" + like;
+        std::string own = like;
+        for (int number = 2; !my_taken.insert(own).second; ++number)
+            own = like + "_" + std::to_string(number);
+        return my_variables[key] = own;
+    }
+
+    std::string nameOf(const VObject& object) const { return my_variables.at("object " + object.Name()); }
+
+    static std::string item(const VParameter& parameter) { return "[" + quoted(parameter.Name()) + "]"; }
+
+    void create(const VObject& object) {
+        const std::string own = variable("object " + object.Name(), object.Name());
+        const Qelt::VCreatorBase* const creator = object.creator().get();
+        std::string arguments = quoted(creator ? typeName(*creator) : "") + ", " + quoted(object.Name());
+        std::vector<std::string> settings;
+        for (const auto& [parameter, ignored] : object.parameters()) {
+            const auto saved = savedValue(object, *parameter.get());
+            if (saved && isIdentifier(parameter->Name()))
+                arguments += ", " + parameter->Name() + "=" + python(*saved);
+            else if (saved)
+                settings.push_back(own + item(*parameter.get()) + " = " + python(*saved));
+        }
+        line(own + " = shell.create(" + arguments + ")");
+        for (const std::string& setting : settings)
+            line(setting);
+        if (my_scene.isMuted(object))
+            line(own + ".enabled = False");
+        for (const auto& [view, pool] : my_scene.views())
+            for (const auto& [parameter, ignored] : object.parameters())
+                if (const auto value = savedValue(object, *parameter.get(), *pool.get()))
+                    line(own + ".set(" + quoted(parameter->Name()) + ", " + python(*value) +
+                         ", view=" + my_variables.at("view " + view) + ")");
+    }
+
+    void follow(const VObject& object) {
+        for (const auto& [parameter, ignored] : object.parameters()) {
+            const VParameter* const source = parameter->source();
+            const VObject* const owner = source ? source->creator() : nullptr;
+            if (owner && my_scene.find(owner->Name()) == owner)
+                line(nameOf(object) + item(*parameter.get()) + ".follow(" + nameOf(*owner) + item(*source) +
+                     ")");
+        }
+    }
+
+    void addMeshes() {
+        const auto& meshes = my_scene.meshes();
+        const auto isLandscape = [&](std::size_t first) {
+            static constexpr std::array names{"landscape", "column", "sphere"};
+            for (std::size_t i = 0; i < names.size(); ++i)
+                if (first + i >= meshes.size() || !meshes[first + i]->is_builtin ||
+                    meshes[first + i]->name != names[i])
+                    return false;
+            return true;
+        };
+        for (std::size_t i = 0; i < meshes.size(); ++i) {
+            if (isLandscape(i)) {
+                line("shell.add_landscape()");
+                i += 2;
+            } else {
+                addMesh(*meshes[i]);
+            }
+        }
+    }
+
+    void addMesh(const Mesh& mesh) {
+        if (mesh.source) {
+            const char* const up = mesh.source->up == UpAxis::x   ? "x"
+                                   : mesh.source->up == UpAxis::y ? "y"
+                                                                  : "z";
+            return line("shell.add_mesh(" + quoted(mesh.source->file.string()) + ", up=\"" + up + "\")");
+        }
+        const auto triangle = [&](std::size_t i) {
+            const std::uint32_t* const corner = &mesh.triangles[3 * i];
+            return std::to_string(corner[0]) + " " + std::to_string(corner[1]) + " " +
+                   std::to_string(corner[2]);
+        };
+        line("shell.add_mesh(");
+        line("    " + rows(mesh.positions) + ",");
+        line("    " + rows(triangle, mesh.triangles.size() / 3) + ",");
+        line("    normals=" + rows(mesh.normals) + ",");
+        if (!mesh.colors.empty())
+            line("    colors=" + rows(mesh.colors) + ",");
+        line("    name=" + quoted(mesh.name) + ",");
+        line(")");
+    }
+
+    void addSurroundings() {
+        const Orvid::rgba_float_t& color = my_scene.background;
+        const auto text = Qelt::componentsToText(std::array{color.r, color.g, color.b, color.a});
+        if (!(color == Scene().background))
+            line("shell.background = " + python(text));
+        if (const auto& camera = my_scene.camera)
+            line("shell.camera.set(position=" + python(camera->position) +
+                 ", target=" + python(camera->target) + ", up=" + python(camera->up) +
+                 ", fov=" + Qelt::componentsToText(std::array{camera->fov_degrees}) + ")");
+    }
+
+    const Scene& my_scene;
+    std::span<const std::filesystem::path> my_plugins;
+    std::string my_lines;
+    std::map<std::string, std::string> my_variables; ///< by "object NAME" or "view NAME"
+    std::set<std::string> my_taken;
+};
+
+} // namespace
+
+std::string sceneScript(const Scene& scene, std::span<const std::filesystem::path> plugins) {
+    return Script(scene, plugins).text();
+}
+
+} // namespace korl

@@ -1,0 +1,44 @@
+#include "shell/catalogue/type_info.hpp"
+
+#include "tests/support/plain_object.hpp"
+
+#include <gtest/gtest.h>
+#include <sorvik/value_creator.hpp>
+
+namespace {
+
+struct Described : korl::test::PlainObject {
+    Described(const std::string& name, const Qelt::VCreationPreferences& preferences)
+        : PlainObject(name, preferences) {
+        findParameter("strength")->setProperty("max", Qelt::VValue<double>(2));
+    }
+    Qelt::TypedSlot<double> latitude{this, "latitude", 0};
+};
+
+TEST(TypeInfoTest, SaysWhatATypeDeclares) {
+    using Property = Qelt::VCreatorPropertyBase;
+    const Qelt::VCreator<Described, void> first{
+        Qelt::VCreatorProperties(Property(Property::Kind::name, "Thing")) +
+            Property(Property::Kind::description, "A thing.") + Property(Property::Kind::category, "Things"),
+        0};
+    const Qelt::VCreator<Described, void> shadowed{std::string("Thing"), 1};
+    const auto types = korl::knownTypes();
+    ASSERT_EQ(types.size(), 1u);
+    EXPECT_EQ(types[0].name, "Thing");
+    EXPECT_EQ(types[0].category, "Things");
+    EXPECT_EQ(types[0].description, "A thing.");
+    ASSERT_EQ(types[0].parameters.size(), 5u);
+    const korl::ParameterInfo& strength = types[0].parameters[0];
+    EXPECT_EQ(strength.name, "strength");
+    EXPECT_EQ(strength.kind, "double");
+    EXPECT_EQ(strength.default_text, "0.5");
+    EXPECT_EQ(strength.minimum, std::nullopt);
+    EXPECT_EQ(strength.maximum, "2");
+    EXPECT_EQ(strength.unit, std::nullopt);
+    EXPECT_EQ(types[0].parameters[3].kind, "vector");
+    EXPECT_EQ(types[0].parameters[3].expert_level, 3);
+    EXPECT_EQ(types[0].parameters[4].unit, "degrees");
+    EXPECT_TRUE(Qelt::VObject::members().empty()); // the sample has gone
+}
+
+} // namespace
