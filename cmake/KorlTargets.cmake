@@ -63,9 +63,9 @@ function(korl_test name)
   gtest_discover_tests(${name} TEST_FILTER *GLTest.* PROPERTIES LABELS gl TIMEOUT 300 ${environment})
 endfunction()
 
-# korl_shell_room(NAME LINK targets...): one room of the shell, all the .cpp files of its folder in one static
+# korl_shell_library(NAME LINK targets...): one library of the shell, all the .cpp files of its folder in one static
 # library, alias korl::NAME.
-function(korl_shell_room name)
+function(korl_shell_library name)
   cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_library(korl_${name} STATIC ${sources})

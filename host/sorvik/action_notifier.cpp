@@ -14,13 +14,13 @@ std::vector<VActionNotifier*>& notifiers() {
     return living;
 }
 
-/// `tell` is called with each notifier.
-template <class Tell>
-void tellAll(Tell tell) {
+/// `notify` is called with each notifier.
+template <class Notify>
+void notifyAll(Notify notify) {
     const auto living_before = notifiers(); // one may come or go while another one is told
     for (VActionNotifier* const notifier : living_before)
         if (std::find(notifiers().begin(), notifiers().end(), notifier) != notifiers().end())
-            tell(*notifier);
+            notify(*notifier);
 }
 
 } // namespace
@@ -44,15 +44,15 @@ void VActionNotifier::creatorsGone(const Tessan::Library&) {}
 
 void VActionNotifier::VObjectCreation(const Tessan::StrongPtr<VObject>& object, VContext* context,
                                       VCreatorBase& creator) {
-    tellAll([&](VActionNotifier& notifier) { notifier.objectCreated(object, context, creator); });
+    notifyAll([&](VActionNotifier& notifier) { notifier.objectCreated(object, context, creator); });
 }
 
 void VActionNotifier::VInstanceDeletion(const std::type_info& type) {
-    tellAll([&](VActionNotifier& notifier) { notifier.instancesDeleted(type); });
+    notifyAll([&](VActionNotifier& notifier) { notifier.instancesDeleted(type); });
 }
 
 void VActionNotifier::VCreatorsEnd(const Tessan::Library& library) {
-    tellAll([&](VActionNotifier& notifier) { notifier.creatorsGone(library); });
+    notifyAll([&](VActionNotifier& notifier) { notifier.creatorsGone(library); });
 }
 
 } // namespace Qelt

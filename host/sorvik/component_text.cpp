@@ -10,7 +10,7 @@ namespace Qelt {
 namespace {
 
 constexpr std::string_view blanks = " \t\n\r";
-constexpr std::size_t most_components = 4;
+constexpr std::size_t max_components = 4;
 
 template <class Number>
 std::string toText(std::span<const Number> components) {
@@ -36,8 +36,8 @@ bool readNumber(Number& number, std::string_view word) {
 
 template <class Number>
 bool fromText(std::span<Number> components, std::string_view text) {
-    std::array<Number, most_components> read{};
-    if (components.size() > most_components)
+    std::array<Number, max_components> read{};
+    if (components.size() > max_components)
         return false;
     for (std::size_t i = 0; i < components.size(); ++i) {
         text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));

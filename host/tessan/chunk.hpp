@@ -14,7 +14,7 @@ namespace Tessan {
 /// An array of values whose bytes are counted with those of all other arrays in the process.
 class TESSAN_EXPORT ChunkBase {
 public:
-    /// The bytes that all living chunks hold for their values, reserved room included.
+    /// The bytes that all living chunks hold for their values, reserved capacity included.
     static std::atomic<std::size_t> TotalMemsize;
 
     ChunkBase() = default;
@@ -22,7 +22,7 @@ public:
     ChunkBase& operator=(const ChunkBase&) = delete;
     virtual ~ChunkBase();
 
-    /// The bytes that this chunk holds for its values, reserved room included.
+    /// The bytes that this chunk holds for its values, reserved capacity included.
     std::size_t memsize() const noexcept { return my_memsize; }
 
     /// The number of values.

@@ -30,8 +30,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* solar_time_note = "equinox, solar time";
-constexpr double most_gif_frames_per_second = 50; ///< viewers slow down what is faster
-constexpr int most_film_frames = 999'999;         ///< the digits of the frames' names
+constexpr double max_gif_frames_per_second = 50; ///< viewers slow down what is faster
+constexpr int max_film_frames = 999'999;         ///< the digits of the frames' names
 
 /// An mp4 has no alpha: where its scene's background is seen, it is opaque. The scene has its own again when
 /// this object goes.
@@ -102,7 +102,7 @@ public:
         if (isFilm())
             makeFilmFolder();
         std::vector<FrameRequest> missing = missingFrames();
-        tellProgress();
+        reportProgress();
         if (!missing.empty()) {
             const auto failures = makeFrames(std::move(missing));
             if (!failures.empty())
@@ -137,13 +137,13 @@ private:
     void checkNumbers() const {
         const int most = my_names && my_names->digits() < 6
                              ? static_cast<int>(std::pow(10, my_names->digits())) - 1
-                             : most_film_frames;
+                             : max_film_frames;
         if (my_settings.frames < 1)
             throw Error("a sequence has at least one frame, found " + std::to_string(my_settings.frames));
         if (my_settings.frames > most)
             throw Error(inQuotes(my_settings.output.filename().string()) + " takes " + std::to_string(most) +
                         " frames at most, found " + std::to_string(my_settings.frames) +
-                        (most < most_film_frames ? "; put more # characters into the name" : ""));
+                        (most < max_film_frames ? "; put more # characters into the name" : ""));
         if (my_settings.picture.width < 1 || my_settings.picture.height < 1)
             throw Error("a picture has at least one pixel");
         if (my_settings.jobs < 0)
@@ -151,7 +151,7 @@ private:
         const double rate = my_settings.frames_per_second;
         if (!std::isfinite(rate) || rate <= 0)
             throw Error("a film has more than 0 frames per second");
-        if (my_kind == SequenceKind::gif && rate > most_gif_frames_per_second)
+        if (my_kind == SequenceKind::gif && rate > max_gif_frames_per_second)
             throw Error("a GIF shows 50 frames per second at most; ask for fewer, or for an MP4");
     }
 
@@ -245,7 +245,7 @@ private:
         pool.progress = [this](int done, int failed) {
             my_progress.made = done;
             my_progress.failed = failed;
-            tellProgress();
+            reportProgress();
         };
         return WorkerPool(std::move(pool), std::move(job), std::move(missing)).run();
     }
@@ -253,7 +253,7 @@ private:
     void makeFilmOfFrames() {
         my_progress.makes_film = true;
         makeFilm({my_film, my_kind, my_settings.frames_per_second, my_settings.frames}, filmFolder(),
-                 [this] { tellProgress(); });
+                 [this] { reportProgress(); });
         // Frames of a longer film that was given up may be there too; a file of the user's stays, and with it
         // the folder.
         std::error_code ignored;
@@ -268,7 +268,7 @@ private:
             my_listener.report(text);
     }
 
-    void tellProgress() const {
+    void reportProgress() const {
         if (my_listener.progress)
             my_listener.progress(my_progress);
     }

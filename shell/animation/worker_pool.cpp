@@ -114,11 +114,11 @@ void WorkerPool::waitForMessages() {
     if (::poll(polled.data(), polled.size(), milliseconds_between_progress) < 0 && errno != EINTR)
         throw Error("the workers cannot be listened to any more");
     auto worker = my_workers.begin();
-    for (const pollfd& heard : polled)
-        worker = heard.revents != 0 && !hear(*worker) ? my_workers.erase(worker) : std::next(worker);
+    for (const pollfd& event : polled)
+        worker = event.revents != 0 && !handle(*worker) ? my_workers.erase(worker) : std::next(worker);
 }
 
-bool WorkerPool::hear(Worker& worker) {
+bool WorkerPool::handle(Worker& worker) {
     const auto message = worker.socket.receive();
     if (!message || message->empty()) {
         const std::string end = endText(worker.process.wait());

@@ -61,7 +61,7 @@ private:
     void handOutFrames();
     void waitForMessages();
     /// @returns false where the worker has gone.
-    bool hear(Worker& worker);
+    bool handle(Worker& worker);
     void takeFailure(Worker& worker, const std::string& reason);
     bool isIdle() const;
 

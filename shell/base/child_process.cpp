@@ -164,12 +164,12 @@ std::optional<int> ChildProcess::waitFor(std::chrono::milliseconds limit) noexce
     const Clock::time_point end = Clock::now() + limit;
     // It can be read once the program has ended. Some sandboxes refuse it; then we look again and again.
     const Descriptor ended(my_id > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, my_id, 0)) : -1);
-    const std::chrono::milliseconds longest(ended.isOpen() ? 1'000'000 : 10);
+    const std::chrono::milliseconds max_wait(ended.isOpen() ? 1'000'000 : 10);
     std::optional<int> status = poll();
     for (auto left = limit; !status && left.count() > 0;
          left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())) {
         pollfd waiting{ended.get(), POLLIN, 0}; // a negative one is passed over
-        ::poll(&waiting, 1, static_cast<int>(std::min(left, longest).count()));
+        ::poll(&waiting, 1, static_cast<int>(std::min(left, max_wait).count()));
         status = poll();
     }
     return status;

@@ -60,9 +60,9 @@ void sweep(const fs::path& folder) {
 class Temporary {
 public:
     Temporary(const fs::path& target, const Failure& fail) {
-        constexpr int most_attempts = 100;
+        constexpr int max_attempts = 100;
         constexpr mode_t new_file_mode = 0666;
-        for (int attempt = 0; attempt < most_attempts; ++attempt) {
+        for (int attempt = 0; attempt < max_attempts; ++attempt) {
             my_path = target.parent_path() /
                       (temporary_start + std::to_string(::getpid()) + "-" + std::to_string(attempt));
             my_file =

@@ -43,16 +43,16 @@ public:
 
     bool parse_error(std::size_t, const std::string&, const json::exception& error) override {
         // Without the parser's own number of the error, and not with all of an endless token.
-        constexpr std::size_t longest = 300;
+        constexpr std::size_t max_length = 300;
         std::string what = error.what();
         what.erase(0, what.starts_with('[') ? what.find("] ") + 2 : 0);
-        if (what.size() > longest)
-            what = what.substr(0, longest) + " ...";
+        if (what.size() > max_length)
+            what = what.substr(0, max_length) + " ...";
         throw Error("this is no JSON: " + printable(what));
     }
 
 private:
-    static constexpr std::size_t most_levels = 32;
+    static constexpr std::size_t max_levels = 32;
 
     /// A list or object that is open.
     struct Level {
@@ -92,9 +92,9 @@ private:
     }
 
     bool open(Kind kind) {
-        if (my_depth == most_levels)
+        if (my_depth == max_levels)
             throw Error(printable(pointer()) + ": lists and objects lie more than " +
-                        std::to_string(most_levels) + " deep in each other");
+                        std::to_string(max_levels) + " deep in each other");
         skip();
         if (my_levels.size() == my_depth)
             my_levels.emplace_back();
@@ -141,9 +141,9 @@ private:
 };
 
 JsonText::JsonText(std::string text) : my_text(std::move(text)) {
-    if (my_text.size() > most_bytes)
+    if (my_text.size() > max_bytes)
         throw Error("it has " + std::to_string(my_text.size()) + " bytes, more than the " +
-                    std::to_string(most_bytes) + " that are read");
+                    std::to_string(max_bytes) + " that are read");
     Builder builder(my_text, my_nodes);
     json::sax_parse(my_text, &builder);
 }

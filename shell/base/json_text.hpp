@@ -19,7 +19,7 @@ public:
     enum class Kind : std::uint8_t { null, boolean, number, text, list, object };
 
     /// The longest text that is read, 256 MiB.
-    static constexpr std::size_t most_bytes = std::size_t{1} << 28;
+    static constexpr std::size_t max_bytes = std::size_t{1} << 28;
 
     /// Throws Error that says what is wrong and where: line and column for what is no JSON, a JSON pointer
     /// for a key that comes twice.

@@ -42,7 +42,7 @@ class LastWords {
 public:
     void add(std::string_view text) noexcept {
         for (const char letter : text)
-            if (my_size < my_text.size() - 1) // with room for the end of the line
+            if (my_size < my_text.size() - 1) // leaves a byte for the end of the line
                 my_text[my_size++] = letter >= ' ' && letter <= '~' ? letter : '?';
     }
 
@@ -66,8 +66,8 @@ private:
 LastWords beginLastWords() noexcept {
     LastWords words;
     words.add("korl: ");
-    constexpr std::size_t longest = 200; // of a text, so that there is space for what became of it
-    running->describe([&](std::string_view text) { words.add(text.substr(0, longest)); });
+    constexpr std::size_t max_length = 200; // of a text, so that there is space for what became of it
+    running->describe([&](std::string_view text) { words.add(text.substr(0, max_length)); });
     return words;
 }
 
@@ -129,7 +129,7 @@ void reportExitsOfModules() {
 void reportSignalsOfModules() {
     moduleAt(nullptr); // which gets its memory at its first use
     struct sigaction former {};
-    // A stack that has no room left has none for a handler either.
+    // A full stack has no space for a handler either.
     if (::sigaction(SIGSEGV, nullptr, &former) == 0 && former.sa_handler == SIG_DFL) {
         static std::array<char, 64 * 1024> memory;
         const stack_t stack{memory.data(), 0, memory.size()};

@@ -30,11 +30,11 @@ std::string WrittenText::beginning() const {
 }
 
 std::string WrittenText::lastLines(int count) const {
-    constexpr off_t longest = 2000;
+    constexpr off_t max_length = 2000;
     // Not lseek, which would move the place where the program writes.
     struct stat status {};
     ::fstat(descriptor(), &status);
-    const std::string end = bytes(std::max<off_t>(0, status.st_size - longest), longest);
+    const std::string end = bytes(std::max<off_t>(0, status.st_size - max_length), max_length);
 
     std::string lines;
     std::string_view rest = end;

@@ -87,7 +87,7 @@ std::vector<Variation> variationsOf(const AnimateOptions& options, const Scene& 
     return variations;
 }
 
-void tellResult(const AnimateOptions& options, const SequenceProgress& result) {
+void printResult(const AnimateOptions& options, const SequenceProgress& result) {
     const bool is_film = result.makes_film;
     note("wrote " + printable(options.output) + ", " + std::to_string(result.frames) +
          (result.frames == 1 ? " frame" : " frames") + (is_film ? "" : " numbered from 1") +
@@ -113,14 +113,14 @@ void animate(Shell& shell, const AnimateOptions& options, std::pair<int, int> si
             latest = progress;
             if (!std::exchange(is_told, true))
                 for (const Variation& variation : settings.variations)
-                    display.tell("varies " + describeVariation(variation, shell.scene()));
+                    display.show("varies " + describeVariation(variation, shell.scene()));
             display.show(progress);
             if (stop_signal != 0)
                 throw Error("stopped by signal " + std::to_string(stop_signal) + " with " +
                             std::to_string(progress.made + progress.kept) + " of " +
                             std::to_string(progress.frames) + " frames there; --resume goes on from here");
         };
-        listener.report = [&](const std::string& text) { display.tell(text); };
+        listener.report = [&](const std::string& text) { display.show(text); };
         latest = korl::animate(shell, settings, listener);
     } catch (const Error& error) {
         if (stop_signal == 0)
@@ -128,7 +128,7 @@ void animate(Shell& shell, const AnimateOptions& options, std::pair<int, int> si
         note(error.what());
     }
     if (stop_signal == 0 && !options.quiet)
-        tellResult(options, latest);
+        printResult(options, latest);
 }
 
 } // namespace

@@ -43,7 +43,7 @@ void ProgressDisplay::show(const SequenceProgress& progress) {
         showLine(progress);
 }
 
-void ProgressDisplay::tell(const std::string& text) {
+void ProgressDisplay::show(const std::string& text) {
     clear();
     note(text);
 }

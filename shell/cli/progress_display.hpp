@@ -10,7 +10,7 @@ namespace korl::cli {
 /// Shows on standard error how far a sequence is: a bar on a terminal, elsewhere a line now and then.
 class ProgressDisplay {
 public:
-    /// @param quiet shows no progress; what there is to tell is told all the same.
+    /// @param quiet shows no progress, only notes.
     explicit ProgressDisplay(bool quiet);
     /// Takes the bar away.
     ~ProgressDisplay() { clear(); }
@@ -19,8 +19,8 @@ public:
 
     void show(const SequenceProgress& progress);
 
-    /// Tells the user something, above the bar.
-    void tell(const std::string& text);
+    /// Shows the user a text above the bar.
+    void show(const std::string& text);
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -16,7 +16,7 @@ std::filesystem::path packageFolder() {
 }
 
 /// Turns this process into Python, which finds the package korl first. Returns only by throwing Error.
-[[noreturn]] void becomePython(const std::vector<std::string>& arguments) {
+[[noreturn]] void execPython(const std::vector<std::string>& arguments) {
     const std::filesystem::path package = packageFolder();
     if (!std::filesystem::is_directory(package / "korl"))
         throw Error("the Python package korl is not in " + package.string() +
@@ -55,7 +55,7 @@ void addRunCommand(CLI::App& app, Program& program) {
                 throw UsageError("run takes the file of a Python script, and then the script's arguments");
             if (!std::filesystem::exists(arguments.front()))
                 throw Error("cannot run " + arguments.front() + ": there is no such file; check the path");
-            becomePython(arguments);
+            execPython(arguments);
         };
     });
 }
@@ -66,10 +66,10 @@ bool isOnTerminal() {
 
 void openPrompt(const Program& program) {
     requireNoShellOptions(program);
-    becomePython({"-i", "-q", "-c",
-                  "import korl; shell = korl.Shell(); "
-                  "print('korl " KORL_VERSION ": Python with a shell ready, as `shell`; "
-                  "help(korl) tells more, Ctrl-D ends.')"});
+    execPython({"-i", "-q", "-c",
+                "import korl; shell = korl.Shell(); "
+                "print('korl " KORL_VERSION ": Python with a shell ready, as `shell`; "
+                "help(korl) tells more, Ctrl-D ends.')"});
 }
 
 } // namespace korl::cli

@@ -163,7 +163,7 @@ SceneReading readingWith(const ModelOptions& options) {
         std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(options.timeout));
     reading.memory = static_cast<std::uint64_t>(options.memory * mebibyte);
     reading.anywhere = options.anywhere;
-    reading.tell = note;
+    reading.warn = note;
     return {note, modelImportWith(reading)};
 }
 

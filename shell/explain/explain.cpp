@@ -14,7 +14,7 @@ namespace korl {
 namespace {
 
 /// So many places on the meshes are enough to judge a light by.
-constexpr std::size_t most_places = 4096;
+constexpr std::size_t max_sample_points = 4096;
 /// A tenth of white, which a picture rounds to 26 of 255, is dark still.
 constexpr float dark_brightness = 26.5f / 255;
 
@@ -27,7 +27,7 @@ float brightnessOf(const Image& image, int x, int y) {
     return 0.2126f * component(0) + 0.7152f * component(1) + 0.0722f * component(2);
 }
 
-void measurePicture(const Image& image, const SurfaceMap& surface, Explanation& explanation) {
+void measurePicture(const Image& image, const GBuffer& surface, Explanation& explanation) {
     double sum = 0;
     std::size_t white = 0;
     for (int y = 0; y < image.height; ++y)
@@ -54,11 +54,11 @@ void measurePicture(const Image& image, const SurfaceMap& surface, Explanation& 
 }
 
 /// The corners of all meshes, thinned out, for a picture that shows none of them.
-std::vector<SurfacePoint> corners(SurfaceMap::Meshes meshes) {
+std::vector<SurfacePoint> corners(GBuffer::Meshes meshes) {
     std::vector<SurfacePoint> points;
     for (std::size_t k = 0; k < meshes.size(); ++k) {
         const Mesh& mesh = *meshes[k];
-        const std::size_t step = 1 + mesh.positions.size() * meshes.size() / most_places;
+        const std::size_t step = 1 + mesh.positions.size() * meshes.size() / max_sample_points;
         for (std::size_t i = 0; i < mesh.positions.size(); i += step)
             points.push_back(
                 {mesh.positions[i], mesh.normals[i], mesh.colors.empty() ? glm::vec3(1) : mesh.colors[i], k});
@@ -86,7 +86,7 @@ Explanation explain(Shell& shell, const ExplainSettings& settings) {
     const Scene& scene = shell.scene();
     View& view = shell.view(settings.view);
     const Viewpoint viewpoint = viewpointOf(scene, static_cast<double>(settings.width) / settings.height);
-    const SurfaceMap surface(scene.meshes(), viewpoint, settings.width, settings.height);
+    const GBuffer surface(scene.meshes(), viewpoint, settings.width, settings.height);
 
     Explanation explanation{};
     explanation.path = settings.path;
@@ -96,7 +96,7 @@ Explanation explain(Shell& shell, const ExplainSettings& settings) {
     explanation.coverage = static_cast<float>(surface.covered()) /
                            (static_cast<float>(settings.width) * static_cast<float>(settings.height));
     LitScene at{
-        scene, view, viewpoint, settings.path, {surface.spread(most_places), false, 1, viewpoint.eye}};
+        scene, view, viewpoint, settings.path, {surface.spread(max_sample_points), false, 1, viewpoint.eye}};
     explanation.scene = findOnSurfaces(scene.meshes(), explanation.coverage, at.places.points, viewpoint.eye);
     if (at.places.points.empty())
         at.places.points = corners(scene.meshes());

@@ -124,18 +124,18 @@ void nameZeroParameters(LightExplanation& light, const Qelt::VObject& object, Qe
             finding.text += "; set to 0 is its " + names;
 }
 
-LightSampler shaderSampler(LightProbe& probe, const View& view, const View::Member& member,
-                           const glm::vec3& eye) {
-    return [&probe, &view, &member, eye](std::span<const glm::vec3> points) {
+SampleFunction shaderSamples(LightSampler& sampler, const View& view, const View::Member& member,
+                             const glm::vec3& eye) {
+    return [&sampler, &view, &member, eye](std::span<const glm::vec3> points) {
         LightParts parts;
         for (std::size_t i = 0; i < member.source_count; ++i)
-            parts.push_back(probe.sample(*view.sources()[member.first_source + i].get(),
-                                         member.object->Name(), points, eye));
+            parts.push_back(sampler.sample(*view.sources()[member.first_source + i].get(),
+                                           member.object->Name(), points, eye));
         return parts;
     };
 }
 
-LightSampler fixedSampler(const OpenGLLight& light, bool is_ambient_only) {
+SampleFunction fixedSamples(const OpenGLLight& light, bool is_ambient_only) {
     return [&light, is_ambient_only](std::span<const glm::vec3> points) {
         LightParts parts(is_ambient_only ? 1 : 2);
         for (const glm::vec3& point : points)
@@ -164,7 +164,7 @@ void addDisabled(LightExplanation& light, const Scene& scene, const Qelt::VObjec
 void explainLights(const LitScene& at, Explanation& explanation) {
     ShaderPath shader_path;
     shader_path.fillUniforms(at.view, at.viewpoint);
-    LightProbe probe;
+    LightSampler sampler;
     const FixedLights fixed = setUpFixedLights(at);
     const bool on_fixed = at.path == RenderPath::fixed;
     for (const auto& object : at.scene.objects()) {
@@ -184,9 +184,10 @@ void explainLights(const LitScene& at, Explanation& explanation) {
                                         [&](const auto& one) { return one.object == member->object; });
         addOpenGLLight(light, *place, fixed, at.path);
         if (!on_fixed)
-            judgeLight(light, shaderSampler(probe, at.view, *member, at.viewpoint.eye), at.places);
+            diagnoseLight(light, shaderSamples(sampler, at.view, *member, at.viewpoint.eye), at.samples);
         else if (const auto held = fixed.lights.find(member->object); held != fixed.lights.end())
-            judgeLight(light, fixedSampler(held->second, place->outcome == Outcome::ambient_only), at.places);
+            diagnoseLight(light, fixedSamples(held->second, place->outcome == Outcome::ambient_only),
+                          at.samples);
         if (!on_fixed && member->source_count > 0) {
             const auto& source = *at.view.sources()[member->first_source].get();
             nameBadUniforms(light, source);

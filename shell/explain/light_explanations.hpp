@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/explain/explanation.hpp"
-#include "shell/explain/light_judgement.hpp"
+#include "shell/explain/light_diagnosis.hpp"
 #include "shell/render/view.hpp"
 #include "shell/render/viewpoint.hpp"
 
@@ -13,7 +13,7 @@ struct LitScene {
     View& view; ///< in which a frame has begun
     Viewpoint viewpoint;
     RenderPath path; ///< the one whose picture is explained
-    JudgedPlaces places;
+    SamplePoints samples;
 };
 
 /// Adds what is to be said of each light of the scene, of those that take no part in the frame too, and what

@@ -41,19 +41,19 @@ OpenGLLight::OpenGLLight(int number, const glm::mat4& view) {
 }
 
 LightSample OpenGLLight::directedAt(const glm::vec3& point) const {
-    const float weakening = weakeningAt(point);
+    const float weakening = attenuationAt(point);
     return {travelTo(point), weakening * my_diffuse, weakening * my_specular};
 }
 
 LightSample OpenGLLight::ambientAt(const glm::vec3& point) const {
-    return {glm::vec3(0), weakeningAt(point) * my_ambient, glm::vec3(0)};
+    return {glm::vec3(0), attenuationAt(point) * my_ambient, glm::vec3(0)};
 }
 
 glm::vec3 OpenGLLight::travelTo(const glm::vec3& point) const {
     return glm::normalize(my_is_at_infinity ? -my_position : point - my_position);
 }
 
-float OpenGLLight::weakeningAt(const glm::vec3& point) const {
+float OpenGLLight::attenuationAt(const glm::vec3& point) const {
     const float distance = glm::distance(point, my_position);
     const float attenuation =
         my_is_at_infinity ? 1 : 1 / (my_constant + (my_linear + my_quadratic * distance) * distance);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/render/light_probe.hpp"
+#include "shell/render/light_sampler.hpp"
 
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
@@ -31,7 +31,7 @@ public:
 
 private:
     glm::vec3 travelTo(const glm::vec3& point) const;
-    float weakeningAt(const glm::vec3& point) const;
+    float attenuationAt(const glm::vec3& point) const;
 
     glm::vec3 my_ambient, my_diffuse, my_specular;
     glm::vec3 my_position; ///< in scene space; of a light at infinity, the direction to it

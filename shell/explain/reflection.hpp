@@ -1,7 +1,7 @@
 #pragma once
 
-#include "shell/explain/surface_map.hpp"
-#include "shell/render/light_probe.hpp"
+#include "shell/explain/g_buffer.hpp"
+#include "shell/render/light_sampler.hpp"
 
 #include <glm/vec3.hpp>
 

@@ -62,7 +62,7 @@ Groups groupsOf(const Explanation& explanation, bool is_about_normals) {
 
 /// What is said of the lights of a group, such as: the lights "a" and "b" are muted.
 std::string sentenceOf(FindingKind kind, const std::vector<const LightExplanation*>& lights) {
-    constexpr std::size_t most_names = 5;
+    constexpr std::size_t max_names = 5;
     const auto nameAt = [&](std::size_t i) { return inQuotes(lights[i]->name); };
     if (lights.size() == 1) {
         const std::string& text = lights.front()->findings.front().text;
@@ -71,7 +71,7 @@ std::string sentenceOf(FindingKind kind, const std::vector<const LightExplanatio
         return "the light " + nameAt(0) + " " + text.substr(0, end);
     }
     std::string names = nameAt(0);
-    const std::size_t named = std::min(lights.size(), most_names);
+    const std::size_t named = std::min(lights.size(), max_names);
     for (std::size_t i = 1; i < named; ++i)
         names += (i + 1 == lights.size() ? " and " : ", ") + nameAt(i);
     if (lights.size() > named)

@@ -72,7 +72,7 @@ Finding invertedNormals(const Mesh& mesh, std::size_t averted, std::size_t seen)
 
 } // namespace
 
-std::vector<Finding> findOnSurfaces(SurfaceMap::Meshes meshes, float coverage,
+std::vector<Finding> findOnSurfaces(GBuffer::Meshes meshes, float coverage,
                                     const std::vector<SurfacePoint>& seen, const glm::vec3& eye) {
     if (coverage < least_coverage) {
         const std::string text = meshes.empty()    ? "the scene has no mesh"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/explain/explanation.hpp"
-#include "shell/explain/surface_map.hpp"
+#include "shell/explain/g_buffer.hpp"
 
 #include <glm/vec3.hpp>
 #include <vector>
@@ -13,7 +13,7 @@ namespace korl {
 /// @param coverage the share of the picture that shows a mesh, 0 to 1.
 /// @param seen places spread over all that is seen.
 /// @param eye in scene space.
-std::vector<Finding> findOnSurfaces(SurfaceMap::Meshes meshes, float coverage,
+std::vector<Finding> findOnSurfaces(GBuffer::Meshes meshes, float coverage,
                                     const std::vector<SurfacePoint>& seen, const glm::vec3& eye);
 
 } // namespace korl

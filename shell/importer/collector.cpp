@@ -60,8 +60,8 @@ public:
 
 private:
     void addNode(const aiNode& node, const aiMatrix4x4& parent_transform, std::size_t level) {
-        if (level > most_node_levels) // the outermost is the importer's own
-            refuse("its nodes lie more than " + std::to_string(most_node_levels) + " deep in each other");
+        if (level > max_node_levels) // the outermost is the importer's own
+            refuse("its nodes lie more than " + std::to_string(max_node_levels) + " deep in each other");
         const aiMatrix4x4 transform = parent_transform * node.mTransformation;
         for (unsigned i = 0; i < node.mNumMeshes; ++i)
             addMesh(*my_scene.mMeshes[node.mMeshes[i]], transform);

@@ -120,14 +120,14 @@ bool CompanionFiles::isOpened(std::string_view path) const {
 }
 
 std::vector<std::string> CompanionFiles::notes() const {
-    constexpr std::size_t most_notes = 10;
+    constexpr std::size_t max_notes = 10;
     std::vector<std::string> notes;
     std::size_t more = 0;
     for (const auto& [path, left_out] : my_left_out)
-        if (!(left_out.is_missing && isOpened(path)) && ++more <= most_notes)
+        if (!(left_out.is_missing && isOpened(path)) && ++more <= max_notes)
             notes.push_back(left_out.note);
-    if (more > most_notes)
-        notes.push_back("of the files that it names, " + std::to_string(more - most_notes) +
+    if (more > max_notes)
+        notes.push_back("of the files that it names, " + std::to_string(more - max_notes) +
                         " more were left out");
     return notes;
 }

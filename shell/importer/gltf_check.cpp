@@ -38,8 +38,8 @@ private:
 
 /// What stands in a text, for messages.
 std::string shown(std::string_view text) {
-    constexpr std::size_t longest = 100;
-    return printable(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
+    constexpr std::size_t max_length = 100;
+    return printable(text.substr(0, max_length)) + (text.size() > max_length ? "..." : "");
 }
 
 /// The objects of a list, with what is needed of each one read by `read(object, place)`; none where there is
@@ -248,8 +248,8 @@ void checkNodes(const JsonValue& root) {
         std::vector<std::uint32_t> next;
         for (const std::uint32_t node : level)
             for (const auto& [child, place] : children[node]) {
-                if (depth == most_node_levels)
-                    place.fail("the nodes lie more than " + std::to_string(most_node_levels) +
+                if (depth == max_node_levels)
+                    place.fail("the nodes lie more than " + std::to_string(max_node_levels) +
                                " deep in each other");
                 next.push_back(child);
             }

@@ -129,21 +129,21 @@ void keepReadersOf(const std::string& extension, Assimp::Importer& importer) {
 }
 
 [[noreturn]] void refuseUnread(const Assimp::Importer& importer) {
-    constexpr std::size_t longest = 300;
+    constexpr std::size_t max_length = 300;
     const std::string reason = importer.GetErrorString();
     if (reason == "No meshes remaining")
         throw Error("it has no triangles");
     if (reason.starts_with("No suitable reader found"))
         throw Error("it is damaged or truncated: its content is not what its extension tells");
-    throw Error("it is damaged or truncated: " + printable(reason.substr(0, longest)));
+    throw Error("it is damaged or truncated: " + printable(reason.substr(0, max_length)));
 }
 
 void requireFewCorners(const aiScene& scene) {
     for (unsigned i = 0; i < scene.mNumMeshes; ++i)
         for (unsigned face = 0; face < scene.mMeshes[i]->mNumFaces; ++face)
-            if (const unsigned corners = scene.mMeshes[i]->mFaces[face].mNumIndices; corners > most_corners)
+            if (const unsigned corners = scene.mMeshes[i]->mFaces[face].mNumIndices; corners > max_corners)
                 throw Error("it has a face of " + std::to_string(corners) + " corners, more than the " +
-                            std::to_string(most_corners) + " that are read; cut it into smaller ones");
+                            std::to_string(max_corners) + " that are read; cut it into smaller ones");
 }
 
 ModelContent readWithAssimp(const ModelPlace& place) {

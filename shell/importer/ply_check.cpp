@@ -176,14 +176,14 @@ private:
             return;
         }
         const double stated_length = next(*property.count_type, values);
-        constexpr double longest = std::numeric_limits<std::uint32_t>::max();
-        if (!(stated_length >= 0 && stated_length <= longest))
+        constexpr double max_length = std::numeric_limits<std::uint32_t>::max();
+        if (!(stated_length >= 0 && stated_length <= max_length))
             failHere("has a list without a length", values.place());
         const auto length = static_cast<std::uint32_t>(stated_length);
         const bool is_face = my_element.name == "face" && property.isCornerList();
-        if (is_face && length > most_corners)
+        if (is_face && length > max_corners)
             failHere("has " + std::to_string(length) + " corners, more than the " +
-                         std::to_string(most_corners) + " that are read; cut it into smaller ones",
+                         std::to_string(max_corners) + " that are read; cut it into smaller ones",
                      values.place());
         if (is_face && length < 3)
             failHere("has fewer than 3 corners", values.place());

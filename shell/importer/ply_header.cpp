@@ -38,12 +38,12 @@ Format formatOf(std::string_view name) {
 
 void addElement(Header& header, std::string_view line, const Bytes& bytes) {
     const std::string_view name = takeWord(line), word = takeWord(line);
-    constexpr std::size_t most_digits = 10; // of what 32 bits hold
+    constexpr std::size_t max_digits = 10; // of what 32 bits hold
     const bool is_number = !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
     const auto count = numberOf<std::uint32_t>(word);
     if (!is_number)
         fail("its header does not tell how many elements " + quoted(name) + " there are");
-    if (!count || word.size() > most_digits)
+    if (!count || word.size() > max_digits)
         bytes.failInLine("expected a number of elements up to 4294967295, found " + quoted(word));
     if (std::any_of(header.elements.begin(), header.elements.end(),
                     [&](const Element& element) { return element.name == name; }))
@@ -104,8 +104,8 @@ void fail(const std::string& reason) {
 }
 
 std::string quoted(std::string_view word) {
-    constexpr std::size_t longest = 40;
-    return "\"" + printable(word.substr(0, longest)) + (word.size() > longest ? "..." : "") + "\"";
+    constexpr std::size_t max_length = 40;
+    return "\"" + printable(word.substr(0, max_length)) + (word.size() > max_length ? "..." : "") + "\"";
 }
 
 std::string_view takeWord(std::string_view& line) {

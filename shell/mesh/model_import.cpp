@@ -94,8 +94,8 @@ Mesh readInChild(const fs::path& file, UpAxis up, const ModelReading& reading) {
         throw Error(refusal);
     for (std::uint64_t left = reader.number(); left > 0; --left) {
         const std::string note = reader.text();
-        if (reading.tell)
-            reading.tell("the model " + printable(file.string()) + ": " + note);
+        if (reading.warn)
+            reading.warn("the model " + printable(file.string()) + ": " + note);
     }
     return reader.mesh();
 }

@@ -20,7 +20,7 @@ struct ModelReading {
     std::uint64_t memory = halfOfMemory(); ///< in bytes
     bool anywhere = false;                 ///< the file may name others that lie outside its folder
     /// Takes what the user should know about a model that was read all the same: what of it is not shown.
-    std::function<void(const std::string&)> tell{};
+    std::function<void(const std::string&)> warn{};
     /// Called every 100 ms while the file is read. What it throws ends the reading.
     std::function<void()> meanwhile{};
 

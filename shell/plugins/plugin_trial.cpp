@@ -57,16 +57,16 @@ private:
 
 /// Tries a module once. @param heap what its process's heap is to be like, one of `trial_heaps`.
 void tryWith(const char* heap, const PluginInspection& plugin, std::chrono::milliseconds limit) {
-    const WrittenText told, output;
+    const WrittenText messages, output;
     ProcessStart start{ownProgram("korl-try-module"),
                        {plugin.file.string(), plugin.entry_point, heap, std::to_string(::getpid())}};
-    start.shared = told.descriptor();
+    start.shared = messages.descriptor();
     start.output = output.descriptor();
     ChildProcess process(start);
     const std::optional<int> end = process.waitFor(limit);
     if (!end)
         process.kill();
-    const Answer answer(told.beginning());
+    const Answer answer(messages.beginning());
     if (end && answer.hasPassed())
         return;
     if (const auto refusal = answer.textBehind(trial_words::refused))

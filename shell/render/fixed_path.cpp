@@ -175,15 +175,15 @@ bool FixedPath::wouldLight(const Qelt::RenderAble& object) const {
 void FixedPath::reportLeftOut(std::span<const FixedLightPlace> uncalled, Reports& reports) {
     std::string names;
     std::size_t lights = 0;
-    constexpr std::size_t most_names = 20;
+    constexpr std::size_t max_names = 20;
     for (const FixedLightPlace& place : uncalled)
         if (place.outcome == FixedLightPlace::Outcome::left_out &&
-            reports.isFirst(place.object->number(), "left out") && ++lights <= most_names)
+            reports.isFirst(place.object->number(), "left out") && ++lights <= max_names)
             names += (names.empty() ? "" : ", ") + inQuotes(place.object->Name());
-    if (lights > most_names)
-        names += " and " + std::to_string(lights - most_names) + " more";
+    if (lights > max_names)
+        names += " and " + std::to_string(lights - max_names) + " more";
     if (lights > 0)
-        reports.tell("left out on the fixed-function path: " + names + "; OpenGL has " +
+        reports.warn("left out on the fixed-function path: " + names + "; OpenGL has " +
                      std::to_string(lightCount()) + " lights here, and those before hold them all");
 }
 

@@ -110,7 +110,7 @@ void OffscreenTarget::requireReadable(std::size_t value_count, Format format) co
     if (value_count != expected || format != my_format) {
         throw Error("a picture of " + sizeText(my_width, my_height) + " pixels has " +
                     std::to_string(expected) + " " + (my_format == Format::RGBA8 ? "byte" : "float") +
-                    " values, but room was given for " + std::to_string(value_count) + " " +
+                    " values, but the buffer holds " + std::to_string(value_count) + " " +
                     (format == Format::RGBA8 ? "byte" : "float") + " values.");
     }
 }

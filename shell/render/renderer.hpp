@@ -50,7 +50,7 @@ public:
     std::vector<std::string> listUniforms(const Scene& scene, View& view);
 
     /// What evaluates single lights; the context must be current.
-    LightProbe& probe() noexcept { return my_shader_path.probe(); }
+    LightSampler& sampler() noexcept { return my_shader_path.sampler(); }
 
     const ShaderPath& shaderPath() const noexcept { return my_shader_path; }
 

@@ -33,7 +33,7 @@ public:
     bool wasTold(std::uint64_t object, const char* kind) const { return my_told.contains({object, kind}); }
 
     /// Tells something that is of no single object. The caller sees to it that it is told once.
-    void tell(const std::string& report) {
+    void warn(const std::string& report) {
         if (my_sink)
             my_sink(report);
     }

@@ -18,7 +18,7 @@ using Qelt::RenderNamespace::UniformMap;
 
 namespace {
 
-constexpr std::size_t most_remembered = 4096;
+constexpr std::size_t max_remembered = 4096;
 constexpr const char* not_finite = "result not finite";
 
 bool sameValues(const UniformMap& a, const UniformMap& b) {
@@ -58,9 +58,9 @@ std::string reportText(const std::string& light, const Failures& failures) {
 } // namespace
 
 void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBufferCache& meshes,
-                        LightProbe& probe, Reports& reports) {
+                        LightSampler& sampler, Reports& reports) {
     const std::size_t count = view.sources().size();
-    if (my_checked.size() > most_remembered + count)
+    if (my_checked.size() > max_remembered + count)
         my_checked.clear(); // most are of light sources long gone
     bool has_evaluated_again = false;
     for (std::size_t step = 0; step < count; ++step) {
@@ -81,7 +81,7 @@ void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBuffer
         checked.eye = eye;
         if (!areFinite(source.uniforms()) || reports.wasTold(view.ownerOf(i).number(), not_finite))
             continue;
-        evaluate(view, i, eye, meshes, probe, reports);
+        evaluate(view, i, eye, meshes, sampler, reports);
         if (!is_new) {
             has_evaluated_again = true;
             my_turn = i + 1;
@@ -90,13 +90,13 @@ void ResultCheck::check(const View& view, const glm::vec3& eye, const MeshBuffer
 }
 
 void ResultCheck::evaluate(const View& view, std::size_t source, const glm::vec3& eye,
-                           const MeshBufferCache& meshes, LightProbe& probe, Reports& reports) {
+                           const MeshBufferCache& meshes, LightSampler& sampler, Reports& reports) {
     const Qelt::RenderAble& light = view.ownerOf(source);
     Failures failures;
     for (const auto& [mesh, buffers] : meshes.entries()) {
-        if (buffers->positionCount() > LightProbe::mostPoints())
+        if (buffers->positionCount() > LightSampler::mostPoints())
             continue;
-        const std::vector<LightSample> samples = probe.sample(
+        const std::vector<LightSample> samples = sampler.sample(
             *view.sources()[source].get(), light.Name(), buffers->positions(), buffers->positionCount(), eye);
         failures.vertices += samples.size();
         for (std::size_t k = 0; k < samples.size(); ++k)

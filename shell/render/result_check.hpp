@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/render/light_probe.hpp"
+#include "shell/render/light_sampler.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/view.hpp"
@@ -21,7 +21,7 @@ public:
     /// Checks the lights of a frame whose uniforms are filled. Passed over are lights with a uniform that is
     /// not finite, which has a report of its own, and meshes of more vertices than the driver can take at
     /// once.
-    void check(const View& view, const glm::vec3& eye, const MeshBufferCache& meshes, LightProbe& probe,
+    void check(const View& view, const glm::vec3& eye, const MeshBufferCache& meshes, LightSampler& sampler,
                Reports& reports);
 
 private:
@@ -34,7 +34,7 @@ private:
     };
 
     void evaluate(const View& view, std::size_t source, const glm::vec3& eye, const MeshBufferCache& meshes,
-                  LightProbe& probe, Reports& reports);
+                  LightSampler& sampler, Reports& reports);
 
     /// By the serial number of the light source and the view: a source may serve several.
     std::map<std::pair<std::uint64_t, const View*>, Checked> my_checked;

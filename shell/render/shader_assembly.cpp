@@ -222,11 +222,11 @@ AssembledShader assembleShader(std::span<const LightSnippet> snippets, int glsl_
 AssembledShader assembleProbe(const LightSnippet& snippet) {
     const std::set<std::string> imports = checkedImports(std::span(&snippet, 1));
     AssembledShader shader;
-    shader.vertex = std::string("#version 330\n").append(probe_vertex);
-    shader.fragment = std::string("#version 330\n").append(probe_inputs);
+    shader.vertex = std::string("#version 330\n").append(sampler_vertex);
+    shader.fragment = std::string("#version 330\n").append(sampler_inputs);
     defineImports(imports, shader.fragment);
     appendSnippet(snippet, shader);
-    shader.fragment += probe_main;
+    shader.fragment += sampler_main;
     return shader;
 }
 

@@ -22,8 +22,8 @@ namespace korl {
 namespace {
 
 /// So many programs at most are kept for combinations of snippets that may come up again.
-constexpr std::size_t most_programs = 64;
-constexpr std::size_t most_lineups = 1024;
+constexpr std::size_t max_programs = 64;
+constexpr std::size_t max_assignments = 1024;
 
 /// Keeps what a fixed-function light set-up may change, and brings it back.
 class SavedLightState {
@@ -45,7 +45,7 @@ public:
 
 /// From so many light sources of one snippet on a loop is as fast to draw, and faster to compile. (Measured
 /// on a software rasteriser, where it costs half as much again for a single light.)
-constexpr std::size_t fewest_in_loop = 4;
+constexpr std::size_t min_loop_count = 4;
 
 /// The snippets that a frame's shader is made of, and the light sources that each of them serves.
 struct GroupedSnippets {
@@ -66,7 +66,7 @@ GroupedSnippets groupSnippets(const View& view, std::span<const std::string> tex
             grouped.sources[loop->second].push_back(i);
             continue;
         }
-        const bool is_repeated = counts[texts[i]] >= fewest_in_loop && canRepeat(texts[i]);
+        const bool is_repeated = counts[texts[i]] >= min_loop_count && canRepeat(texts[i]);
         if (is_repeated)
             loops[texts[i]] = grouped.snippets.size();
         grouped.snippets.push_back({view.ownerOf(i).Name(), texts[i], is_repeated});
@@ -82,13 +82,13 @@ Error wrongType(const std::string& light, const std::string& uniform,
 }
 
 void reportUniforms(const Qelt::RenderAble& light, const UniformMismatch& mismatch, Reports& reports) {
-    const auto tell = [&](const std::string& text, const char* kind) {
+    const auto warn = [&](const std::string& text, const char* kind) {
         if (!text.empty())
             reports.once(light.number(), kind,
                          [&] { return "light " + inQuotes(light.Name()) + " " + text; });
     };
-    tell(undeclaredText(mismatch), "uniform not declared");
-    tell(unwrittenText(mismatch), "uniform not written");
+    warn(undeclaredText(mismatch), "uniform not declared");
+    warn(unwrittenText(mismatch), "uniform not written");
 }
 
 } // namespace
@@ -118,8 +118,8 @@ void ShaderPath::fillUniforms(View& view, const Viewpoint& viewpoint) {
 
 void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache& meshes,
                       Reports& reports) {
-    const Lineup& lineup = lineupFor(view, reports);
-    const LightingProgram& lighting = *lineup.lighting;
+    const ProgramAssignment& assignment = assignmentFor(view, reports);
+    const LightingProgram& lighting = *assignment.lighting;
     reportNotFinite(view, reports);
     {
         const ProgramInUse in_use(lighting.program);
@@ -128,22 +128,22 @@ void ShaderPath::draw(const View& view, const Viewpoint& viewpoint, const MeshBu
         glUniform3fv(lighting.eye, 1, glm::value_ptr(viewpoint.eye));
         glUniform1f(lighting.specular, material_specular);
         glUniform1f(lighting.shininess, material_shininess);
-        uploadLights(view, lineup);
+        uploadLights(view, assignment);
         for (const auto& [mesh, buffers] : meshes.entries())
             buffers->drawWithAttributes();
     }
-    my_result_check.check(view, viewpoint.eye, meshes, my_probe, reports);
+    my_result_check.check(view, viewpoint.eye, meshes, my_sampler, reports);
 }
 
-const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view, Reports& reports) {
+const ShaderPath::ProgramAssignment& ShaderPath::assignmentFor(const View& view, Reports& reports) {
     my_serials.clear();
     for (const auto& source : view.sources())
         my_serials.push_back(source->serialNumber());
-    if (const auto known = my_lineups.find(my_serials); known != my_lineups.end())
+    if (const auto known = my_assignments.find(my_serials); known != my_assignments.end())
         return known->second;
 
-    if (my_programs.size() >= most_programs || my_lineups.size() >= most_lineups) {
-        my_lineups.clear();
+    if (my_programs.size() >= max_programs || my_assignments.size() >= max_assignments) {
+        my_assignments.clear();
         my_programs.clear();
         my_snippets.clear();
     }
@@ -158,13 +158,13 @@ const ShaderPath::Lineup& ShaderPath::lineupFor(const View& view, Reports& repor
         texts.push_back(known->second);
     }
     GroupedSnippets grouped = groupSnippets(view, texts);
-    Lineup lineup{nullptr, std::move(grouped.sources)};
+    ProgramAssignment assignment{nullptr, std::move(grouped.sources)};
     const AssembledShader shader = assembleShader(grouped.snippets);
     auto& lighting = my_programs[shader.fragment];
     if (!lighting)
-        lighting = build(shader, grouped.snippets, view, lineup.sources);
-    lineup.lighting = lighting.get();
-    return my_lineups[my_serials] = std::move(lineup);
+        lighting = build(shader, grouped.snippets, view, assignment.sources);
+    assignment.lighting = lighting.get();
+    return my_assignments[my_serials] = std::move(assignment);
 }
 
 std::unique_ptr<ShaderPath::LightingProgram>
@@ -185,7 +185,7 @@ ShaderPath::build(const AssembledShader& shader, std::span<const LightSnippet> s
         section.first = location("korl_first_" + from.suffix);
         section.count = location("korl_count_" + from.suffix);
         for (const UniformDeclaration& variable : from.uniforms)
-            section.declared_values.push_back(my_probe.declaredValue(
+            section.declared_values.push_back(my_sampler.declaredValue(
                 *view.sources()[sources[i].front()].get(), from.light_name, variable.name));
     }
     const GLint view_matrix = location("korl_view"), projection = location("korl_projection");
@@ -207,15 +207,15 @@ void ShaderPath::reportNotFinite(const View& view, Reports& reports) const {
                              });
 }
 
-void ShaderPath::declareAgain(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name,
-                              Section& section) {
+void ShaderPath::resetToDeclared(const Qelt::RenderNamespace::LightSource& source,
+                                 const std::string& light_name, Section& section) {
     for (auto& [name, uniform] : section.uniforms) {
         if (!uniform.uploaded || source.uniforms().contains(name))
             continue;
         const std::optional<UniformFloats> held = floatsOf(uniform.value);
         if (!held)
             continue;
-        uploadFloats(uniform.location, {held->size, my_probe.declaredValue(source, light_name, name)});
+        uploadFloats(uniform.location, {held->size, my_sampler.declaredValue(source, light_name, name)});
         uniform.uploaded = false;
     }
 }
@@ -225,7 +225,7 @@ void ShaderPath::uploadSingle(const View& view, std::size_t source, const Lighti
     const auto& light_source = *view.sources()[source].get();
     if (section.served != light_source.serialNumber()) {
         section.served = light_source.serialNumber();
-        declareAgain(light_source, view.ownerOf(source).Name(), section);
+        resetToDeclared(light_source, view.ownerOf(source).Name(), section);
     }
     for (const auto& [name, value] : light_source.uniforms()) {
         auto uniform = section.uniforms.find(name);
@@ -245,8 +245,8 @@ void ShaderPath::uploadSingle(const View& view, std::size_t source, const Lighti
     }
 }
 
-void ShaderPath::gatherRepeated(const View& view, const std::vector<std::size_t>& sources,
-                                const Section& section) {
+void ShaderPath::packInstances(const View& view, const std::vector<std::size_t>& sources,
+                               const Section& section) {
     for (const std::size_t source : sources) {
         const auto& uniforms = view.sources()[source]->uniforms();
         for (std::size_t i = 0; i < section.variables.size(); ++i) {
@@ -264,15 +264,15 @@ void ShaderPath::gatherRepeated(const View& view, const std::vector<std::size_t>
     }
 }
 
-void ShaderPath::uploadLights(const View& view, const Lineup& lineup) {
-    LightingProgram& lighting = *lineup.lighting;
+void ShaderPath::uploadLights(const View& view, const ProgramAssignment& assignment) {
+    LightingProgram& lighting = *assignment.lighting;
     if (lighting.lights >= 0 && !my_texels)
         my_texels = std::make_unique<LightTexels>();
     if (my_texels)
         my_texels->values.clear();
     for (std::size_t i = 0; i < lighting.sections.size(); ++i) {
         Section& section = lighting.sections[i];
-        const std::vector<std::size_t>& sources = lineup.sources[i];
+        const std::vector<std::size_t>& sources = assignment.sources[i];
         if (!section.is_repeated) {
             uploadSingle(view, sources.front(), lighting, section);
             continue;
@@ -281,7 +281,7 @@ void ShaderPath::uploadLights(const View& view, const Lineup& lineup) {
             glUniform1i(section.first, static_cast<GLint>(my_texels->values.size()));
         glUniform1i(section.count, static_cast<GLint>(sources.size()));
         if (section.first >= 0)
-            gatherRepeated(view, sources, section);
+            packInstances(view, sources, section);
     }
     if (lighting.lights >= 0)
         my_upload_count += my_texels->bind(lighting.lights) ? 1 : 0;

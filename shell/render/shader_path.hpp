@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/render/gl_objects.hpp"
-#include "shell/render/light_probe.hpp"
+#include "shell/render/light_sampler.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/result_check.hpp"
@@ -44,7 +44,7 @@ public:
     void draw(const View& view, const Viewpoint& viewpoint, const MeshBufferCache& meshes, Reports& reports);
 
     /// What evaluates single lights.
-    LightProbe& probe() noexcept { return my_probe; }
+    LightSampler& sampler() noexcept { return my_sampler; }
 
     /// How many programs were compiled, and how many light uniforms and buffers of them were uploaded, so
     /// far.
@@ -77,7 +77,7 @@ private:
     };
 
     /// Which program serves the light sources of a frame, and which of them each of its sections serves.
-    struct Lineup {
+    struct ProgramAssignment {
         LightingProgram* lighting = nullptr;
         std::vector<std::vector<std::size_t>> sources;
     };
@@ -92,27 +92,28 @@ private:
         bool bind(GLint sampler);
     };
 
-    const Lineup& lineupFor(const View& view, Reports& reports);
+    const ProgramAssignment& assignmentFor(const View& view, Reports& reports);
     std::unique_ptr<LightingProgram> build(const AssembledShader& shader,
                                            std::span<const LightSnippet> snippets, const View& view,
                                            const std::vector<std::vector<std::size_t>>& sources);
     void reportNotFinite(const View& view, Reports& reports) const;
     /// Brings the uniforms that a section's last light source has set, and this one does not, back to the
     /// values that the snippet declares.
-    void declareAgain(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name,
-                      Section& section);
+    void resetToDeclared(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name,
+                         Section& section);
     void uploadSingle(const View& view, std::size_t source, const LightingProgram& lighting,
                       Section& section);
-    void gatherRepeated(const View& view, const std::vector<std::size_t>& sources, const Section& section);
-    void uploadLights(const View& view, const Lineup& lineup);
+    void packInstances(const View& view, const std::vector<std::size_t>& sources, const Section& section);
+    void uploadLights(const View& view, const ProgramAssignment& assignment);
 
     std::map<std::string, std::unique_ptr<LightingProgram>>
-        my_programs;                                            ///< by the text of the fragment shader
-    std::map<std::vector<std::uint64_t>, Lineup> my_lineups;    ///< by the serial numbers of the sources
+        my_programs; ///< by the text of the fragment shader
+    std::map<std::vector<std::uint64_t>, ProgramAssignment>
+        my_assignments;                                         ///< by the serial numbers of the sources
     std::unordered_map<std::uint64_t, std::string> my_snippets; ///< by the serial number of the source
-    std::vector<std::uint64_t> my_serials;                      ///< of the frame; kept for its room
+    std::vector<std::uint64_t> my_serials;                      ///< of the frame; kept for its capacity
     std::unique_ptr<LightTexels> my_texels;                     ///< once there are lights for it
-    LightProbe my_probe;
+    LightSampler my_sampler;
     ResultCheck my_result_check;
     std::size_t my_compile_count = 0;
     std::size_t my_upload_count = 0;

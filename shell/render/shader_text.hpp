@@ -108,16 +108,16 @@ inline constexpr std::string_view fragment_end = R"(
 }
 )";
 
-// The probe: one triangle covers the target, and each of its pixels takes the point of its number.
+// The light sampler: one triangle covers the target, and each of its pixels takes the point of its number.
 
-inline constexpr std::string_view probe_vertex = R"(
+inline constexpr std::string_view sampler_vertex = R"(
 void main()
 {
     gl_Position = vec4(gl_VertexID == 1 ? 3.0 : -1.0, gl_VertexID == 2 ? 3.0 : -1.0, 0.0, 1.0);
 }
 )";
 
-inline constexpr std::string_view probe_inputs = R"(
+inline constexpr std::string_view sampler_inputs = R"(
 uniform vec3 korl_eye;
 uniform samplerBuffer korl_points;
 uniform int korl_first_point;
@@ -130,7 +130,7 @@ layout(location = 2) out vec4 korl_specular_intensity;
 vec3 korl_scene_position;
 )";
 
-inline constexpr std::string_view probe_main = R"(
+inline constexpr std::string_view sampler_main = R"(
 void main()
 {
     int point = korl_first_point + int(gl_FragCoord.y) * korl_target_width + int(gl_FragCoord.x);

@@ -56,7 +56,7 @@ void destroy(VObject& object) {
 } // namespace
 
 std::string tooLongChainText() {
-    return "would follow another parameter through more than " + std::to_string(longest_chain) + " others";
+    return "would follow another parameter through more than " + std::to_string(max_chain_length) + " others";
 }
 
 Scene::Scene() : my_revision(nextRevision()) {}
@@ -107,7 +107,7 @@ VObject& Scene::object(const std::string& name) const {
 
 // By value: the name may be the one that the object holds, and goes with it.
 void Scene::remove(std::string name) { // NOLINT(performance-unnecessary-value-param)
-    if (my_foreign.remove(name))
+    if (my_unresolved.remove(name))
         return;
     VObject& gone = object(name);
     my_muted.erase(gone.number());
@@ -144,7 +144,7 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
         }))
         throw Error(follower + " cannot follow " + followed +
                     ": that one follows it already, or the input takes no connections");
-    my_foreign.disconnect(following.number(), parameter_name);
+    my_unresolved.disconnect(following.number(), parameter_name);
 }
 
 std::string Scene::tooLongChain(const VParameter& follower, const VParameter& source) const {
@@ -152,7 +152,7 @@ std::string Scene::tooLongChain(const VParameter& follower, const VParameter& so
     for (const VParameter* next = source.source(); next; next = next->source(), ++above)
         if (next == &follower)
             return {}; // a circle, which is refused as such
-    if (above > longest_chain)
+    if (above > max_chain_length)
         return "it " + tooLongChainText();
     for (const auto& object : objects())
         for (const auto& [parameter, expert_level] : object->parameters()) {
@@ -160,7 +160,7 @@ std::string Scene::tooLongChain(const VParameter& follower, const VParameter& so
             const VParameter* next = parameter.get();
             for (; next && next != &follower; next = next->source())
                 ++length;
-            if (next && length > longest_chain)
+            if (next && length > max_chain_length)
                 return inQuotes(object->Name() + "." + parameter->Name()) + " " + tooLongChainText();
         }
     return {};
@@ -199,7 +199,7 @@ void Scene::resetParameter(const std::string& object_name, const std::string& pa
 
 void Scene::disconnect(const std::string& object_name, const std::string& parameter_name) {
     parameter(object_name, parameter_name).setSource({});
-    my_foreign.disconnect(object(object_name).number(), parameter_name);
+    my_unresolved.disconnect(object(object_name).number(), parameter_name);
 }
 
 void Scene::setMuted(const std::string& object_name, bool muted) {
@@ -220,7 +220,7 @@ void Scene::solo(const std::string& light) {
         throw WrongType(inQuotes(light) + " is no light, so it cannot shine alone");
     my_solo = light;
     my_solo_number = light.empty() ? 0 : object(light).number();
-    my_foreign.solo.clear();
+    my_unresolved.solo.clear();
     my_revision = nextRevision();
 }
 

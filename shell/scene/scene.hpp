@@ -2,7 +2,7 @@
 
 #include "shell/mesh/mesh.hpp"
 #include "shell/scene/camera.hpp"
-#include "shell/scene/foreign_parts.hpp"
+#include "shell/scene/unresolved_objects.hpp"
 
 #include <doltra/renderable.hpp>
 #include <orvid/rgba_float.hpp>
@@ -25,7 +25,7 @@ namespace korl {
 
 /// Through so many others at most a parameter follows another one: reading a value goes up the chain, step by
 /// step, and so does each connection.
-inline constexpr int longest_chain = 100;
+inline constexpr int max_chain_length = 100;
 
 /// What is said of a parameter that would follow others through more.
 std::string tooLongChainText();
@@ -53,7 +53,7 @@ public:
     Qelt::VObject& object(const std::string& name) const;
 
     /// Whether an object has this name, one that is only kept for its module included.
-    bool isTaken(const std::string& name) const { return find(name) || my_foreign.contains(name); }
+    bool isTaken(const std::string& name) const { return find(name) || my_unresolved.contains(name); }
 
     /// Deletes an object. Throws Error if there is none of this name.
     void remove(std::string name);
@@ -73,8 +73,8 @@ public:
 
     /// Makes a parameter follow another object's, in every view.
     /// Throws Error for an unknown object or parameter, for parameters of different types, for one that would
-    /// come to follow itself, and where any would come to follow another one through more than longest_chain
-    /// others; nothing is changed then.
+    /// come to follow itself, and where any would come to follow another one through more than
+    /// max_chain_length others; nothing is changed then.
     void connect(const std::string& object, const std::string& parameter, const std::string& source_object,
                  const std::string& source_parameter);
 
@@ -114,8 +114,8 @@ public:
     void removeView(const std::string& name);
 
     /// What the scene keeps for modules that are not loaded.
-    ForeignParts& foreign() noexcept { return my_foreign; }
-    const ForeignParts& foreign() const noexcept { return my_foreign; }
+    UnresolvedObjects& unresolved() noexcept { return my_unresolved; }
+    const UnresolvedObjects& unresolved() const noexcept { return my_unresolved; }
 
     /// The living objects, in the order of their creation.
     const std::vector<Tessan::StrongPtr<Qelt::VObject>>& objects() const;
@@ -155,7 +155,7 @@ private:
     std::string my_solo;                        ///< the name of the light that shines alone, or empty
     std::uint64_t my_solo_number = 0;           ///< and its number
     std::vector<NamedView> my_views;
-    ForeignParts my_foreign;
+    UnresolvedObjects my_unresolved;
     std::vector<std::shared_ptr<const Mesh>> my_meshes;
     std::optional<Ball> my_meshes_ball;
 };

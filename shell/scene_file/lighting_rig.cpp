@@ -21,15 +21,15 @@ void removeLights(Scene& scene) {
 
 } // namespace
 
-void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell) {
-    writeFileAtomically(file, rigText(scene, tell));
+void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn) {
+    writeFileAtomically(file, rigText(scene, warn));
 }
 
-std::string rigText(const Scene& scene, const SceneNotes& tell) {
-    return SceneWriter(scene, {}, tell, Part::lights).text();
+std::string rigText(const Scene& scene, const SceneNotes& warn) {
+    return SceneWriter(scene, {}, warn, Part::lights).text();
 }
 
-void loadRig(const std::filesystem::path& file, Scene& scene, bool replace, const SceneNotes& tell) {
+void loadRig(const std::filesystem::path& file, Scene& scene, bool replace, const SceneNotes& warn) {
     const JsonText parsed = parseScene(sceneFileText(file), file);
     if (replace) {
         // What cannot be read shows before anything is deleted.
@@ -38,7 +38,7 @@ void loadRig(const std::filesystem::path& file, Scene& scene, bool replace, cons
         SceneReader(file, trial, silent, Part::lights).read(parsed.root());
         removeLights(scene);
     }
-    const SceneReading reading{tell};
+    const SceneReading reading{warn};
     SceneReader(file, scene, reading, Part::lights).read(parsed.root());
 }
 

@@ -10,11 +10,11 @@ namespace korl {
 /// Writes a scene's lights alone to a file, to be put into other scenes: with their parameters, connections
 /// among them, mutes, and values that views have for them. It is a scene file. Throws Error as `saveScene`
 /// does.
-/// @param tell hears of connections to what is no light, which are left out.
-void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell = {});
+/// @param warn hears of connections to what is no light, which are left out.
+void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn = {});
 
 /// What `saveRig` writes.
-std::string rigText(const Scene& scene, const SceneNotes& tell = {});
+std::string rigText(const Scene& scene, const SceneNotes& warn = {});
 
 /// Adds the lights of a scene file to a scene; whatever else the file describes is passed over. A light whose
 /// name is taken gets a number behind it, and what follows it follows it still.
@@ -23,6 +23,6 @@ std::string rigText(const Scene& scene, const SceneNotes& tell = {});
 /// The scene is then as it was.
 /// @param replace deletes the scene's own lights first.
 void loadRig(const std::filesystem::path& file, Scene& scene, bool replace = false,
-             const SceneNotes& tell = {});
+             const SceneNotes& warn = {});
 
 } // namespace korl

@@ -24,9 +24,9 @@ std::string sceneFileText(const std::filesystem::path& file) {
     if (type != std::filesystem::file_type::regular)
         fail("it is no regular file");
     const auto size = std::filesystem::file_size(file, problem);
-    if (size > JsonText::most_bytes)
+    if (size > JsonText::max_bytes)
         fail("it has " + std::to_string(size) + " bytes, more than the " +
-             std::to_string(JsonText::most_bytes) + " that are read");
+             std::to_string(JsonText::max_bytes) + " that are read");
     std::ifstream stream(file, std::ios::binary);
     std::string text(size, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(size));
@@ -54,13 +54,13 @@ void readSceneText(std::string text, const std::filesystem::path& file, Scene& s
     SceneReader(file, scene, reading, Part::everything).read(parsed.root());
 }
 
-void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell) {
-    const std::string text = sceneText(scene, file.parent_path(), tell);
+void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn) {
+    const std::string text = sceneText(scene, file.parent_path(), warn);
     writeFileAtomically(file, text);
 }
 
-std::string sceneText(const Scene& scene, const std::filesystem::path& folder, const SceneNotes& tell) {
-    return SceneWriter(scene, folder, tell, Part::everything).text();
+std::string sceneText(const Scene& scene, const std::filesystem::path& folder, const SceneNotes& warn) {
+    return SceneWriter(scene, folder, warn, Part::everything).text();
 }
 
 } // namespace korl

@@ -16,7 +16,7 @@ using SceneNotes = std::function<void(const std::string&)>;
 
 /// How a scene file is read.
 struct SceneReading {
-    SceneNotes tell{};
+    SceneNotes warn{};
 
     /// Reads the model files that the scene names; `importModel` where it is left out.
     ModelImport import_model{};
@@ -25,8 +25,9 @@ struct SceneReading {
 /// Adds what a scene file describes to a scene. docs/scene-files.md describes the format,
 /// docs/scene.schema.json defines it.
 ///
-/// An object whose type no loaded module has is told of and kept (`Scene::foreign`), with the connections to
-/// it and the values that views have for it. A view that the scene has already gets the file's values added.
+/// An object whose type no loaded module has is told of and kept (`Scene::unresolved`), with the connections
+/// to it and the values that views have for it. A view that the scene has already gets the file's values
+/// added.
 ///
 /// Throws Error that names the file, the place in it (line and column where it is no JSON, a JSON pointer
 /// otherwise), what was found and what was expected. The scene is then as it was.
@@ -40,11 +41,11 @@ void readSceneText(std::string text, const std::filesystem::path& file, Scene& s
 /// Writes a scene to a file: the old or the new file is there whole, whatever happens. What is read from it
 /// shows the same pictures and is written as the same bytes again. Throws Error where it cannot be written,
 /// and for a value that is not finite.
-/// @param tell hears of connections that are left out, since what they lead to is not in the scene.
-void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& tell = {});
+/// @param warn hears of connections that are left out, since what they lead to is not in the scene.
+void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn = {});
 
 /// What `saveScene` writes.
 /// @param folder the file's folder, to which the paths of models are relative.
-std::string sceneText(const Scene& scene, const std::filesystem::path& folder, const SceneNotes& tell = {});
+std::string sceneText(const Scene& scene, const std::filesystem::path& folder, const SceneNotes& warn = {});
 
 } // namespace korl

@@ -24,7 +24,7 @@ using Qelt::VObject;
 namespace {
 
 constexpr std::uint32_t format_version = 1;
-constexpr std::size_t most_views = 256; ///< each view costs something for each parameter that goes
+constexpr std::size_t max_views = 256; ///< each view costs something for each parameter that goes
 
 glm::dvec3 triple(const JsonValue& value, const ScenePlace& place) {
     std::array<double, 3> read{};
@@ -61,25 +61,26 @@ bool makesLights(VCreatorBase& creator) {
 }
 
 std::string listOf(const std::vector<std::string>& names) {
-    constexpr std::size_t longest = 20;
+    constexpr std::size_t max_length = 20;
     std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), longest); ++i)
+    for (std::size_t i = 0; i < std::min(names.size(), max_length); ++i)
         list += (i == 0 ? "" : ", ") + inQuotes(names[i]);
-    return list + (names.size() > longest ? " and " + std::to_string(names.size() - longest) + " more" : "");
+    return list +
+           (names.size() > max_length ? " and " + std::to_string(names.size() - max_length) + " more" : "");
 }
 
 } // namespace
 
 /// The scene as it was.
 struct SceneReader::Before {
-    ForeignParts foreign;
+    UnresolvedObjects foreign;
     std::vector<std::string> added_views{};
 };
 
 SceneReader::SceneReader(const std::filesystem::path& file, Scene& scene, const SceneReading& reading,
                          Part part)
     : my_file(file), my_scene(scene), my_reading(reading), my_part(part), my_root(file),
-      my_before(new Before{scene.foreign()}) {
+      my_before(new Before{scene.unresolved()}) {
     if (!scene.objects().empty())
         my_latest = scene.objects().back()->number();
 }
@@ -91,7 +92,7 @@ SceneReader::~SceneReader() {
         my_scene.remove(std::string(made->object->Name()));
     for (const std::string& view : my_before->added_views)
         my_scene.removeView(view);
-    my_scene.foreign() = std::move(my_before->foreign);
+    my_scene.unresolved() = std::move(my_before->foreign);
 }
 
 void SceneReader::read(const JsonValue& root) {
@@ -134,7 +135,7 @@ void SceneReader::read(const JsonValue& root) {
         my_scene.camera = camera;
     if (whole && background)
         my_scene.background = *background;
-    tellOfForeign();
+    warnOfUnresolved();
 }
 
 void SceneReader::readPlugins(const JsonValue& root) {
@@ -142,13 +143,13 @@ void SceneReader::readPlugins(const JsonValue& root) {
         std::size_t index = 0;
         for (const JsonValue& entry : place.list(value)) {
             const std::string name = place.inside(index++).text(entry);
-            auto& missing = my_scene.foreign().plugins;
+            auto& missing = my_scene.unresolved().plugins;
             if (isModuleLoaded(name) || std::find(missing.begin(), missing.end(), name) != missing.end())
                 continue;
             if (my_part == Part::everything)
                 missing.push_back(name);
-            if (my_reading.tell)
-                my_reading.tell(printable(my_file.string()) + ": the module " + inQuotes(name) +
+            if (my_reading.warn)
+                my_reading.warn(printable(my_file.string()) + ": the module " + inQuotes(name) +
                                 ", which it needs, is not loaded; name its file with --plugin");
         }
     });
@@ -157,8 +158,8 @@ void SceneReader::readPlugins(const JsonValue& root) {
 void SceneReader::readViews(const JsonValue& root) {
     my_root.ifPresent(root, "views", [&](const auto& value, const auto& place) {
         const std::vector<JsonValue> entries = place.list(value);
-        if (entries.size() > most_views)
-            place.fail("expected at most " + std::to_string(most_views) + " views, found " +
+        if (entries.size() > max_views)
+            place.fail("expected at most " + std::to_string(max_views) + " views, found " +
                        std::to_string(entries.size()));
         std::unordered_set<std::string> names;
         for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -289,7 +290,7 @@ void SceneReader::keep(const JsonValue& value, const std::string& type, const st
     if (!name.empty() && my_scene.isTaken(name))
         place.inside("name").fail("the scene already has an object of the name " + inQuotes(name));
     my_foreign_names[type].push_back(name);
-    my_scene.foreign().add({type, name, std::string(value.source()), my_latest});
+    my_scene.unresolved().add({type, name, std::string(value.source()), my_latest});
 }
 
 void SceneReader::readValues(const JsonValue& values, const ScenePlace& place, const std::string& object,
@@ -319,11 +320,11 @@ void SceneReader::readConnections(const JsonValue& connections, std::size_t made
             auto* const followed_parameter = parameterOf(*own->second, followed);
             my_followed[parameter] = followed_parameter;
             my_links.push_back({made, parameter, followed_parameter, own->second});
-        } else if (my_scene.foreign().contains(object)) {
-            my_scene.foreign().connect(follower.number(), name, {object, followed});
+        } else if (my_scene.unresolved().contains(object)) {
+            my_scene.unresolved().connect(follower.number(), name, {object, followed});
         } else if (my_left_out.contains(object)) {
-            if (my_reading.tell)
-                my_reading.tell(inQuotes(follower.Name() + "." + name) + " followed " +
+            if (my_reading.warn)
+                my_reading.warn(inQuotes(follower.Name() + "." + name) + " followed " +
                                 inQuotes(object + "." + followed) +
                                 ", which is no light's; it keeps a value of its own");
         } else {
@@ -345,7 +346,7 @@ void SceneReader::connectLinks() {
         for (auto next = my_followed.find(link.follower);
              next != my_followed.end() && next->second != link.follower;
              next = my_followed.find(next->second))
-            if (++length > longest_chain)
+            if (++length > max_chain_length)
                 placeOf(link.made, name).fail("it " + tooLongChainText());
         VObject& object = *my_created[link.made].object;
         if (!object.connectInput(name, *link.source)) // why not, the scene says
@@ -359,17 +360,17 @@ void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {
     const auto own = my_names.find(name);
     if (own != my_names.end())
         return place.during([&] { my_scene.solo(own->second->Name()); });
-    if (!my_scene.foreign().contains(name))
+    if (!my_scene.unresolved().contains(name))
         place.fail("the file has no object " + inQuotes(name) + ", so it cannot shine alone");
-    my_scene.foreign().solo = name;
+    my_scene.unresolved().solo = name;
 }
 
-void SceneReader::tellOfForeign() const {
-    if (!my_reading.tell)
+void SceneReader::warnOfUnresolved() const {
+    if (!my_reading.warn)
         return;
     const std::vector<std::string> known = typeNames();
     for (const auto& [type, names] : my_foreign_names)
-        my_reading.tell(printable(my_file.string()) + ": no loaded module has the type " + inQuotes(type) +
+        my_reading.warn(printable(my_file.string()) + ": no loaded module has the type " + inQuotes(type) +
                         " of " + listOf(names) + ", kept for later but not shown: " +
                         nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
 }

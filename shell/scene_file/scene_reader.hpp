@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/scene/foreign_parts.hpp"
+#include "shell/scene/unresolved_objects.hpp"
 #include "shell/scene_file/scene_file.hpp"
 #include "shell/scene_file/scene_json.hpp"
 
@@ -57,7 +57,7 @@ private:
     void readViews(const JsonValue& root);
     void readSolo(const std::string& name, const ScenePlace& place);
     void readPlugins(const JsonValue& root);
-    void tellOfForeign() const;
+    void warnOfUnresolved() const;
 
     /// An object that was created, where the file describes it.
     struct Created {

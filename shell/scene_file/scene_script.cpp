@@ -102,7 +102,7 @@ public:
             create(*object.get());
         for (const auto& object : my_scene.objects())
             follow(*object.get());
-        for (const ForeignParts::Object& kept : my_scene.foreign().objects())
+        for (const UnresolvedObjects::Object& kept : my_scene.unresolved().objects())
             line("# " + quoted(kept.name) + " is left out: no loaded module has the type " +
                  quoted(kept.type));
         if (const VObject* const alone = my_scene.soloLight())

@@ -68,8 +68,8 @@ std::filesystem::path pathFrom(const std::filesystem::path& folder, const std::f
 
 } // namespace
 
-SceneWriter::SceneWriter(const Scene& scene, std::filesystem::path folder, const SceneNotes& tell, Part part)
-    : my_scene(scene), my_folder(std::move(folder)), my_tell(tell), my_part(part) {}
+SceneWriter::SceneWriter(const Scene& scene, std::filesystem::path folder, const SceneNotes& warn, Part part)
+    : my_scene(scene), my_folder(std::move(folder)), my_warn(warn), my_part(part) {}
 
 bool SceneWriter::takes(const VObject& object) const {
     return my_part == Part::everything || isLight(object);
@@ -102,7 +102,7 @@ std::string SceneWriter::text() const {
             views.push_back(jsonQuoted(view.first));
     addList("views", views);
     const VObject* const alone = my_scene.soloLight();
-    const std::string solo = alone ? alone->Name() : my_scene.foreign().solo;
+    const std::string solo = alone ? alone->Name() : my_scene.unresolved().solo;
     if (whole && !solo.empty())
         members.emplace_back("solo", jsonQuoted(solo));
     if (const auto list = objects(); !list.empty())
@@ -124,20 +124,20 @@ std::vector<std::string> SceneWriter::plugins() const {
         if (!name.empty())
             names.insert(name);
     if (my_part == Part::everything)
-        names.insert(my_scene.foreign().plugins.begin(), my_scene.foreign().plugins.end());
+        names.insert(my_scene.unresolved().plugins.begin(), my_scene.unresolved().plugins.end());
     return inQuotes({names.begin(), names.end()});
 }
 
 std::vector<std::string> SceneWriter::objects() const {
     std::vector<std::string> list;
-    const auto& kept = my_scene.foreign().objects();
+    const auto& kept = my_scene.unresolved().objects();
     auto next = kept.begin();
     const auto addKeptBefore = [&](std::uint64_t number) {
         for (; next != kept.end() && next->after < number; ++next)
             if (my_part == Part::everything)
                 list.push_back(next->json);
-            else if (my_tell)
-                my_tell(inQuotes(next->name) + " of the type " + inQuotes(next->type) +
+            else if (my_warn)
+                my_warn(inQuotes(next->name) + " of the type " + inQuotes(next->type) +
                         " is left out: no loaded module has the type, so it is not known to be a light");
     };
     for (const auto& held : my_scene.objects()) {
@@ -189,11 +189,11 @@ SceneWriter::Members SceneWriter::connections(const VObject& object) const {
         const VObject* const owner = source ? source->creator() : nullptr;
         if (owner && my_scene.find(owner->Name()) == owner && takes(*owner))
             add(*parameter.get(), owner->Name(), source->Name());
-        else if (const auto* const kept = my_scene.foreign().sourceOf(object.number(), parameter->Name());
+        else if (const auto* const kept = my_scene.unresolved().sourceOf(object.number(), parameter->Name());
                  kept && my_part == Part::everything)
             add(*parameter.get(), kept->object, kept->parameter);
-        else if ((parameter->hasSource() || kept) && my_tell)
-            my_tell(inQuotes(object.Name() + "." + parameter->Name()) +
+        else if ((parameter->hasSource() || kept) && my_warn)
+            my_warn(inQuotes(object.Name() + "." + parameter->Name()) +
                     " follows something that is left out; it is written with its own value");
     }
     return list;

@@ -16,7 +16,7 @@ namespace korl {
 /// Writes what a scene is as the text of a scene file.
 class SceneWriter {
 public:
-    SceneWriter(const Scene& scene, std::filesystem::path folder, const SceneNotes& tell, Part part);
+    SceneWriter(const Scene& scene, std::filesystem::path folder, const SceneNotes& warn, Part part);
 
     std::string text() const;
 
@@ -34,7 +34,7 @@ private:
 
     const Scene& my_scene;
     std::filesystem::path my_folder;
-    const SceneNotes& my_tell;
+    const SceneNotes& my_warn;
     Part my_part;
 };
 

@@ -23,7 +23,7 @@ void abandon(std::unique_ptr<Renderer> renderer) {
 } // namespace
 
 Shell::Shell(Reports::Sink report) : my_report(std::move(report)) {
-    my_model_reading.tell = [this](const std::string& text) { this->report(text); };
+    my_model_reading.warn = [this](const std::string& text) { this->report(text); };
 }
 
 Shell::~Shell() {
@@ -46,7 +46,7 @@ void Shell::load(const std::vector<std::filesystem::path>& files,
         my_plugins.load(file);
     my_plugins.loadFrom(directories);
     for (const std::string& sentence : shadowedTypes())
-        if (my_told_types.insert(sentence).second)
+        if (my_reported_types.insert(sentence).second)
             report(sentence);
 }
 
@@ -57,15 +57,16 @@ GLContext& Shell::context() {
 }
 
 void Shell::reportEmptyPicture() {
-    const auto tell = [&](bool is_missing, bool& is_told, const char* text) {
-        if (is_missing && !is_told)
+    const auto warnOnce = [&](bool is_missing, bool& is_reported, const char* text) {
+        if (is_missing && !is_reported)
             report(text);
-        is_told = is_missing;
+        is_reported = is_missing;
     };
-    tell(!my_scene.hasLight(), has_told_of_no_light,
-         "the scene has no light and stays dark; create one, such as a Headlight");
-    tell(my_scene.meshes().empty() && !my_scene.boundingBall(), has_told_of_no_mesh,
-         "the scene has no mesh, so that only its background is seen; add a model, arrays or the landscape");
+    warnOnce(!my_scene.hasLight(), has_warned_of_no_light,
+             "the scene has no light and stays dark; create one, such as a Headlight");
+    warnOnce(
+        my_scene.meshes().empty() && !my_scene.boundingBall(), has_warned_of_no_mesh,
+        "the scene has no mesh, so that only its background is seen; add a model, arrays or the landscape");
 }
 
 void Shell::releaseContext() {

@@ -75,8 +75,8 @@ private:
     Scene my_scene;
     Reports::Sink my_report;
     ModelReading my_model_reading;
-    bool has_told_of_no_light = false, has_told_of_no_mesh = false;
-    std::set<std::string> my_told_types;                   ///< what was told of types that are shadowed
+    bool has_warned_of_no_light = false, has_warned_of_no_mesh = false;
+    std::set<std::string> my_reported_types;               ///< what was told of types that are shadowed
     std::map<std::string, std::unique_ptr<View>> my_views; ///< those that were asked for, by name
     std::unique_ptr<GLContext> my_context;
     std::unique_ptr<Renderer> my_renderer;

@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     Scene scene;
     if (!read(text, scene)) {
-        require(scene.objects().empty() && scene.foreign().objects().empty() && scene.views().empty() &&
+        require(scene.objects().empty() && scene.unresolved().objects().empty() && scene.views().empty() &&
                     scene.meshes().empty() && !scene.camera,
                 "something is left of a scene that was refused", text);
         return 0;

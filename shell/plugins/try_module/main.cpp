@@ -36,7 +36,7 @@ namespace {
 
 namespace words = korl::trial_words;
 
-void tell(const std::string& word) {
+void send(const std::string& word) {
     [[maybe_unused]] const ssize_t written = ::write(korl::shared_descriptor, word.c_str(), word.size() + 1);
 }
 
@@ -47,7 +47,7 @@ void tell(const std::string& word) {
     try {
         throw;
     } catch (...) {
-        tell(words::threw + korl::nameOfCaughtException());
+        send(words::threw + korl::nameOfCaughtException());
     }
     ::_exit(1);
 }
@@ -95,8 +95,8 @@ void isolateLibrary(const char* file) {
         return;
     void* const place = static_cast<char*>(all) + wide;
     ::munmap(place, size);
-    constexpr int most_gaps = 100; // elsewhere, which the system would take first
-    for (int gap = 0; gap < most_gaps && reserve(size) != place; ++gap) {
+    constexpr int max_gaps = 100; // elsewhere, which the system would take first
+    for (int gap = 0; gap < max_gaps && reserve(size) != place; ++gap) {
     }
     ::munmap(place, size);
 }
@@ -161,17 +161,17 @@ int main(int count, char** arguments) {
     if (std::string_view(arguments[3]) == "used")
         heap.emplace();
     try {
-        tell(words::loading);
+        send(words::loading);
         const korl::PluginHandle module = korl::openPlugin({arguments[1], {}, arguments[2]});
-        tell(words::unloading);
+        send(words::unloading);
     } catch (const korl::Error& error) {
-        tell(words::refused + std::string(error.what()));
+        send(words::refused + std::string(error.what()));
         ::_exit(1);
     }
     if (heap && !heap->isIntact()) {
         std::fputs("it wrote into memory that is not its own", stderr);
         std::abort();
     }
-    tell(words::passed);
+    send(words::passed);
     ::_exit(0); // nothing of the module is there any more that could be ended
 }

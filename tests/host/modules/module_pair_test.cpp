@@ -1,6 +1,6 @@
 // Two modules side by side, with classes of the same name, and what the host keeps apart.
 
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <doltra/render_context.hpp>
 #include <doltra/renderable.hpp>
@@ -51,7 +51,7 @@ protected:
     static VCreatorBase& creator(const std::string& name) { return *VCreatorBase::find(name); }
     static RenderAble& light(const StrongPtr<VObject>& object) { return dynamic_cast<RenderAble&>(*object); }
 
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     LoadedLibrary one{TWIN_ONE}, two{TWIN_TWO};
 };
 
@@ -96,14 +96,14 @@ TEST_F(ModulePair, ContextsLetGoOfLightSourcesBeforeTheirModuleGoes) {
     EXPECT_THAT(other.enabledLightSources(),
                 IsEmpty()); // those of the other module are collected anew as well
     two.unload();
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
 }
 
 /// Hears one report, and lets go of a light source at that moment: its creators have gone, while its module
 /// is still there.
-struct LettingGo : korl::test::HeardReports {
+struct LettingGo : korl::test::RecordedReports {
     void printRS(const std::string& message, const char* place) override {
-        HeardReports::printRS(message, place);
+        RecordedReports::printRS(message, place);
         EXPECT_THAT(VCreatorBase::catalogue(), IsEmpty());
         held = nullptr;
     }
@@ -138,9 +138,9 @@ TEST_F(ModulePair, LightSourceThatOutlivesItsModuleIsReportedOnce) {
     light(first).illuminate(context);
     kept = context.enabledLightSources()[0];
     one.unload();
-    EXPECT_THAT(heard.places, ElementsAre("LightSource"));
+    EXPECT_THAT(recorded.places, ElementsAre("LightSource"));
     two.unload(); // which looks among the light sources for its own
-    EXPECT_THAT(heard.places, ElementsAre("LightSource"));
+    EXPECT_THAT(recorded.places, ElementsAre("LightSource"));
 }
 
 std::string outputOf(const std::function<void()>& action) {
@@ -152,13 +152,13 @@ std::string outputOf(const std::function<void()>& action) {
 
 TEST_F(ModulePair, MissingSlotCreatorsAreFoundInTheModuleThatMissesThem) {
     EXPECT_EQ(outputOf([&] { creator("twin_one").create("a"); }), "");
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
     const LoadedLibrary forgetful(TWIN_FORGETFUL);
     EXPECT_EQ(outputOf([&] { creator("twin_forgetful").create("b"); }),
               "Typeslot has a problem, its creators were not registered!?\n");
-    EXPECT_THAT(heard.places, ElementsAre("~TypedSlot()"));
+    EXPECT_THAT(recorded.places, ElementsAre("~TypedSlot()"));
     EXPECT_THAT(
-        heard.messages,
+        recorded.messages,
         ElementsAre("slot \"place\" of twin::Lamp takes a Orvid::PhysicalSpace::point, whose slot creator " +
                     std::string(TWIN_FORGETFUL) + " has not registered"));
 }

@@ -1,6 +1,6 @@
 #include "tests/support/captured_trace.hpp"
-#include "tests/support/heard_reports.hpp"
 #include "tests/support/plain_object.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <gmock/gmock.h>
 #include <iterator>
@@ -254,7 +254,7 @@ TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
     struct Listener : VActionNotifier {
         void objectCreated(const StrongPtr<VObject>& object, VContext* context,
                            VCreatorBase& creator) override {
-            heard.emplace_back(object->Name() + " by " + creator.Name(), context);
+            recorded.emplace_back(object->Name() + " by " + creator.Name(), context);
         }
         std::vector<std::pair<std::string, VContext*>> heard;
     };
@@ -266,13 +266,13 @@ TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
         creator.create("a", &context, {});
     }
     creator.create("b", nullptr, {});
-    ASSERT_EQ(listener.heard.size(), 2u);
+    ASSERT_EQ(listener.recorded.size(), 2u);
     EXPECT_EQ(listener.heard[0], (std::pair<std::string, VContext*>("a by Plain", &context)));
     EXPECT_EQ(listener.heard[1], (std::pair<std::string, VContext*>("b by Plain", nullptr)));
 }
 
 TEST(Creator, TakesItsObjectsAlongInSpiteOfPointersToThem) {
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     StrongPtr<VObject> mine, other;
     VCreator<OtherObject, void> other_creator(someProperties("Other"), 0);
     {
@@ -282,9 +282,9 @@ TEST(Creator, TakesItsObjectsAlongInSpiteOfPointersToThem) {
     }
     EXPECT_FALSE(mine);
     EXPECT_TRUE(other); // of a derived type, so none of the creator's
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
     EXPECT_EQ(mine.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
+    EXPECT_THAT(recorded.places, ElementsAre("DynPtrInvalid"));
 }
 
 TEST(Creator, DeletesAllInstancesOfExactlyAType) {

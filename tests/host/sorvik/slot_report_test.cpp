@@ -1,7 +1,7 @@
 // What is said of a parameter that a slot cannot hold, and of slots that objects get by the name of a type.
 
-#include "tests/support/heard_reports.hpp"
 #include "tests/support/plain_object.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <gmock/gmock.h>
 
@@ -25,13 +25,13 @@ TEST(SlotReport, ParameterOfTheSlotsValueTypeButAnotherClassIsToldApart) {
     const StrongPtr<VParameter> general(
         new VParameter(StrongPtr<VValueBase>(new VValue<double>(1)), "general"));
     VSlotGlobals::addParameter(object, "general", 0, general);
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     const TypedSlot<double> slot(&object, "general", 2.0);
     EXPECT_EQ(slot.parameter(), nullptr);
     EXPECT_THAT(
-        heard.places,
+        recorded.places,
         ElementsAre("TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel"));
-    EXPECT_THAT(heard.messages,
+    EXPECT_THAT(recorded.messages,
                 ElementsAre("parameter \"general\" has a double, but is a Qelt::VParameter, not "
                             "a Qelt::VValueParameter<double>"));
 }
@@ -55,7 +55,7 @@ TEST(InputCreation, FindsPointsAndVectorsByTheNamesThatUsersWrite) {
 TEST(InputCreation, MakesSlotsThatHaveTheirCreatorWhateverTheLibraryRegistered) {
     const TypedSlotCreatorOf<double> creator;
     TypedSlotCreator::registerTypedSlotCreator(typeid(double), creator, "double");
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     testing::internal::CaptureStdout();
     {
         PlainObject object("o");
@@ -64,7 +64,7 @@ TEST(InputCreation, MakesSlotsThatHaveTheirCreatorWhateverTheLibraryRegistered) 
     }
     std::fflush(stdout);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "tests/support/heard_reports.hpp"
 #include "tests/support/plain_object.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <sorvik/value_pool.hpp>
 
@@ -47,13 +47,14 @@ TEST(TypedSlot, ReadsItsValueInAPool) {
 
 TEST(TypedSlot, ParameterOfAnotherTypeIsReported) {
     PlainObject object("o");
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     const TypedSlot<double> clash(&object, "tint", 1.0, 0);
     EXPECT_EQ(clash.parameter(), nullptr);
     EXPECT_THAT(
-        heard.places,
+        recorded.places,
         ElementsAre("TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel"));
-    EXPECT_THAT(heard.messages, ElementsAre("parameter \"tint\" is not a double but a Orvid::rgba_float_t"));
+    EXPECT_THAT(recorded.messages,
+                ElementsAre("parameter \"tint\" is not a double but a Orvid::rgba_float_t"));
     EXPECT_EQ(object.findParameter("tint")->type(), typeid(rgba_float_t));
 }
 
@@ -113,7 +114,7 @@ TEST(TypedSlot, CountsItsEndWhereCreatorsWereRegistered) {
 
 TEST(TypedSlot, WarnsOnStandardOutputWhereNoneWere) {
     PlainObject object("o");
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     testing::internal::CaptureStdout();
     Qelt::slot_creators_registered<double> = false;
     { const TypedSlot<double> slot(&object, "more", 1.0, 0); }
@@ -121,8 +122,8 @@ TEST(TypedSlot, WarnsOnStandardOutputWhereNoneWere) {
     std::fflush(stdout);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Typeslot has a problem, its creators were not registered!?\n");
-    EXPECT_THAT(heard.places, ElementsAre("~TypedSlot()"));
-    EXPECT_THAT(heard.messages,
+    EXPECT_THAT(recorded.places, ElementsAre("~TypedSlot()"));
+    EXPECT_THAT(recorded.messages,
                 ElementsAre("slot \"more\" of korl::test::PlainObject takes a double, whose slot creator " +
                             Tessan::libraryOf(typeid(PlainObject)).file + " has not registered"));
 }
@@ -160,10 +161,10 @@ TEST(SlotGlobals, AddsParametersInTheOrderOfTheirMaking) {
 }
 
 TEST(SlotGlobals, AssertionGoesToThePointerDiagnostics) {
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     VSlotGlobals::assertionFail("expectation", "place");
-    EXPECT_THAT(heard.messages, ElementsAre("expectation"));
-    EXPECT_THAT(heard.places, ElementsAre("place"));
+    EXPECT_THAT(recorded.messages, ElementsAre("expectation"));
+    EXPECT_THAT(recorded.places, ElementsAre("place"));
 }
 
 TEST(Slot, ConnectsToAnotherObjectsParameter) {

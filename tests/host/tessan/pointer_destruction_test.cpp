@@ -1,6 +1,6 @@
 // What pointers see of an object while it is being destroyed, whoever destroys it.
 
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <tessan/strong_ptr.hpp>
 #include <tessan/weak_ptr.hpp>
@@ -14,7 +14,7 @@
 
 namespace {
 
-using korl::test::HeardReports;
+using korl::test::RecordedReports;
 using Tessan::Counted;
 using Tessan::StrongPtr;
 using Tessan::WeakPtr;
@@ -59,7 +59,7 @@ TEST(Destruction, StrongCountIsNegativeInSpiteOfPointersThatAreLeft) {
     for (const Ending& ending : endings) {
         if (ending.name == std::string("last pointer"))
             continue;
-        HeardReports heard;
+        RecordedReports recorded;
         int count = 0;
         auto* const thing = new Thing([&](Thing& dying) { count = dying.controlBlock().strongCount(); });
         {
@@ -68,13 +68,13 @@ TEST(Destruction, StrongCountIsNegativeInSpiteOfPointersThatAreLeft) {
             EXPECT_FALSE(first) << ending.name;
         }
         EXPECT_LT(count, 0) << ending.name;
-        EXPECT_THAT(heard.places, testing::IsEmpty()) << ending.name; // the pointers go after the object
+        EXPECT_THAT(recorded.places, testing::IsEmpty()) << ending.name; // the pointers go after the object
     }
 }
 
 TEST(Destruction, WeakPointersDoNotLockHoweverItBegins) {
     for (const Ending& ending : endings) {
-        HeardReports heard;
+        RecordedReports recorded;
         bool locked = true;
         WeakPtr<Thing> weak;
         auto* const thing = new Thing([&](Thing&) { locked = static_cast<bool>(weak.lock()); });
@@ -82,7 +82,7 @@ TEST(Destruction, WeakPointersDoNotLockHoweverItBegins) {
         ending.end(thing);
         EXPECT_FALSE(locked) << ending.name;
         EXPECT_FALSE(weak) << ending.name;
-        EXPECT_THAT(heard.places, testing::IsEmpty()) << ending.name;
+        EXPECT_THAT(recorded.places, testing::IsEmpty()) << ending.name;
     }
 }
 

@@ -1,5 +1,5 @@
 #include "tests/host/tessan/thing.hpp"
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <tessan/strong_ptr.hpp>
 #include <tessan/weak_ptr.hpp>
@@ -12,7 +12,7 @@
 namespace {
 
 using korl::test::DerivedThing;
-using korl::test::HeardReports;
+using korl::test::RecordedReports;
 using korl::test::Thing;
 using Tessan::Counted;
 using Tessan::StrongPtr;
@@ -120,33 +120,33 @@ TEST(StrongPtr, EveryPointerTakesTheNextSerialAsItIsMade) {
 }
 
 TEST(StrongPtr, DereferencingNothingIsReported) {
-    HeardReports heard;
+    RecordedReports recorded;
     const StrongPtr<Thing> empty, none(static_cast<Thing*>(nullptr));
     EXPECT_EQ(empty.get(), nullptr); // asking is no misuse
     EXPECT_FALSE(none);
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
     EXPECT_EQ(empty.operator->(), nullptr);
     EXPECT_EQ(none.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid", "DynPtrInvalid"));
+    EXPECT_THAT(recorded.places, ElementsAre("DynPtrInvalid", "DynPtrInvalid"));
     const StrongPtr<DerivedThing, Thing> derived;
     EXPECT_EQ(derived.operator->(), nullptr);
-    EXPECT_EQ(heard.messages.back(),
+    EXPECT_EQ(recorded.messages.back(),
               "a strong pointer to korl::test::DerivedThing was dereferenced, but its object is gone");
 }
 
 TEST(StrongPtr, LearnsThatItsObjectWasDeleted) {
-    HeardReports heard;
+    RecordedReports recorded;
     int deaths = 0;
     const StrongPtr<Thing> pointer(new Thing(&deaths));
     Counted::destroy(pointer.get());
     EXPECT_EQ(deaths, 1);
     EXPECT_FALSE(pointer);
     EXPECT_EQ(pointer.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
+    EXPECT_THAT(recorded.places, ElementsAre("DynPtrInvalid"));
 }
 
 TEST(StrongPtr, ConstructionFromItselfIsReported) {
-    HeardReports heard;
+    RecordedReports recorded;
     alignas(StrongPtr<Thing>) unsigned char memory[sizeof(StrongPtr<Thing>)] = {};
     auto* const itself = reinterpret_cast<StrongPtr<Thing>*>(memory);
     const auto* made = new (memory) StrongPtr<Thing>(*itself);
@@ -155,9 +155,9 @@ TEST(StrongPtr, ConstructionFromItselfIsReported) {
     made = new (memory) StrongPtr<Thing>(std::move(*itself));
     EXPECT_FALSE(*made);
     made->~StrongPtr();
-    EXPECT_THAT(heard.places, ElementsAre("SelfConstruction", "SelfConstruction"));
+    EXPECT_THAT(recorded.places, ElementsAre("SelfConstruction", "SelfConstruction"));
     EXPECT_THAT(
-        heard.messages,
+        recorded.messages,
         testing::Each("a pointer to korl::test::Thing was constructed from itself; it holds nothing"));
 }
 
@@ -170,7 +170,7 @@ TEST(StrongPtr, CountIsNegativeWhileTheObjectIsDestroyed) {
 }
 
 TEST(StrongPtr, CountStaysNegativeHoweverManyPointersAreTaken) {
-    HeardReports heard;
+    RecordedReports recorded;
     std::vector<int> counts;
     const auto takeTwo = [&](Thing& dying) {
         const StrongPtr<Thing> late(&dying), later(&dying);
@@ -184,22 +184,23 @@ TEST(StrongPtr, CountStaysNegativeHoweverManyPointersAreTaken) {
     const std::vector<StrongPtr<Thing>> pointers(3, StrongPtr<Thing>(destroyed));
     Counted::destroy(destroyed);
     EXPECT_THAT(counts, ElementsAre(testing::Lt(0), testing::Lt(0)));
-    EXPECT_EQ(heard.places.size(), 8u); // two taken and released, each time
+    EXPECT_EQ(recorded.places.size(), 8u); // two taken and released, each time
 }
 
 TEST(StrongPtr, TakingOneDuringDestructionIsReported) {
-    HeardReports heard;
+    RecordedReports recorded;
     auto* const thing = new Thing;
     thing->at_death = [&](Thing& dying) { const StrongPtr<Thing> late(&dying); };
     { const StrongPtr<Thing> pointer(thing); }
-    EXPECT_THAT(heard.places,
+    EXPECT_THAT(recorded.places,
                 ElementsAre("WarningUnctionChange", "WarningUnctionChange")); // taken, and released
-    EXPECT_THAT(heard.messages, testing::Each("the reference count of korl::test::Thing changed while it is "
-                                              "being destroyed"));
+    EXPECT_THAT(recorded.messages,
+                testing::Each("the reference count of korl::test::Thing changed while it is "
+                              "being destroyed"));
 }
 
 TEST(StrongPtr, PointersThatGoAfterTheirObjectSayNothing) {
-    HeardReports heard;
+    RecordedReports recorded;
     {
         const StrongPtr<Thing> first(new Thing), second = first;
         const Tessan::ControlBlock& block = first->controlBlock();
@@ -209,12 +210,12 @@ TEST(StrongPtr, PointersThatGoAfterTheirObjectSayNothing) {
         EXPECT_FALSE(copy);
         EXPECT_EQ(block.strongCount(), count); // the copy holds nothing
     }
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
     Counted::destroy(nullptr); // nothing to destroy
 }
 
 TEST(StrongPtr, CancelledDestructionIsReported) {
-    HeardReports heard;
+    RecordedReports recorded;
     int deaths = 0;
     StrongPtr<Thing> rescuer;
     auto* const thing = new DerivedThing(&deaths);
@@ -222,8 +223,8 @@ TEST(StrongPtr, CancelledDestructionIsReported) {
     { const StrongPtr<Thing> pointer(thing); }
     EXPECT_EQ(deaths, 0);
     EXPECT_EQ(thing->controlBlock().strongCount(), 1);
-    EXPECT_THAT(heard.places, ElementsAre("DestructionCancelled"));
-    EXPECT_THAT(heard.messages,
+    EXPECT_THAT(recorded.places, ElementsAre("DestructionCancelled"));
+    EXPECT_THAT(recorded.messages,
                 ElementsAre("the destruction of korl::test::DerivedThing was cancelled, since a "
                             "new strong pointer holds it"));
 
@@ -233,13 +234,13 @@ TEST(StrongPtr, CancelledDestructionIsReported) {
 }
 
 TEST(StrongPtr, PointerThatComesAndGoesInTheHookCancelsNothing) {
-    HeardReports heard;
+    RecordedReports recorded;
     int deaths = 0;
     auto* const thing = new Thing(&deaths);
     thing->at_last_release = [](Thing& released) { const StrongPtr<Thing> passing(&released); };
     { const StrongPtr<Thing> pointer(thing); }
     EXPECT_EQ(deaths, 1);
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
 }
 
 TEST(StrongPtr, NeverDeletesAnObjectThatOwnsItself) {

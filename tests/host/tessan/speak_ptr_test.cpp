@@ -1,11 +1,11 @@
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
 
-using korl::test::HeardReports;
+using korl::test::RecordedReports;
 using Tessan::SpeakPtr;
 
 TEST(SpeakPtr, ReportsOnStandardErrorUnlessReplaced) {

@@ -1,5 +1,5 @@
 #include "tests/host/tessan/thing.hpp"
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <tessan/weak_ptr.hpp>
 
@@ -10,7 +10,7 @@
 namespace {
 
 using korl::test::DerivedThing;
-using korl::test::HeardReports;
+using korl::test::RecordedReports;
 using korl::test::Thing;
 using Tessan::ControlBlock;
 using Tessan::StrongPtr;
@@ -19,7 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(WeakPtr, SeesTheObjectGo) {
-    HeardReports heard;
+    RecordedReports recorded;
     StrongPtr<Thing> strong(new Thing);
     const WeakPtr<Thing> weak = strong;
     EXPECT_EQ(weak.operator->(), strong.get());
@@ -29,15 +29,16 @@ TEST(WeakPtr, SeesTheObjectGo) {
     EXPECT_FALSE(weak);
     EXPECT_EQ(weak.get(), nullptr);
     EXPECT_FALSE(weak.lock());
-    EXPECT_THAT(heard.places, IsEmpty()); // asking is no misuse
+    EXPECT_THAT(recorded.places, IsEmpty()); // asking is no misuse
     EXPECT_EQ(weak.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("InvalidWeakPtr"));
-    EXPECT_THAT(heard.messages, ElementsAre("a weak pointer to korl::test::Thing was dereferenced, but its "
-                                            "object is gone"));
+    EXPECT_THAT(recorded.places, ElementsAre("InvalidWeakPtr"));
+    EXPECT_THAT(recorded.messages,
+                ElementsAre("a weak pointer to korl::test::Thing was dereferenced, but its "
+                            "object is gone"));
 }
 
 TEST(WeakPtr, LooksAtNothingUnlessTold) {
-    HeardReports heard;
+    RecordedReports recorded;
     const WeakPtr<Thing> empty, null(nullptr), none(static_cast<Thing*>(nullptr)),
         of_nothing = StrongPtr<Thing>(), copy = empty;
     for (const WeakPtr<Thing>* const weak : {&empty, &null, &none, &of_nothing, &copy}) {
@@ -45,12 +46,12 @@ TEST(WeakPtr, LooksAtNothingUnlessTold) {
         EXPECT_EQ(weak->get(), nullptr);
         EXPECT_FALSE(weak->lock());
     }
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
     EXPECT_EQ(empty.operator->(), nullptr);
-    EXPECT_THAT(heard.places, ElementsAre("InvalidWeakPtr"));
+    EXPECT_THAT(recorded.places, ElementsAre("InvalidWeakPtr"));
     const WeakPtr<DerivedThing, Thing> derived;
     EXPECT_EQ(derived.operator->(), nullptr);
-    EXPECT_EQ(heard.messages.back(),
+    EXPECT_EQ(recorded.messages.back(),
               "a weak pointer to korl::test::DerivedThing was dereferenced, but its object is gone");
 }
 
@@ -142,25 +143,25 @@ TEST(WeakPtr, LockTakesAnObjectThatNobodyOwned) {
 }
 
 TEST(WeakPtr, DoesNotLockDuringDestruction) {
-    HeardReports heard;
+    RecordedReports recorded;
     bool locked = true;
     auto* const thing = new Thing;
     const WeakPtr<Thing> weak(thing);
     thing->at_death = [&](Thing&) { locked = static_cast<bool>(weak.lock()); };
     { const StrongPtr<Thing> pointer(thing); }
     EXPECT_FALSE(locked);
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
 }
 
 TEST(WeakPtr, ConstructionFromItselfIsReported) {
-    HeardReports heard;
+    RecordedReports recorded;
     alignas(WeakPtr<Thing>) unsigned char memory[sizeof(WeakPtr<Thing>)] = {};
     auto* const itself = reinterpret_cast<WeakPtr<Thing>*>(memory);
     const auto* const made = new (memory) WeakPtr<Thing>(*itself);
     EXPECT_FALSE(*made);
     made->~WeakPtr();
-    EXPECT_THAT(heard.places, ElementsAre("SelfConstruction"));
-    EXPECT_THAT(heard.messages,
+    EXPECT_THAT(recorded.places, ElementsAre("SelfConstruction"));
+    EXPECT_THAT(recorded.messages,
                 ElementsAre("a pointer to korl::test::Thing was constructed from itself; it holds nothing"));
 }
 

@@ -1,7 +1,7 @@
 // Each unit brings all that its own light needs: the order of the units, or what another one registers, does
 // not matter to it.
 
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <sorvik/creator.hpp>
 #include <sorvik/parameter.hpp>
@@ -30,7 +30,7 @@ class OneUnit : public testing::TestWithParam<std::string> {};
 
 TEST_P(OneUnit, RegistersWhatItsLightNeeds) {
     const std::string& type = GetParam();
-    const korl::test::HeardReports heard;
+    const korl::test::RecordedReports recorded;
     void* const module = dlopen((ONE_UNIT_FOLDER "/" + type + ".so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(module, nullptr) << dlerror();
     {
@@ -38,10 +38,10 @@ TEST_P(OneUnit, RegistersWhatItsLightNeeds) {
         ASSERT_NE(creator, nullptr);
         EXPECT_TRUE(creator->create("light"));
     }
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
     dlclose(module);
     EXPECT_EQ(VCreatorBase::find(type), nullptr);
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Module, OneUnit, testing::ValuesIn(unitNames()),

@@ -1,6 +1,6 @@
 #include "tests/support/captured_trace.hpp"
-#include "tests/support/heard_reports.hpp"
 #include "tests/support/loaded_module.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <orvid/physical_space.hpp>
 #include <orvid/rgba_float.hpp>
@@ -136,7 +136,7 @@ TEST(Module, EmptyNameBecomesTheCreatorsNameButNotInTheTrace) {
 }
 
 TEST(Module, UnloadingDeletesItsObjectsAndLeavesNoTrace) {
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     std::vector<StrongPtr<VObject>> survivors;
     {
         const LoadedModule module;
@@ -150,9 +150,9 @@ TEST(Module, UnloadingDeletesItsObjectsAndLeavesNoTrace) {
     EXPECT_TRUE(VCreatorBase::catalogue().empty());
     for (const auto& survivor : survivors)
         EXPECT_FALSE(survivor);
-    EXPECT_THAT(heard.places, IsEmpty());
+    EXPECT_THAT(recorded.places, IsEmpty());
     EXPECT_EQ(survivors[0].operator->(), nullptr); // using it is reported, not undefined
-    EXPECT_THAT(heard.places, ElementsAre("DynPtrInvalid"));
+    EXPECT_THAT(recorded.places, ElementsAre("DynPtrInvalid"));
 }
 
 TEST(Module, SlotsTornDownDuringUnloadGiveNoWarning) {

@@ -1,7 +1,7 @@
 // What others still hold of the module's objects when it is unloaded.
 
-#include "tests/support/heard_reports.hpp"
 #include "tests/support/loaded_module.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include <doltra/render_context.hpp>
 #include <doltra/renderable.hpp>
@@ -29,7 +29,7 @@ void illuminate(const StrongPtr<VObject>& light, VRenderContext& context) {
 }
 
 TEST(Unload, RenderContextsLetGoOfLightSourcesAndStates) {
-    korl::test::HeardReports heard;
+    korl::test::RecordedReports recorded;
     VRenderContext context(Tessan::makeStrong<ValuePool>()), other(Tessan::makeStrong<ValuePool>());
     std::vector<StrongPtr<VObject>> lights; // which the module's end deletes
     {
@@ -44,7 +44,7 @@ TEST(Unload, RenderContextsLetGoOfLightSourcesAndStates) {
     EXPECT_FALSE(LoadedModule::isInProcess());
     EXPECT_THAT(context.enabledLightSources(), IsEmpty());
     EXPECT_THAT(other.enabledLightSources(), IsEmpty());
-    EXPECT_THAT(heard.messages, IsEmpty());
+    EXPECT_THAT(recorded.messages, IsEmpty());
 }
 
 TEST(Unload, RenderContextsLetGoOfLightSourcesWhoseObjectsWentBefore) {
@@ -61,9 +61,9 @@ TEST(Unload, RenderContextsLetGoOfLightSourcesWhoseObjectsWentBefore) {
 }
 
 /// Lets go of what it holds when it is told, while the module is still there.
-struct LettingGo : korl::test::HeardReports {
+struct LettingGo : korl::test::RecordedReports {
     void printRS(const std::string& message, const char* place) override {
-        HeardReports::printRS(message, place);
+        RecordedReports::printRS(message, place);
         held.clear();
     }
     std::vector<StrongPtr<LightSource>> held;

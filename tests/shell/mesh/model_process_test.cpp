@@ -42,7 +42,7 @@ protected:
     std::vector<std::string> notesOf(const std::string& name) {
         const std::string prefix = "the model " + (my_folder / name).string() + ": ";
         std::vector<std::string> notes;
-        reading.tell = [&](const std::string& text) {
+        reading.warn = [&](const std::string& text) {
             EXPECT_TRUE(text.starts_with(prefix)) << text;
             notes.push_back(text.substr(std::min(prefix.size(), text.size())));
         };

@@ -80,12 +80,12 @@ TEST_F(OffscreenTargetGLTest, MultisamplingSmoothsAnEdge) {
         }
         return count;
     };
-    GLint most_samples = 0;
-    glGetIntegerv(GL_MAX_SAMPLES, &most_samples);
-    ASSERT_GE(most_samples, 4) << "every driver of OpenGL 3.0 must have four";
+    GLint max_samples = 0;
+    glGetIntegerv(GL_MAX_SAMPLES, &max_samples);
+    ASSERT_GE(max_samples, 4) << "every driver of OpenGL 3.0 must have four";
     EXPECT_GE(OffscreenTarget(8, 8, 4).samples(), 4);
     EXPECT_EQ(OffscreenTarget(8, 8, 1).samples(), 1);
-    EXPECT_LE(OffscreenTarget(8, 8, 1000).samples(), std::max(1, most_samples));
+    EXPECT_LE(OffscreenTarget(8, 8, 1000).samples(), std::max(1, max_samples));
     EXPECT_GT(grey_levels(4), 8);
     EXPECT_EQ(grey_levels(1), 0);
 }
@@ -180,7 +180,7 @@ TEST_F(OffscreenTargetGLTest, RoomOfTheWrongSizeOrTypeIsAnError) {
         }
         return "no error";
     };
-    const std::string start = "a picture of 2 x 3 pixels has 24 byte values, but room was given for ";
+    const std::string start = "a picture of 2 x 3 pixels has 24 byte values, but the buffer holds ";
     std::vector<std::uint8_t> bytes(25);
     std::vector<float> floats(24);
     EXPECT_EQ(errorOfReading(std::span(bytes)), start + "25 byte values.");

@@ -1,5 +1,5 @@
 #include "tests/support/flat_scene.hpp"
-#include "tests/support/heard_reports.hpp"
+#include "tests/support/recorded_reports.hpp"
 
 #include "shell/base/error.hpp"
 #include "shell/catalogue/value_kind.hpp"

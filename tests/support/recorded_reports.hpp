@@ -9,10 +9,10 @@
 namespace korl::test {
 
 /// Hears the pointer diagnostics instead of having them printed, as long as it lives.
-class HeardReports : public Tessan::SpeakPtr {
+class RecordedReports : public Tessan::SpeakPtr {
 public:
-    HeardReports() : my_former(replaceSpeaker(this)) {}
-    ~HeardReports() override { replaceSpeaker(my_former); }
+    RecordedReports() : my_former(replaceSpeaker(this)) {}
+    ~RecordedReports() override { replaceSpeaker(my_former); }
 
     void printRS(const std::string& message, const char* place) override {
         places.emplace_back(place);

@@ -11,7 +11,7 @@ namespace korl {
 
 /// What a scene file holds for modules that are not loaded. None of it shows in pictures; it is kept as it
 /// stands, so that it is there again when the scene is written.
-class ForeignParts {
+class UnresolvedObjects {
 public:
     /// An object of a type that no loaded module has.
     struct Object {

@@ -1,4 +1,4 @@
-#include "shell/explain/light_judgement.hpp"
+#include "shell/explain/light_diagnosis.hpp"
 
 #include "shell/base/error.hpp"
 #include "shell/explain/number_text.hpp"
@@ -32,7 +32,7 @@ float largestComponent(const glm::vec3& value) {
 }
 
 /// What the samples of a light at the judged places have in common.
-struct Tally {
+struct LightStats {
     std::size_t finite = 0;         ///< places where all that it gives is finite
     std::size_t faced = 0;          ///< places of which it faces the front
     float intensity = 0;            ///< the largest component of all
@@ -46,47 +46,47 @@ struct Tally {
     bool is_parallel = true;  ///< all directed samples have the same one
 };
 
-Tally tallyOf(const LightParts& parts, std::span<const SurfacePoint> points) {
-    Tally tally;
+LightStats statsOf(const LightParts& parts, std::span<const SurfacePoint> points) {
+    LightStats stats;
     float most = -std::numeric_limits<float>::infinity();
     for (std::size_t place = 0; place < points.size(); ++place) {
         const bool is_finite =
             std::all_of(parts.begin(), parts.end(), [&](const auto& part) { return part[place].isFinite(); });
         if (!is_finite)
             continue;
-        ++tally.finite;
+        ++stats.finite;
         bool is_faced = false;
         for (std::size_t part = 0; part < parts.size(); ++part) {
             const LightSample& light = parts[part][place];
             const float strength = largestComponent(light.intensity);
             if (strength > most) {
                 most = strength;
-                tally.brightest_part = part;
-                tally.brightest_place = place;
+                stats.brightest_part = part;
+                stats.brightest_place = place;
             }
-            tally.intensity = std::max(tally.intensity, strength);
-            tally.lowest = std::min({tally.lowest, light.intensity.x, light.intensity.y, light.intensity.z});
-            tally.specular = std::max(tally.specular, largestComponent(light.specular_intensity));
+            stats.intensity = std::max(stats.intensity, strength);
+            stats.lowest = std::min({stats.lowest, light.intensity.x, light.intensity.y, light.intensity.z});
+            stats.specular = std::max(stats.specular, largestComponent(light.specular_intensity));
             const bool gives_any =
                 light.intensity != glm::vec3(0) || light.specular_intensity != glm::vec3(0);
             if (!gives_any)
                 continue;
             const float cosine = cosineOfIncidence(points[place], light);
             is_faced = is_faced || cosine > 0;
-            tally.cosine = std::max(tally.cosine, cosine);
+            stats.cosine = std::max(stats.cosine, cosine);
             if (light.incidence == glm::vec3(0)) {
-                tally.is_parallel = false;
+                stats.is_parallel = false;
                 continue;
             }
             const glm::vec3 travel = glm::normalize(light.incidence);
-            if (!tally.is_directed)
-                tally.travel = travel;
-            tally.is_directed = true;
-            tally.is_parallel = tally.is_parallel && glm::distance(tally.travel, travel) < 1e-4f;
+            if (!stats.is_directed)
+                stats.travel = travel;
+            stats.is_directed = true;
+            stats.is_parallel = stats.is_parallel && glm::distance(stats.travel, travel) < 1e-4f;
         }
-        tally.faced += is_faced ? 1 : 0;
+        stats.faced += is_faced ? 1 : 0;
     }
-    return tally;
+    return stats;
 }
 
 /// Where a light has all of its strength, found by going from a point against its direction.
@@ -98,7 +98,7 @@ struct Source {
 /// Tries distances that double from a fraction of the scene's size on, then looks closer between the
 /// neighbours of the best one. No more is taken for granted than that the intensity rises on the way to the
 /// source.
-Source findSource(const LightSampler& sample, std::size_t part, const glm::vec3& from,
+Source findSource(const SampleFunction& sample, std::size_t part, const glm::vec3& from,
                   const glm::vec3& travel, float size) {
     std::vector<float> distances{0};
     for (int doublings = -10; doublings <= 30; ++doublings)
@@ -129,13 +129,13 @@ Source findSource(const LightSampler& sample, std::size_t part, const glm::vec3&
     return best;
 }
 
-void addNotFinite(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
-    const std::size_t total = places.points.size(), bad = total - tally.finite;
+void addNotFinite(LightExplanation& light, const LightStats& stats, const SamplePoints& samples) {
+    const std::size_t total = samples.points.size(), bad = total - stats.finite;
     if (bad == 0)
         return;
-    const std::string where = places.is_pixel ? "at the pixel"
-                              : bad == total  ? "everywhere on the meshes"
-                                              : "at " + std::to_string(bad) + " of " + std::to_string(total) +
+    const std::string where = samples.is_pixel ? "at the pixel"
+                              : bad == total   ? "everywhere on the meshes"
+                                             : "at " + std::to_string(bad) + " of " + std::to_string(total) +
                                                    " places on the meshes";
     light.findings.push_back({FindingKind::not_finite,
                               "gives numbers that are not finite " + where + ", and so adds nothing there",
@@ -143,33 +143,33 @@ void addNotFinite(LightExplanation& light, const Tally& tally, const JudgedPlace
 }
 
 /// What there is to say of a light's strength. @returns whether there is any that could fall on a surface.
-bool addStrength(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
-    const std::string at = places.is_pixel ? "the pixel" : "the meshes";
-    if (tally.lowest < 0)
+bool addStrength(LightExplanation& light, const LightStats& stats, const SamplePoints& samples) {
+    const std::string at = samples.is_pixel ? "the pixel" : "the meshes";
+    if (stats.lowest < 0)
         light.findings.push_back(
             {FindingKind::negative_intensity,
-             "takes light away: its intensity is " + numberText(tally.lowest) + " at " + at});
+             "takes light away: its intensity is " + numberText(stats.lowest) + " at " + at});
     const bool is_far = light.attenuation && *light.attenuation < low_attenuation;
-    if (is_far && tally.intensity < weak_intensity)
+    if (is_far && stats.intensity < weak_intensity)
         light.findings.push_back(
             {FindingKind::too_far, "is too far away: at a distance of " + numberText(*light.distance) +
                                        " its light is down to " + numberText(*light.attenuation) +
-                                       " of its strength, an intensity of " + numberText(tally.intensity)});
-    else if (tally.intensity == 0 && tally.lowest == 0)
+                                       " of its strength, an intensity of " + numberText(stats.intensity)});
+    else if (stats.intensity == 0 && stats.lowest == 0)
         light.findings.push_back(
             {FindingKind::zero_intensity, std::string("has zero intensity") +
-                                              (tally.specular > 0 ? "; only its highlights have any" : "")});
-    else if (tally.intensity < weak_intensity && tally.lowest == 0)
+                                              (stats.specular > 0 ? "; only its highlights have any" : "")});
+    else if (stats.intensity < weak_intensity && stats.lowest == 0)
         light.findings.push_back({FindingKind::weak, "is weak: its intensity is at most " +
-                                                         numberText(tally.intensity) + " at " + at});
-    return tally.intensity > 0;
+                                                         numberText(stats.intensity) + " at " + at});
+    return stats.intensity > 0;
 }
 
-void addDirection(LightExplanation& light, const Tally& tally, const JudgedPlaces& places) {
+void addDirection(LightExplanation& light, const LightStats& stats, const SamplePoints& samples) {
     const float lit = *light.lit_share;
-    if (tally.is_directed && tally.is_parallel && tally.travel.z > 0) {
+    if (stats.is_directed && stats.is_parallel && stats.travel.z > 0) {
         const std::string angle =
-            numberText(glm::degrees(std::asin(std::min(tally.travel.z, 1.0f)))) + " degrees";
+            numberText(glm::degrees(std::asin(std::min(stats.travel.z, 1.0f)))) + " degrees";
         light.findings.push_back(
             {FindingKind::below_horizon,
              light.type == "Sun" ? "is " + angle + " below the horizon, from where the sun shines upwards"
@@ -177,54 +177,54 @@ void addDirection(LightExplanation& light, const Tally& tally, const JudgedPlace
              lit < mostly_lit});
     }
     if (lit < hardly_lit) {
-        const std::string what = places.is_pixel ? "the surface at the pixel"
-                                 : lit == 0      ? "all that is seen of the meshes"
-                                                 : numberText(100 * (1 - lit)) + " % of what is seen";
+        const std::string what = samples.is_pixel ? "the surface at the pixel"
+                                 : lit == 0       ? "all that is seen of the meshes"
+                                                  : numberText(100 * (1 - lit)) + " % of what is seen";
         light.findings.push_back(
             {FindingKind::facing_away, "faces away from " + what + ": it falls on the back of the surface"});
-    } else if (tally.cosine < grazing_cosine) {
+    } else if (stats.cosine < grazing_cosine) {
         light.findings.push_back(
             {FindingKind::grazing, "only grazes " +
-                                       std::string(places.is_pixel ? "the surface at the pixel"
-                                                                   : "all that is seen of the meshes") +
-                                       ", at most " + numberText(glm::degrees(std::asin(tally.cosine))) +
+                                       std::string(samples.is_pixel ? "the surface at the pixel"
+                                                                    : "all that is seen of the meshes") +
+                                       ", at most " + numberText(glm::degrees(std::asin(stats.cosine))) +
                                        " degrees from the surface"});
     }
 }
 
 } // namespace
 
-void judgeLight(LightExplanation& light, const LightSampler& sample, const JudgedPlaces& places) {
-    if (places.points.empty())
+void diagnoseLight(LightExplanation& light, const SampleFunction& sample, const SamplePoints& samples) {
+    if (samples.points.empty())
         return;
     std::vector<glm::vec3> positions;
-    for (const SurfacePoint& point : places.points)
+    for (const SurfacePoint& point : samples.points)
         positions.push_back(point.position);
     try {
         const LightParts parts = sample(positions);
-        const Tally tally = tallyOf(parts, places.points);
-        if (places.is_pixel) {
+        const LightStats stats = statsOf(parts, samples.points);
+        if (samples.is_pixel) {
             light.contribution.emplace();
             for (const auto& part : parts)
-                *light.contribution += reflect(places.points.front(), part.front(), places.eye);
+                *light.contribution += reflect(samples.points.front(), part.front(), samples.eye);
         }
-        addNotFinite(light, tally, places);
-        if (tally.finite == 0 || parts.empty())
+        addNotFinite(light, stats, samples);
+        if (stats.finite == 0 || parts.empty())
             return;
-        light.intensity = tally.intensity;
-        light.lit_share = static_cast<float>(tally.faced) / static_cast<float>(tally.finite);
-        const glm::vec3 incidence = parts[tally.brightest_part][tally.brightest_place].incidence;
+        light.intensity = stats.intensity;
+        light.lit_share = static_cast<float>(stats.faced) / static_cast<float>(stats.finite);
+        const glm::vec3 incidence = parts[stats.brightest_part][stats.brightest_place].incidence;
         if (incidence != glm::vec3(0)) {
-            const Source source = findSource(sample, tally.brightest_part, positions[tally.brightest_place],
-                                             glm::normalize(incidence), places.size);
+            const Source source = findSource(sample, stats.brightest_part, positions[stats.brightest_place],
+                                             glm::normalize(incidence), samples.size);
             // A light that is as strong here as anywhere has no place from which it weakens.
-            if (source.strength > 1.001f * std::max(tally.intensity, 0.0f)) {
-                light.attenuation = std::max(tally.intensity, 0.0f) / source.strength;
+            if (source.strength > 1.001f * std::max(stats.intensity, 0.0f)) {
+                light.attenuation = std::max(stats.intensity, 0.0f) / source.strength;
                 light.distance = source.distance;
             }
         }
-        if (addStrength(light, tally, places))
-            addDirection(light, tally, places);
+        if (addStrength(light, stats, samples))
+            addDirection(light, stats, samples);
     } catch (const Error& error) {
         light.findings.push_back({FindingKind::shader_failed,
                                   std::string("has a shader that the driver refuses: ") + error.what()});

@@ -1,4 +1,4 @@
-#include "shell/render/light_probe.hpp"
+#include "shell/render/light_sampler.hpp"
 
 #include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
@@ -19,8 +19,8 @@ using Qelt::RenderNamespace::LightSource;
 namespace {
 
 constexpr int target_width = 512;
-constexpr int most_rows = 512;
-constexpr std::size_t most_probes = 256;
+constexpr int max_rows = 512;
+constexpr std::size_t max_programs = 256;
 
 /// Of the target, for so many points.
 int rowsOf(int points) {
@@ -31,7 +31,7 @@ bool areFinite(const glm::vec3& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
 
-/// Keeps framebuffer and state, sets what the probe needs, and brings them back.
+/// Keeps framebuffer and state, sets what the sampler needs, and brings them back.
 class ProbeState {
 public:
     explicit ProbeState(const DrawingState& drawing) {
@@ -56,7 +56,7 @@ private:
     GLint my_draw_framebuffer = 0, my_read_framebuffer = 0;
 };
 
-/// The three outputs of the probe for pixels of the target, row by row.
+/// The three outputs of the sampler for pixels of the target, row by row.
 void readSamples(std::span<LightSample> samples) {
     const int rows = rowsOf(static_cast<int>(samples.size()));
     std::vector<glm::vec4> output(static_cast<std::size_t>(target_width) * static_cast<std::size_t>(rows));
@@ -77,8 +77,8 @@ bool LightSample::isFinite() const {
     return areFinite(incidence) && areFinite(intensity) && areFinite(specular_intensity);
 }
 
-std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
-                                            std::span<const glm::vec3> points, const glm::vec3& eye) {
+std::vector<LightSample> LightSampler::sample(const LightSource& source, const std::string& light_name,
+                                              std::span<const glm::vec3> points, const glm::vec3& eye) {
     const Buffer buffer;
     glBindBuffer(GL_TEXTURE_BUFFER, buffer.name());
     glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(points.size_bytes()), points.data(),
@@ -87,8 +87,8 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     return sample(source, light_name, buffer, static_cast<int>(points.size()), eye);
 }
 
-std::vector<LightSample> LightProbe::sample(const LightSource& source, const std::string& light_name,
-                                            const Buffer& points, int count, const glm::vec3& eye) {
+std::vector<LightSample> LightSampler::sample(const LightSource& source, const std::string& light_name,
+                                              const Buffer& points, int count, const glm::vec3& eye) {
     std::vector<LightSample> samples(static_cast<std::size_t>(count));
     if (samples.empty())
         return samples;
@@ -98,16 +98,17 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     if (!my_drawing_state)
         my_drawing_state.emplace();
     const ProbeState state(*my_drawing_state);
-    const Probe& probe = probeFor(source, light_name);
+    const SnippetProgram& snippet_program = programFor(source, light_name);
     bindTarget(count);
-    glUseProgram(probe.program.name());
-    glUniform3fv(probe.program.uniformLocation("korl_eye"), 1, glm::value_ptr(eye));
-    glUniform1i(probe.program.uniformLocation("korl_target_width"), target_width);
-    glUniform1i(probe.program.uniformLocation("korl_points"), 0);
-    for (const Declared& uniform : probe.declared) // another light may have left its values there
+    glUseProgram(snippet_program.program.name());
+    glUniform3fv(snippet_program.program.uniformLocation("korl_eye"), 1, glm::value_ptr(eye));
+    glUniform1i(snippet_program.program.uniformLocation("korl_target_width"), target_width);
+    glUniform1i(snippet_program.program.uniformLocation("korl_points"), 0);
+    for (const Declared& uniform : snippet_program.declared) // another light may have left its values there
         uploadFloats(uniform.location, {uniform.size, uniform.value});
     for (const auto& [name, value] : source.uniforms())
-        uploadUniform(probe.program.uniformLocation(applySuffix(name, probe.suffix)), value);
+        uploadUniform(snippet_program.program.uniformLocation(applySuffix(name, snippet_program.suffix)),
+                      value);
     if (glGetError() != GL_NO_ERROR)
         throw Error("light " + inQuotes(light_name) +
                     ": one of its uniforms has a value of another type than its snippet declares");
@@ -118,10 +119,10 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_BUFFER, texels.name());
     glTexBuffer(GL_TEXTURE_BUFFER, GL_R32F, points.name());
-    const int room = target_width * my_target->rows;
-    for (int first = 0; first < count; first += room) {
-        const int drawn = std::min(room, count - first);
-        glUniform1i(probe.program.uniformLocation("korl_first_point"), first);
+    const int capacity = target_width * my_target->rows;
+    for (int first = 0; first < count; first += capacity) {
+        const int drawn = std::min(capacity, count - first);
+        glUniform1i(snippet_program.program.uniformLocation("korl_first_point"), first);
         glViewport(0, 0, target_width, rowsOf(drawn));
         glDrawArrays(GL_TRIANGLES, 0, 3);
         readSamples(
@@ -130,40 +131,43 @@ std::vector<LightSample> LightProbe::sample(const LightSource& source, const std
     return samples;
 }
 
-int LightProbe::mostPoints() {
-    GLint most_texels = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most_texels);
-    return most_texels / 3; // a texel for each coordinate
+int LightSampler::mostPoints() {
+    GLint max_texels = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &max_texels);
+    return max_texels / 3; // a texel for each coordinate
 }
 
-std::array<float, 4> LightProbe::declaredValue(const LightSource& source, const std::string& light_name,
-                                               const std::string& uniform) {
-    const auto& declared = probeFor(source, light_name).declared;
+std::array<float, 4> LightSampler::declaredValue(const LightSource& source, const std::string& light_name,
+                                                 const std::string& uniform) {
+    const auto& declared = programFor(source, light_name).declared;
     const auto found = std::find_if(declared.begin(), declared.end(),
                                     [&](const Declared& each) { return each.name == uniform; });
     return found == declared.end() ? std::array<float, 4>{} : found->value;
 }
 
-LightProbe::Probe& LightProbe::probeFor(const LightSource& source, const std::string& light_name) {
+LightSampler::SnippetProgram& LightSampler::programFor(const LightSource& source,
+                                                       const std::string& light_name) {
     const std::string snippet = snippetOf(source, light_name);
-    if (const auto known = my_probes.find(snippet); known != my_probes.end())
+    if (const auto known = my_programs.find(snippet); known != my_programs.end())
         return known->second;
     const AssembledShader shader = assembleProbe({light_name, snippet});
-    Probe probe{buildLightingProgram(shader), shader.sections.front().suffix, {}};
+    SnippetProgram snippet_program{buildLightingProgram(shader), shader.sections.front().suffix, {}};
     for (const UniformDeclaration& uniform :
          floatUniforms(snippet).value_or(std::vector<UniformDeclaration>())) {
-        const GLint location = probe.program.uniformLocation(applySuffix(uniform.name, probe.suffix));
-        Declared& declared = probe.declared.emplace_back(Declared{uniform.name, location, uniform.size, {}});
+        const GLint location =
+            snippet_program.program.uniformLocation(applySuffix(uniform.name, snippet_program.suffix));
+        Declared& declared =
+            snippet_program.declared.emplace_back(Declared{uniform.name, location, uniform.size, {}});
         if (location >= 0)
-            glGetUniformfv(probe.program.name(), location, declared.value.data());
+            glGetUniformfv(snippet_program.program.name(), location, declared.value.data());
     }
-    if (my_probes.size() >= most_probes)
-        my_probes.clear();
-    return my_probes.emplace(snippet, std::move(probe)).first->second;
+    if (my_programs.size() >= max_programs)
+        my_programs.clear();
+    return my_programs.emplace(snippet, std::move(snippet_program)).first->second;
 }
 
-void LightProbe::bindTarget(int count) {
-    const int rows = std::min(most_rows, rowsOf(count));
+void LightSampler::bindTarget(int count) {
+    const int rows = std::min(max_rows, rowsOf(count));
     if (!my_target || my_target->rows < rows) {
         my_target = std::make_unique<Target>();
         my_target->rows = rows;

@@ -1,4 +1,4 @@
-#include "shell/explain/surface_map.hpp"
+#include "shell/explain/g_buffer.hpp"
 
 #include "shell/render/gl_error.hpp"
 #include "shell/render/gl_state.hpp"
@@ -49,7 +49,7 @@ enum Output : int { positions, normals, colors };
 
 } // namespace
 
-SurfaceMap::SurfaceMap(Meshes meshes, const Viewpoint& viewpoint, int width, int height)
+GBuffer::GBuffer(Meshes meshes, const Viewpoint& viewpoint, int width, int height)
     : my_width(width), my_height(height) {
     const Program program = buildLightingProgram({vertex_text, fragment_text, {}});
     const OffscreenTarget target(width, height, 1, OffscreenTarget::Format::RGBA32F);
@@ -82,12 +82,12 @@ SurfaceMap::SurfaceMap(Meshes meshes, const Viewpoint& viewpoint, int width, int
         my_covered += my_positions[i] > 0 ? 1 : 0;
 }
 
-std::optional<SurfacePoint> SurfaceMap::at(int x, int y) const {
+std::optional<SurfacePoint> GBuffer::at(int x, int y) const {
     return pointOf(static_cast<std::size_t>(y) * static_cast<std::size_t>(my_width) +
                    static_cast<std::size_t>(x));
 }
 
-std::optional<SurfacePoint> SurfaceMap::pointOf(std::size_t pixel) const {
+std::optional<SurfacePoint> GBuffer::pointOf(std::size_t pixel) const {
     const std::size_t at = 4 * pixel;
     const float mark = my_positions[at + 3];
     if (!(mark > 0))
@@ -99,7 +99,7 @@ std::optional<SurfacePoint> SurfaceMap::pointOf(std::size_t pixel) const {
                         static_cast<std::size_t>(mark) - 1};
 }
 
-std::vector<SurfacePoint> SurfaceMap::spread(std::size_t most) const {
+std::vector<SurfacePoint> GBuffer::spread(std::size_t most) const {
     std::vector<SurfacePoint> points;
     const std::size_t step = most == 0 ? my_covered + 1 : (my_covered + most - 1) / most;
     std::size_t seen = 0;

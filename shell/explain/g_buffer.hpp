@@ -22,13 +22,13 @@ struct SurfacePoint {
 };
 
 /// What is seen of the meshes in each pixel of a picture, at the pixel's centre.
-class SurfaceMap {
+class GBuffer {
 public:
     using Meshes = std::span<const std::shared_ptr<const Mesh>>;
 
     /// Has the driver find the places, with the same rasterisation as the picture's. A context must be
     /// current; its framebuffer and viewport are changed. Throws Error for a size that the driver can't draw.
-    SurfaceMap(Meshes meshes, const Viewpoint& viewpoint, int width, int height);
+    GBuffer(Meshes meshes, const Viewpoint& viewpoint, int width, int height);
 
     int width() const noexcept { return my_width; }
     int height() const noexcept { return my_height; }

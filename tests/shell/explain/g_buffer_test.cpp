@@ -1,4 +1,4 @@
-#include "shell/explain/surface_map.hpp"
+#include "shell/explain/g_buffer.hpp"
 
 #include "tests/support/gl_test.hpp"
 
@@ -7,8 +7,8 @@
 
 namespace {
 
+using korl::GBuffer;
 using korl::Mesh;
-using korl::SurfaceMap;
 using korl::SurfacePoint;
 using korl::Viewpoint;
 
@@ -28,17 +28,17 @@ const Viewpoint from_above{glm::lookAt(glm::vec3(0, 0, 5), glm::vec3(0), glm::ve
                            glm::ortho(-2.0f, 2.0f, -2.0f, 2.0f, 1.0f, 10.0f),
                            {0, 0, 5}};
 
-class SurfaceMapGLTest : public korl::test::GLTest {
+class GBufferGLTest : public korl::test::GLTest {
 protected:
     const std::vector<std::shared_ptr<const Mesh>> meshes{square({0, 0, 0}, {1, 0, 0}),
                                                           square({1, 1, 1}, {0, 0.5f, 0})};
-    const SurfaceMap map = [this] {
+    const GBuffer map = [this] {
         context().makeCurrent();
-        return SurfaceMap(meshes, from_above, 8, 8); // two pixels for a unit
+        return GBuffer(meshes, from_above, 8, 8); // two pixels for a unit
     }();
 };
 
-TEST_F(SurfaceMapGLTest, FindsTheNearestSurfaceAtThePixelsCentre) {
+TEST_F(GBufferGLTest, FindsTheNearestSurfaceAtThePixelsCentre) {
     const auto lower = map.at(2, 5); // x from -1 to -0.5, y from -1 to -0.5
     ASSERT_TRUE(lower);
     EXPECT_NEAR(lower->position.x, -0.75, 1e-5);
@@ -54,12 +54,12 @@ TEST_F(SurfaceMapGLTest, FindsTheNearestSurfaceAtThePixelsCentre) {
     EXPECT_EQ(upper->mesh, 1u);
 }
 
-TEST_F(SurfaceMapGLTest, FindsNothingBesideTheMeshes) {
+TEST_F(GBufferGLTest, FindsNothingBesideTheMeshes) {
     EXPECT_FALSE(map.at(0, 7));
     EXPECT_EQ(map.covered(), 16u + 16u - 4u);
 }
 
-TEST_F(SurfaceMapGLTest, SpreadsPlacesOverAllThatIsSeen) {
+TEST_F(GBufferGLTest, SpreadsPlacesOverAllThatIsSeen) {
     EXPECT_EQ(map.spread(1000).size(), 28u);
     const std::vector<SurfacePoint> few = map.spread(10);
     EXPECT_EQ(few.size(), 10u);
@@ -67,8 +67,8 @@ TEST_F(SurfaceMapGLTest, SpreadsPlacesOverAllThatIsSeen) {
     EXPECT_EQ(few.back().mesh, 0u);
 }
 
-TEST_F(SurfaceMapGLTest, OfNoMeshesIsEmpty) {
-    const SurfaceMap empty({}, from_above, 4, 3);
+TEST_F(GBufferGLTest, OfNoMeshesIsEmpty) {
+    const GBuffer empty({}, from_above, 4, 3);
     EXPECT_EQ(empty.covered(), 0u);
     EXPECT_TRUE(empty.spread(10).empty());
 }

@@ -29,7 +29,7 @@ struct LightSample {
 /// context must be current. What glPushAttrib keeps of its state is left as it was, and so are its
 /// framebuffers. No program, vertex array or buffer texture stays bound, and pixels are read as
 /// `setReadingState` says.
-class LightProbe {
+class LightSampler {
 public:
     /// What a light source gives at points in scene space.
     /// @param light_name by which errors speak of the light.
@@ -66,16 +66,17 @@ private:
         int size;
         std::array<float, 4> value;
     };
-    struct Probe {
+    struct SnippetProgram {
         Program program;
         std::string suffix;
         std::vector<Declared> declared;
     };
 
-    Probe& probeFor(const Qelt::RenderNamespace::LightSource& source, const std::string& light_name);
+    SnippetProgram& programFor(const Qelt::RenderNamespace::LightSource& source,
+                               const std::string& light_name);
     void bindTarget(int count);
 
-    std::map<std::string, Probe, std::less<>> my_probes; ///< by the snippet
+    std::map<std::string, SnippetProgram, std::less<>> my_programs; ///< by the snippet
     std::unique_ptr<Target> my_target;
     std::optional<DrawingState> my_drawing_state; ///< once a context was there to ask
 };

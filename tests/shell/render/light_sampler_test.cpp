@@ -2,7 +2,7 @@
 #include "tests/support/gl_test.hpp"
 
 #include "shell/base/error.hpp"
-#include "shell/render/light_probe.hpp"
+#include "shell/render/light_sampler.hpp"
 #include "shell/render/offscreen_target.hpp"
 
 #include <doltra/uniform_map.hpp>
@@ -12,8 +12,8 @@
 
 namespace {
 
-using korl::LightProbe;
 using korl::LightSample;
+using korl::LightSampler;
 using Qelt::RenderNamespace::LightSource;
 using Qelt::RenderNamespace::writeUniform;
 
@@ -30,22 +30,22 @@ private:
 constexpr const char* head =
     "void getLight_$$(in vec3 vertex, out vec3 incidence, out vec3 intensity, out vec3 specular)\n";
 
-class LightProbeGLTest : public korl::test::GLTest {
+class LightSamplerGLTest : public korl::test::GLTest {
 protected:
     LightSample at(const LightSource& source, const glm::vec3& point, const glm::vec3& eye = {0, 0, 9}) {
-        return probe.sample(source, "light", std::span(&point, 1), eye).front();
+        return sampler.sample(source, "light", std::span(&point, 1), eye).front();
     }
 
-    LightProbe probe;
+    LightSampler sampler;
 };
 
-TEST_F(LightProbeGLTest, GivesAllThreeResultsAtEachPoint) {
+TEST_F(LightSamplerGLTest, GivesAllThreeResultsAtEachPoint) {
     const TextSource source(std::string(head) +
                             "{ incidence = vertex; intensity = vertex * -1000.0; specular = vertex.zyx; }");
     std::vector<glm::vec3> points;
     for (int i = 0; i < 300000; ++i) // more than one target holds
         points.emplace_back(static_cast<float>(i), static_cast<float>(-i) / 7, 0.25f);
-    const std::vector<LightSample> samples = probe.sample(source, "light", points, {0, 0, 0});
+    const std::vector<LightSample> samples = sampler.sample(source, "light", points, {0, 0, 0});
     ASSERT_EQ(samples.size(), points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
         ASSERT_EQ(samples[i].incidence, points[i]) << i;
@@ -54,18 +54,18 @@ TEST_F(LightProbeGLTest, GivesAllThreeResultsAtEachPoint) {
     }
 }
 
-TEST_F(LightProbeGLTest, OfNoPointsGivesNothing) {
-    EXPECT_TRUE(probe.sample(TextSource("no GLSL"), "light", std::span<const glm::vec3>(), {}).empty());
+TEST_F(LightSamplerGLTest, OfNoPointsGivesNothing) {
+    EXPECT_TRUE(sampler.sample(TextSource("no GLSL"), "light", std::span<const glm::vec3>(), {}).empty());
 }
 
-TEST_F(LightProbeGLTest, KnowsTheDirectionOfView) {
+TEST_F(LightSamplerGLTest, KnowsTheDirectionOfView) {
     const TextSource source("#pragma import \"getViewDir\"\n" + std::string(head) +
                             "{ incidence = getViewDir(); intensity = specular = vec3(1); }");
     EXPECT_EQ(at(source, {0, 0, 1}, {0, 0, 9}).incidence, glm::vec3(0, 0, -1));
     EXPECT_EQ(at(source, {5, 0, 1}, {1, 0, 1}).incidence, glm::vec3(1, 0, 0));
 }
 
-TEST_F(LightProbeGLTest, TakesTheUniformsOfEachSourceAndElseTheDeclaredValues) {
+TEST_F(LightSamplerGLTest, TakesTheUniformsOfEachSourceAndElseTheDeclaredValues) {
     const std::string snippet = "uniform vec2 Pair$$ = vec2(2.0, 3.0);\nuniform float S$$ = 0.5;\n" +
                                 std::string(head) +
                                 "{ incidence = vec3(0); intensity = vec3(Pair$$, S$$); specular = vec3(0); }";
@@ -77,12 +77,12 @@ TEST_F(LightProbeGLTest, TakesTheUniformsOfEachSourceAndElseTheDeclaredValues) {
         EXPECT_EQ(at(set, {}).intensity, glm::vec3(7, 8, 9));
         EXPECT_EQ(at(unset, {}).intensity, glm::vec3(2, 3, 0.5f)) << "round " << round;
     }
-    EXPECT_EQ(probe.declaredValue(set, "light", "Pair$$"), (std::array<float, 4>{2, 3, 0, 0}));
-    EXPECT_EQ(probe.declaredValue(set, "light", "S$$"), (std::array<float, 4>{0.5f, 0, 0, 0}));
-    EXPECT_EQ(probe.declaredValue(set, "light", "Unknown$$"), (std::array<float, 4>{}));
+    EXPECT_EQ(sampler.declaredValue(set, "light", "Pair$$"), (std::array<float, 4>{2, 3, 0, 0}));
+    EXPECT_EQ(sampler.declaredValue(set, "light", "S$$"), (std::array<float, 4>{0.5f, 0, 0, 0}));
+    EXPECT_EQ(sampler.declaredValue(set, "light", "Unknown$$"), (std::array<float, 4>{}));
 }
 
-TEST_F(LightProbeGLTest, KeepsWhatIsNotFinite) {
+TEST_F(LightSamplerGLTest, KeepsWhatIsNotFinite) {
     TextSource source("uniform vec3 Odd$$;\n" + std::string(head) +
                       "{ incidence = Odd$$; intensity = specular = vec3(1); }");
     writeUniform(source.uniforms(), "Odd$$", Orvid::FixedArray<float, 3>{{NAN, INFINITY, -INFINITY}});
@@ -96,7 +96,7 @@ TEST_F(LightProbeGLTest, KeepsWhatIsNotFinite) {
     EXPECT_FALSE((LightSample{{1, 2, 3}, {4, 5, 6}, {7, 8, INFINITY}}.isFinite()));
 }
 
-TEST_F(LightProbeGLTest, LeavesTargetViewportAndTestsAsTheyWere) {
+TEST_F(LightSamplerGLTest, LeavesTargetViewportAndTestsAsTheyWere) {
     const korl::OffscreenTarget target(20, 10);
     target.bind();
     glEnable(GL_DEPTH_TEST);
@@ -117,7 +117,7 @@ TEST_F(LightProbeGLTest, LeavesTargetViewportAndTestsAsTheyWere) {
     glDisable(GL_SCISSOR_TEST);
 }
 
-TEST_F(LightProbeGLTest, NamesTheLightThatTheDriverRefuses) {
+TEST_F(LightSamplerGLTest, NamesTheLightThatTheDriverRefuses) {
     const TextSource broken(std::string(head) + "{ incidence = intensity = specular = wrong; }");
     try {
         const korl::test::ToleratedGLErrors refusal;

@@ -1,14 +1,14 @@
-#include "shell/scene/foreign_parts.hpp"
+#include "shell/scene/unresolved_objects.hpp"
 
 namespace korl {
 
-void ForeignParts::add(Object object) {
+void UnresolvedObjects::add(Object object) {
     if (!object.name.empty())
         my_names.insert(object.name);
     my_objects.push_back(std::move(object));
 }
 
-bool ForeignParts::remove(const std::string& name) {
+bool UnresolvedObjects::remove(const std::string& name) {
     if (my_names.erase(name) == 0)
         return false;
     std::erase_if(my_objects, [&](const Object& object) { return object.name == name; });
@@ -18,16 +18,16 @@ bool ForeignParts::remove(const std::string& name) {
     return true;
 }
 
-void ForeignParts::connect(std::uint64_t follower, const std::string& parameter, Source source) {
+void UnresolvedObjects::connect(std::uint64_t follower, const std::string& parameter, Source source) {
     my_connections.insert_or_assign({follower, parameter}, std::move(source));
 }
 
-void ForeignParts::disconnect(std::uint64_t follower, const std::string& parameter) {
+void UnresolvedObjects::disconnect(std::uint64_t follower, const std::string& parameter) {
     my_connections.erase({follower, parameter});
 }
 
-const ForeignParts::Source* ForeignParts::sourceOf(std::uint64_t follower,
-                                                   const std::string& parameter) const {
+const UnresolvedObjects::Source* UnresolvedObjects::sourceOf(std::uint64_t follower,
+                                                             const std::string& parameter) const {
     const auto found = my_connections.find({follower, parameter});
     return found == my_connections.end() ? nullptr : &found->second;
 }

@@ -1,5 +1,5 @@
-// The arrows between the rooms run one way. This reads every #include of the sources and fails on one against
-// them.
+// The dependencies between the libraries run one way. This reads every #include of the sources and fails for
+// one that they do not allow.
 
 #include <algorithm>
 #include <filesystem>
@@ -14,8 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A room, and what of the project it may include: the beginnings of the include paths.
-const std::map<std::string, std::vector<std::string>> arrows{
+/// A library, and what of the project it may include: the beginnings of the include paths.
+const std::map<std::string, std::vector<std::string>> dependencies{
     {"host/orvid", {"orvid/"}},
     {"host/tessan", {"tessan/", "orvid/"}},
     {"host/sorvik", {"sorvik/", "tessan/", "orvid/"}},
@@ -59,7 +59,7 @@ const std::map<std::string, std::vector<std::string>> arrows{
     {"shell/cli", {"shell/", "doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
 };
 
-/// What of other libraries a room may not include.
+/// What of other projects a library may not include.
 const std::map<std::string, std::regex> forbidden{
     {"host", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI).*")},
     {"navigation/light", std::regex("(EGL|epoxy|glm|assimp|nlohmann|CLI).*")},
@@ -96,11 +96,11 @@ bool isSource(const fs::path& file) {
     return file.extension() == ".hpp" || file.extension() == ".cpp" || file.extension() == ".inc";
 }
 
-TEST(IncludeArrows, RunOneWay) {
+TEST(Dependencies, RunOneWay) {
     std::size_t files = 0;
-    for (const auto& [room, allowed] : arrows) {
-        const fs::path folder = fs::path(PROJECT_SOURCE_DIR) / room;
-        ASSERT_TRUE(fs::is_directory(folder)) << room << " is gone; the list of arrows must follow";
+    for (const auto& [library, allowed] : dependencies) {
+        const fs::path folder = fs::path(PROJECT_SOURCE_DIR) / library;
+        ASSERT_TRUE(fs::is_directory(folder)) << library << " is gone; the list of dependencies must follow";
         for (const auto& entry : fs::recursive_directory_iterator(folder)) {
             if (!isSource(entry.path()))
                 continue;
@@ -108,13 +108,13 @@ TEST(IncludeArrows, RunOneWay) {
             for (const std::string& include : includesOf(entry.path())) {
                 if (beginsWithOneOf(include, own)) {
                     EXPECT_TRUE(beginsWithOneOf(include, allowed))
-                        << entry.path() << " includes " << include << ", against the arrows";
+                        << entry.path() << " includes " << include << ", which it may not depend on";
                 }
                 for (const auto& [where, what] : forbidden)
-                    if ((room + "/").starts_with(where + "/")) {
+                    if ((library + "/").starts_with(where + "/")) {
                         EXPECT_FALSE(std::regex_match(include, what))
                             << entry.path() << " includes " << include << ", which does not belong in "
-                            << room;
+                            << library;
                     }
             }
         }
@@ -122,12 +122,12 @@ TEST(IncludeArrows, RunOneWay) {
     EXPECT_GT(files, 50u);
 }
 
-TEST(IncludeArrows, EveryRoomIsListed) {
-    for (const char* const house : {"host", "navigation", "shell"})
-        for (const auto& entry : fs::directory_iterator(fs::path(PROJECT_SOURCE_DIR) / house))
+TEST(Dependencies, EveryLibraryIsListed) {
+    for (const char* const layer : {"host", "navigation", "shell"})
+        for (const auto& entry : fs::directory_iterator(fs::path(PROJECT_SOURCE_DIR) / layer))
             if (entry.is_directory()) {
-                const std::string room = std::string(house) + "/" + entry.path().filename().string();
-                EXPECT_TRUE(arrows.contains(room)) << room << " has no arrows";
+                const std::string library = std::string(layer) + "/" + entry.path().filename().string();
+                EXPECT_TRUE(dependencies.contains(library)) << library << " is not listed";
             }
 }
 
