@@ -1,4 +1,0 @@
-#pragma once
-
-#include <orvid/forward.hpp>
-#include <sorvik/forward.hpp>
