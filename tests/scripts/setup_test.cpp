@@ -67,12 +67,13 @@ protected:
     }
 
     /// Runs the script where `packages` are wanted, in lines, and `table` is what dpkg knows.
-    ProgramResult setUp(const std::string& packages, const std::string& table) {
+    ProgramResult setUp(const std::string& packages, const std::string& table,
+                        const std::vector<std::string>& arguments = {}) {
         folder.write("packages.txt", packages);
         folder.write("table", table);
         fs::remove(folder / "asked");
         const std::string path = (folder / "bin").string() + ":" + std::getenv("PATH");
-        return korl::test::runProgram(folder / "scripts/setup", {},
+        return korl::test::runProgram(folder / "scripts/setup", arguments,
                                       {{"PATH", path}, {"MADE_UP", folder.path()}});
     }
 
@@ -121,6 +122,17 @@ TEST_F(SetupScriptTest, InstallsAllThatIsMissingAtOnceAndNothingElse) {
     EXPECT_EQ(result.exit_code, 0) << result.errors;
     EXPECT_EQ(result.output, "setup: installs two four\n");
     EXPECT_EQ(asked(), "-qq update\n-qq install -y --no-install-recommends two four\n");
+}
+
+TEST_F(SetupScriptTest, InstallsOneSectionWhereItIsAskedTo) {
+    const std::string packages = "# build\none\ntwo\n\n# test\nthree\n";
+    EXPECT_EQ(setUp(packages, "", {"build"}).output, "setup: installs one two\n");
+    EXPECT_EQ(setUp(packages, "", {"test"}).output, "setup: installs three\n");
+    EXPECT_EQ(setUp(packages, "").output, "setup: installs one two three\n");
+    const ProgramResult result = setUp(packages, "", {"tests"});
+    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_EQ(result.errors, "setup: packages.txt has no section \"tests\".\n");
+    EXPECT_FALSE(fs::exists(folder / "asked"));
 }
 
 TEST_F(SetupScriptTest, SaysWhatCouldNotBeInstalled) {
