@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/animation/variation.hpp"
-#include "shell/render/renderer.hpp"
+#include "shell/render/render_settings.hpp"
 #include "shell/session/shell.hpp"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/render/renderer.hpp"
+#include "shell/render/render_settings.hpp"
 
 #include <optional>
 #include <string>

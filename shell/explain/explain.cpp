@@ -5,6 +5,7 @@
 #include "shell/explain/number_text.hpp"
 #include "shell/explain/summary.hpp"
 #include "shell/explain/surface_findings.hpp"
+#include "shell/render/renderer.hpp"
 #include "shell/session/shell.hpp"
 
 #include <algorithm>
@@ -97,18 +98,19 @@ Explanation explain(Shell& shell, const ExplainSettings& settings) {
                            (static_cast<float>(settings.width) * static_cast<float>(settings.height));
     LitScene at{
         scene, view, viewpoint, settings.path, {surface.spread(max_sample_points), false, 1, viewpoint.eye}};
-    explanation.scene = findOnSurfaces(scene.meshes(), explanation.coverage, at.places.points, viewpoint.eye);
-    if (at.places.points.empty())
-        at.places.points = corners(scene.meshes());
+    explanation.scene =
+        findOnSurfaces(scene.meshes(), explanation.coverage, at.samples.points, viewpoint.eye);
+    if (at.samples.points.empty())
+        at.samples.points = corners(scene.meshes());
     if (const auto ball = scene.boundingBall(); ball && ball->radius > 0)
-        at.places.size = static_cast<float>(ball->radius);
+        at.samples.size = static_cast<float>(ball->radius);
     if (settings.pixel) {
         const auto [x, y] = *settings.pixel;
         explanation.pixel = PixelExplanation{x, y, {}, surface.at(x, y), {}, glm::vec3(0)};
         if (const auto& point = explanation.pixel->surface) {
             explanation.pixel->mesh = scene.meshes()[point->mesh]->name;
-            at.places.points = {*point};
-            at.places.is_pixel = true;
+            at.samples.points = {*point};
+            at.samples.is_pixel = true;
         }
     }
     {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/explain/reflection.hpp"
-#include "shell/render/renderer.hpp"
+#include "shell/render/render_settings.hpp"
 
 #include <array>
 #include <cstdint>

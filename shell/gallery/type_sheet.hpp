@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/image/image.hpp"
-#include "shell/render/renderer.hpp"
+#include "shell/render/render_settings.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <optional>

@@ -6,6 +6,7 @@
 #include "shell/render/gl_state.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/offscreen_target.hpp"
+#include "shell/render/render_settings.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/shader_path.hpp"
 #include "shell/render/view.hpp"
@@ -16,19 +17,6 @@
 #include <vector>
 
 namespace korl {
-
-/// By which of their two answers the lights are taken.
-enum class RenderPath {
-    shader, ///< their GLSL snippets
-    fixed,  ///< OpenGL's fixed-function lights
-    both    ///< one picture of each, the shader path's on the left
-};
-
-struct RenderSettings {
-    int width = 640; ///< pixels, of the picture of one path
-    int height = 480;
-    RenderPath path = RenderPath::shader;
-};
 
 /// Draws scenes into images. The context that it was made with must be current whenever it is used or
 /// destroyed.

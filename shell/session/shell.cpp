@@ -2,6 +2,7 @@
 
 #include "shell/base/error.hpp"
 #include "shell/catalogue/type_names.hpp"
+#include "shell/render/renderer.hpp"
 
 #include <mutex>
 #include <utility>

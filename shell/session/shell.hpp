@@ -1,9 +1,10 @@
 #pragma once
 
+#include "shell/image/image.hpp"
 #include "shell/mesh/model_import.hpp"
 #include "shell/plugins/plugin_library.hpp"
 #include "shell/render/gl_context.hpp"
-#include "shell/render/renderer.hpp"
+#include "shell/render/render_settings.hpp"
 #include "shell/render/reports.hpp"
 #include "shell/render/view.hpp"
 #include "shell/scene/scene.hpp"
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace korl {
+
+class Renderer;
 
 /// A shell at work: its modules, the scene that is built with them, and what draws it. They go in reverse:
 /// the scene and all that was drawn from it before the modules. All operations belong to one thread at a
