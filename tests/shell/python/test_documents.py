@@ -7,6 +7,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import korl
+
 
 def examples():
     """The Python blocks of the README."""
@@ -20,6 +22,33 @@ class ReadmeTest(unittest.TestCase):
             for example in examples():
                 exec(compile(example, "README.md", "exec"), {})
             self.assertGreater(Path("python-example.png").stat().st_size, 10000)
+
+
+def table_of(type_):
+    """The table of a type's parameters as the page of the lights has it."""
+    lines = ["| Parameter | Type | Default | Range | Unit | Level | What it is |", "|---|---|---|---|---|---|---|"]
+    for one in type_.parameters:
+        default = one.default if isinstance(one.default, tuple) else (one.default,)
+        low, high = (None if end is None else f"{end:g}" for end in (one.minimum, one.maximum))
+        range_ = f"{low} to {high}" if low and high else f"up to {high}" if high else f"from {low}" if low else "–"
+        cells = [f"`{one.name}`", one.kind, " ".join(f"{number:g}" for number in default), range_]
+        lines.append("| " + " | ".join([*cells, one.unit or "–", str(one.level), one.doc]) + " |")
+    return "\n".join(lines) + "\n"
+
+
+class LightsTest(unittest.TestCase):
+    def test_each_light_has_a_section_with_its_parameters_and_a_picture(self):
+        docs = Path(os.environ["KORL_README"]).parent / "docs"
+        page = (docs / "lights.md").read_text()
+        with korl.Shell() as shell:
+            types = [type_ for type_ in shell.types.values() if type_.parameters]
+        self.assertTrue(types)
+        for type_ in types:
+            with self.subTest(type_.name):
+                section = page.split(f"\n## {type_.name}\n")[1].split("\n## ")[0]
+                self.assertIn(table_of(type_), section)
+                picture = re.search(r"!\[.*\]\((.*)\)", section)[1]
+                self.assertGreater((docs / picture).stat().st_size, 1000)
 
 
 if __name__ == "__main__":
