@@ -2,6 +2,7 @@
 
 #include "shell/base/error.hpp"
 #include "shell/base/file_lock.hpp"
+#include "tests/support/error_of.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 #include <functional>
@@ -17,12 +18,7 @@ namespace {
 class SequenceLockTest : public testing::Test {
 protected:
     static std::string failure(const std::filesystem::path& output) {
-        try {
-            const SequenceLock lock(output);
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return "";
+        return test::errorOf([&] { const SequenceLock lock(output); });
     }
 
     /// Leaves an unlocked file in a folder that everybody may write to.
@@ -55,10 +51,10 @@ TEST_F(SequenceLockTest, KeepsOthersFromTheSequenceAndSaysWhoHasIt) {
                                           std::to_string(::getpid()) +
                                           " on .+ since ....-..-.. ..:..:.. UTC; wait for its end, or "
                                           "write to files of another name"));
-        EXPECT_EQ(failure(folder / "night_##.png"), "");
+        EXPECT_EQ(failure(folder / "night_##.png"), "no error");
     }
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-    EXPECT_EQ(failure(output), "");
+    EXPECT_EQ(failure(output), "no error");
 }
 
 TEST_F(SequenceLockTest, WhatAKilledProcessLeftKeepsNobody) {

@@ -2,6 +2,7 @@
 
 #include "shell/base/error.hpp"
 #include "shell/base/file_lock.hpp"
+#include "tests/support/error_of.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 #include <csignal>
@@ -25,13 +26,10 @@ class FileOutputTest : public testing::Test {
 protected:
     /// @returns the error's text, empty for none.
     static std::string write(const fs::path& target, const std::string& text) {
-        try {
+        return test::errorOf([&] {
             writeFileAtomically(target,
                                 std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return "";
+        });
     }
 
     std::string cannotWrite(const std::string& name, const std::string& reason) const {
@@ -63,7 +61,7 @@ protected:
 
 TEST_F(FileOutputTest, WritesANewFile) {
     for (const std::string& text : {std::string(), std::string("a\0b", 3), std::string(3'000'000, 'x')}) {
-        EXPECT_EQ(write(my_folder / "new", text), "");
+        EXPECT_EQ(write(my_folder / "new", text), "no error");
         EXPECT_EQ(bytesOf(my_folder / "new"), text);
         EXPECT_EQ(fileCount(), 1u);
         fs::remove(my_folder / "new");
@@ -73,7 +71,7 @@ TEST_F(FileOutputTest, WritesANewFile) {
 TEST_F(FileOutputTest, ANewFileHasTheRightsThatTheUmaskLeaves) {
     for (const auto& [mask, rights] : {std::pair<mode_t, mode_t>{027, 0640}, {0, 0666}}) {
         const mode_t before = umask(mask);
-        EXPECT_EQ(write(my_folder / "new", "text"), "");
+        EXPECT_EQ(write(my_folder / "new", "text"), "no error");
         umask(before);
         EXPECT_EQ(modeOf(my_folder / "new"), rights);
         fs::remove(my_folder / "new");
@@ -83,7 +81,7 @@ TEST_F(FileOutputTest, ANewFileHasTheRightsThatTheUmaskLeaves) {
 TEST_F(FileOutputTest, AReplacedFileKeepsItsRights) {
     writeBytes(my_folder / "old", "a longer text than the new one");
     fs::permissions(my_folder / "old", static_cast<fs::perms>(0604));
-    EXPECT_EQ(write(my_folder / "old", "new"), "");
+    EXPECT_EQ(write(my_folder / "old", "new"), "no error");
     EXPECT_EQ(bytesOf(my_folder / "old"), "new");
     EXPECT_EQ(modeOf(my_folder / "old"), 0604u);
     EXPECT_EQ(fileCount(), 1u);
@@ -92,7 +90,7 @@ TEST_F(FileOutputTest, AReplacedFileKeepsItsRights) {
 TEST_F(FileOutputTest, WhoReadsTheReplacedFileKeepsIt) {
     writeBytes(my_folder / "old", "old");
     std::ifstream reader(my_folder / "old");
-    EXPECT_EQ(write(my_folder / "old", "new"), "");
+    EXPECT_EQ(write(my_folder / "old", "new"), "no error");
     std::string read;
     reader >> read;
     EXPECT_EQ(read, "old");
@@ -101,7 +99,7 @@ TEST_F(FileOutputTest, WhoReadsTheReplacedFileKeepsIt) {
 TEST_F(FileOutputTest, AnotherTemporaryFileIsLeftAlone) {
     const std::string other = ".korl-" + std::to_string(getpid()) + "-0";
     writeBytes(my_folder / other, "other");
-    EXPECT_EQ(write(my_folder / "new", "text"), "");
+    EXPECT_EQ(write(my_folder / "new", "text"), "no error");
     EXPECT_EQ(bytesOf(my_folder / other), "other");
     EXPECT_EQ(fileCount(), 2u);
 }
@@ -110,7 +108,7 @@ TEST_F(FileOutputTest, ALinkStaysAndItsFileIsReplaced) {
     fs::create_directory(my_folder / "folder");
     writeBytes(my_folder / "folder/file", "old");
     fs::create_symlink("folder/file", my_folder / "link");
-    EXPECT_EQ(write(my_folder / "link", "new"), "");
+    EXPECT_EQ(write(my_folder / "link", "new"), "no error");
     EXPECT_TRUE(fs::is_symlink(my_folder / "link"));
     EXPECT_EQ(bytesOf(my_folder / "folder/file"), "new");
 }
@@ -129,7 +127,7 @@ TEST_F(FileOutputTest, TemporaryFilesOfKilledProcessesAreSwept) {
     for (const char* const name : {"1-0", "2-7", "in use"})
         writeBytes(my_folder / (start + name), "half a file");
     const Descriptor in_use = lockLeftover(my_folder / (start + "in use"));
-    EXPECT_EQ(write(my_folder / "new", "text"), "");
+    EXPECT_EQ(write(my_folder / "new", "text"), "no error");
     EXPECT_TRUE(fs::exists(my_folder / (start + "in use")));
     EXPECT_EQ(fileCount(), 2u);
 }
@@ -163,7 +161,7 @@ TEST_F(FileOutputTest, APipeIsWrittenTo) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(reader, 0);
-    EXPECT_EQ(write(pipe, "text"), "");
+    EXPECT_EQ(write(pipe, "text"), "no error");
     EXPECT_TRUE(fs::is_fifo(pipe));
     char read_back[8] = {};
     EXPECT_EQ(read(reader, read_back, sizeof read_back), 4);
@@ -174,7 +172,7 @@ TEST_F(FileOutputTest, APipeIsWrittenTo) {
 TEST_F(FileOutputTest, ANameWithoutAFolderIsInTheCurrentOne) {
     EXPECT_TRUE(holdsInChild([&] {
         fs::current_path(my_folder.path());
-        return write("plain", "text").empty();
+        return write("plain", "text") == "no error";
     }));
     EXPECT_EQ(bytesOf(my_folder / "plain"), "text");
 }

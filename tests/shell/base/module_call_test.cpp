@@ -1,5 +1,7 @@
 #include "shell/base/module_call.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/loaded_modules.hpp"
 
 #include <sorvik/object.hpp>
@@ -24,12 +26,7 @@ struct Lamp : Qelt::VObject {
 template <class Work>
 std::string errorOf(const std::string& name, Work work) {
     const Lamp object(name);
-    try {
-        ModuleCall(object, "illuminate").run(work);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { ModuleCall(object, "illuminate").run(work); });
 }
 
 TEST(ModuleCallTest, GivesWhatTheCallGives) {

@@ -1,6 +1,7 @@
 #include "shell/base/temporary_folder.hpp"
 
 #include "shell/base/error.hpp"
+#include "tests/support/error_of.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 #include <cstdlib>
@@ -31,12 +32,7 @@ protected:
     }
 
     static std::string failure() {
-        try {
-            const TemporaryFolder folder;
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return "";
+        return test::errorOf([&] { const TemporaryFolder folder; });
     }
 
     const test::TemporaryFolder place;

@@ -1,13 +1,16 @@
 #include "shell/image/image.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 
 namespace korl {
 namespace {
+
+using korl::test::errorOf;
 
 /// A picture in which each byte tells where it is.
 Image numbered(int width, int height, int first) {
@@ -15,15 +18,6 @@ Image numbered(int width, int height, int first) {
     for (int i = 0; i < width * height * 4; ++i)
         image.pixels.push_back(static_cast<std::uint8_t>(first + i));
     return image;
-}
-
-std::string errorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 TEST(ImageTest, SideBySideKeepsEveryPixel) {

@@ -1,5 +1,7 @@
 #include "shell/image/png.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 
 #include <algorithm>
@@ -85,21 +87,11 @@ std::string number(unsigned char value) {
 }
 
 std::string decodingError(const Bytes& png) {
-    try {
-        decodePng(png);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return test::errorOf([&] { decodePng(png); });
 }
 
 std::string encodingError(const Image& image, const Texts& texts = {}) {
-    try {
-        encodePng(image, texts);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return test::errorOf([&] { encodePng(image, texts); });
 }
 
 TEST(PngTest, WhatWasEncodedIsDecodedToTheByte) {

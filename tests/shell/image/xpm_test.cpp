@@ -1,5 +1,7 @@
 #include "shell/image/xpm.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 
 #include <gtest/gtest.h>
@@ -17,12 +19,7 @@ TEST(Xpm, Decodes) {
 
 template <std::size_t N>
 std::string errorOf(const char* const (&lines)[N]) {
-    try {
-        korl::decodeXpm(lines);
-    } catch (const korl::Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { korl::decodeXpm(lines); });
 }
 
 TEST(Xpm, WhatIsWrongIsTold) {

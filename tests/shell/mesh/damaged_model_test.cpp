@@ -1,5 +1,7 @@
 #include "shell/mesh/model_import.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 #include "tests/shell/mesh/model_files.hpp"
 
@@ -16,12 +18,7 @@ namespace {
 using namespace test;
 
 std::string errorOf(const std::filesystem::path& file) {
-    try {
-        importModel(file, UpAxis::y);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { importModel(file, UpAxis::y); });
 }
 
 class DamagedModelTest : public testing::Test {

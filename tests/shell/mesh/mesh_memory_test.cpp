@@ -1,16 +1,19 @@
 #include "shell/mesh/mesh_memory.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 
 #include <cstdint>
 #include <fcntl.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>
 
 namespace korl {
 namespace {
+
+using korl::test::errorOf;
 
 Mesh triangle() {
     Mesh mesh;
@@ -20,15 +23,6 @@ Mesh triangle() {
     mesh.colors = {{0.25f, 0.5f, 0.75f}, {0, 0, 0}, {1, 1, 1}};
     mesh.triangles = {0, 2, 1};
     return mesh;
-}
-
-std::string errorOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 std::string bytesOf(const MemoryFile& file) {

@@ -1,5 +1,7 @@
 #include "shell/mesh/mesh.hpp"
 
+#include "tests/support/error_of.hpp"
+
 #include "shell/base/error.hpp"
 
 #include <cmath>
@@ -18,12 +20,7 @@ Mesh triangle() {
 }
 
 std::string errorOf(const Mesh& mesh) {
-    try {
-        validate(mesh);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { validate(mesh); });
 }
 
 void expectNear(const glm::vec3& actual, const glm::dvec3& expected) {

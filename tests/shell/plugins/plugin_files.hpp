@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/error_of.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 #include <shell/base/error.hpp>
@@ -15,17 +16,7 @@ inline const std::filesystem::path broken = KORL_BROKEN_PLUGINS;
 
 using TemporaryDirectory = test::TemporaryFolder;
 using test::bytesOf;
-
-/// @returns the text of the Error that a call throws, or a text that says that none came.
-template <class Call>
-std::string errorOf(Call call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
-}
+using test::errorOf;
 
 /// The message of a refusal, after the words that all of them begin with.
 inline std::string refusal(const std::filesystem::path& file, const std::string& rest) {

@@ -1,5 +1,6 @@
 #include "shell/base/error.hpp"
 #include "shell/render/offscreen_target.hpp"
+#include "tests/support/error_of.hpp"
 #include "tests/support/gl_test.hpp"
 
 #include <gmock/gmock.h>
@@ -22,12 +23,7 @@ std::vector<std::uint8_t> bytesOf(const OffscreenTarget& target) {
 }
 
 std::string errorOf(int width, int height) {
-    try {
-        const OffscreenTarget target(width, height);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { const OffscreenTarget target(width, height); });
 }
 
 void clear(float red, float green, float blue, float alpha) {
@@ -173,12 +169,7 @@ TEST_F(OffscreenTargetGLTest, SizesBeyondReasonAreErrors) {
 TEST_F(OffscreenTargetGLTest, RoomOfTheWrongSizeOrTypeIsAnError) {
     const OffscreenTarget target(2, 3);
     const auto errorOfReading = [&](auto pixels) -> std::string {
-        try {
-            target.read(pixels);
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return "no error";
+        return korl::test::errorOf([&] { target.read(pixels); });
     };
     const std::string start = "a picture of 2 x 3 pixels has 24 byte values, but the buffer holds ";
     std::vector<std::uint8_t> bytes(25);

@@ -1,6 +1,8 @@
 #include "shell/base/error.hpp"
+
 #include "shell/render/shader_assembly.hpp"
 #include "shell/render/shader_errors.hpp"
+#include "tests/support/error_of.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,12 +35,7 @@ AssembledShader assemble(std::vector<LightSnippet> snippets, int version = defau
 }
 
 std::string errorOf(const std::vector<LightSnippet>& snippets, int version = default_glsl_version) {
-    try {
-        assembleShader(snippets, version);
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
+    return korl::test::errorOf([&] { assembleShader(snippets, version); });
 }
 
 int countOf(const std::string& text, const std::string& part) {

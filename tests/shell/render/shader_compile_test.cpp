@@ -1,6 +1,7 @@
 #include "shell/base/error.hpp"
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/offscreen_target.hpp"
+#include "tests/support/error_of.hpp"
 #include "tests/support/gl_test.hpp"
 
 #include <algorithm>
@@ -131,12 +132,7 @@ protected:
 
     std::string errorOf(const std::vector<LightSnippet>& snippets) {
         const test::ToleratedGLErrors refusal;
-        try {
-            build(snippets);
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return "no error";
+        return korl::test::errorOf([&] { build(snippets); });
     }
 };
 
