@@ -46,7 +46,8 @@ public:
     /// The object that the parameter belongs to, or null: none was named, or it has gone.
     VObject* creator() const noexcept { return my_creator.get(); }
 
-    /// Attaches a property, such as "min" or "max", for the shell's editors; nothing is clamped by it.
+    /// Attaches a property for the shell's editors: "min" and "max", values of the parameter's type, by which
+    /// nothing is clamped; "unit" and "description", values of type `std::string`.
     /// @returns whether it was written: not if the parameter carries the name already with an equal value.
     bool setProperty(const std::string& name, const VValueBase& value);
 

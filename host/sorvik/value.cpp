@@ -69,5 +69,7 @@ void VValueBase::touch() {
 
 template class VTypedValueBase<double>;
 template class VValue<double>;
+template class VTypedValueBase<std::string>;
+template class VValue<std::string>;
 
 } // namespace Qelt

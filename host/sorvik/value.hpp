@@ -171,5 +171,7 @@ private:
 
 extern template class SORVIK_EXPORT VTypedValueBase<double>;
 extern template class SORVIK_EXPORT VValue<double>;
+extern template class SORVIK_EXPORT VTypedValueBase<std::string>;
+extern template class SORVIK_EXPORT VValue<std::string>;
 
 } // namespace Qelt

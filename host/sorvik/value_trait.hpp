@@ -18,4 +18,14 @@ struct SORVIK_EXPORT VValueTrait<double> {
     static bool setValueFromText(double& value, const std::string& text);
 };
 
+/// A text is its own text form.
+template <>
+struct VValueTrait<std::string> {
+    static std::string Text(const std::string& value) { return value; }
+    static bool setValueFromText(std::string& value, const std::string& text) {
+        value = text;
+        return true;
+    }
+};
+
 } // namespace Qelt

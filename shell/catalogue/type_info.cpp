@@ -1,8 +1,10 @@
 #include "shell/catalogue/type_info.hpp"
 
 #include "shell/base/module_call.hpp"
+#include "shell/catalogue/module_of.hpp"
+#include "shell/catalogue/parameter_notes.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_names.hpp"
-#include "shell/catalogue/value_kind.hpp"
 
 #include <sorvik/creator.hpp>
 
@@ -12,28 +14,35 @@ namespace korl {
 
 namespace {
 
+constexpr std::string_view own_module = "tovek_light";
+
 std::optional<std::string> propertyText(const Qelt::VParameter& parameter, const char* name) {
     const Qelt::VValueBase* const property = parameter.property(name);
     return property ? std::optional(property->Text()) : std::nullopt;
 }
 
-/// Modules declare no units; these are of the parameters that have one of the same name everywhere.
-std::optional<std::string> unitOf(const Qelt::VParameter& parameter) {
-    if (parameter.Name() == "latitude")
-        return "degrees";
-    if (parameter.Name() == "timeofday")
-        return "hours";
-    return std::nullopt;
-}
-
 } // namespace
 
+std::string rangeText(const ParameterInfo& parameter) {
+    const auto& minimum = parameter.minimum;
+    const auto& maximum = parameter.maximum;
+    if (minimum && maximum)
+        return *minimum + " to " + *maximum;
+    return minimum ? "from " + *minimum : maximum ? "up to " + *maximum : "";
+}
+
 std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object) {
+    const Qelt::VCreatorBase* const creator = object.creator().get();
+    const bool is_own = creator && moduleOf(*creator) == own_module;
     std::vector<ParameterInfo> described;
-    for (const auto& [parameter, expert_level] : object.parameters())
-        described.push_back({parameter->Name(), valueKind(parameter->type()),
-                             parameter->DefaultValue().Text(), propertyText(*parameter.get(), "min"),
-                             propertyText(*parameter.get(), "max"), unitOf(*parameter.get()), expert_level});
+    for (const auto& [held, expert_level] : object.parameters()) {
+        const Qelt::VParameter& parameter = *held.get();
+        const ParameterNote note = is_own ? noteOn(creator->Name(), parameter.Name()) : ParameterNote();
+        described.push_back({parameter.Name(), valueKind(parameter.type()), parameter.DefaultValue().Text(),
+                             propertyText(parameter, "min"), propertyText(parameter, "max"),
+                             propertyText(parameter, "unit").value_or(std::string(note.unit)), expert_level,
+                             propertyText(parameter, "description").value_or(std::string(note.description))});
+    }
     return described;
 }
 

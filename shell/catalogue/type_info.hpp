@@ -14,9 +14,14 @@ struct ParameterInfo {
     std::string kind; ///< "double", "color", "point", "vector", or the name of another type
     std::string default_text;
     std::optional<std::string> minimum, maximum; ///< where the type declares them; nothing is clamped
-    std::optional<std::string> unit;             ///< where it is known, such as "degrees"
+    std::string unit;                            ///< such as "degrees"; empty where it has or names none
     int expert_level;                            ///< 0 is for every user; the higher, the more expert
+    std::string description;                     ///< what it does, in a few words; may be empty
 };
+
+/// The range that a parameter declares, in words, such as "-90 to 90" or "up to 24"; empty where it declares
+/// none.
+std::string rangeText(const ParameterInfo& parameter);
 
 /// A type of objects, as its creator and a sample of it describe it.
 struct TypeInfo {
@@ -26,7 +31,9 @@ struct TypeInfo {
     std::vector<ParameterInfo> parameters; ///< in the order of their making
 };
 
-/// The parameters of an object, in the order of their making.
+/// The parameters of an object, in the order of their making. The unit and the description are the
+/// parameter's properties "unit" and "description" where it has them; the parameters of the program's own
+/// lights have notes instead.
 std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object);
 
 /// The types of all loaded modules, as the catalogue lists them, by the names that `Scene::create` takes (see

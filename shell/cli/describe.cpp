@@ -9,11 +9,8 @@ namespace korl::cli {
 
 namespace {
 
-/// The range that a parameter declares to editors, such as "-90..90", "..24" or "-" for none.
-std::string rangeOf(const ParameterInfo& parameter) {
-    if (!parameter.minimum && !parameter.maximum)
-        return "-";
-    return parameter.minimum.value_or("") + ".." + parameter.maximum.value_or("");
+std::string orDash(std::string text) {
+    return text.empty() ? "-" : std::move(text);
 }
 
 void describeType(Shell& shell, const std::string& type) {
@@ -21,10 +18,12 @@ void describeType(Shell& shell, const std::string& type) {
     const std::string help = sample.help();
     print(printable(type + " (" + sample.type_key() + ")") + (help.empty() ? "" : ": ") +
           printableLines(help) + "\n\n");
-    std::vector<std::vector<std::string>> rows{{"PARAMETER", "TYPE", "DEFAULT", "RANGE", "LEVEL"}};
+    std::vector<std::vector<std::string>> rows{
+        {"PARAMETER", "TYPE", "DEFAULT", "RANGE", "UNIT", "LEVEL", "WHAT IT IS"}};
     for (const ParameterInfo& parameter : parametersOf(sample))
-        rows.push_back({parameter.name, parameter.kind, parameter.default_text, rangeOf(parameter),
-                        std::to_string(parameter.expert_level)});
+        rows.push_back({parameter.name, parameter.kind, parameter.default_text, orDash(rangeText(parameter)),
+                        orDash(parameter.unit), std::to_string(parameter.expert_level),
+                        parameter.description});
     printTable(rows);
 }
 

@@ -32,19 +32,20 @@ std::string parameterTable(const std::vector<ParameterRow>& parameters) {
     if (parameters.empty())
         return "<p>None.</p>\n";
     const bool has_more = std::any_of(parameters.begin(), parameters.end(),
-                                      [](const ParameterRow& parameter) { return !parameter.more.empty(); });
-    Row head{"Parameter", "Type", "Default", "Range", "Expert level"};
+                                      [](const ParameterRow& row) { return !row.more.empty(); });
+    Row head{"Parameter", "Type", "Default", "Range", "Unit", "Expert level", "What it is"};
     if (has_more)
         head.emplace_back("More");
     std::vector<Row> rows;
-    for (const ParameterRow& parameter : parameters) {
-        Row row{parameter.name, parameter.kind, parameter.initial, parameter.range,
-                std::to_string(parameter.expert_level)};
+    for (const auto& [parameter, more] : parameters) {
+        Row row{parameter.name,       parameter.kind, parameter.default_text,
+                rangeText(parameter), parameter.unit, std::to_string(parameter.expert_level),
+                parameter.description};
         if (has_more)
-            row.push_back(parameter.more);
+            row.push_back(more);
         rows.push_back(std::move(row));
     }
-    return table(head, rows, {true, false, true, false, false, false});
+    return table(head, rows, {true, false, true, false, false, false, false, false});
 }
 
 std::string uniformTable(const std::vector<std::pair<std::string, std::string>>& uniforms) {

@@ -2,6 +2,7 @@
 
 #include "shell/catalogue/type_info.hpp"
 #include "shell/image/xpm.hpp"
+#include "shell/render/renderer.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/scene/light.hpp"
 
@@ -15,19 +16,10 @@ namespace {
 
 using Kind = Qelt::VCreatorPropertyBase::Kind;
 
-/// The range that a parameter declares to editors, in words; empty where it declares none.
-std::string rangeOf(const ParameterInfo& parameter) {
-    const auto& least = parameter.minimum;
-    const auto& most = parameter.maximum;
-    if (least && most)
-        return *least + " to " + *most;
-    return least ? "from " + *least : most ? "up to " + *most : "";
-}
-
 std::string morePropertiesOf(const Qelt::VParameter& parameter) {
     std::string text;
     for (const auto& [name, value] : parameter.properties())
-        if (name != "min" && name != "max")
+        if (name != "min" && name != "max" && name != "unit" && name != "description")
             text += (text.empty() ? "" : ", ") + name + " " + value->Text();
     return text;
 }
@@ -39,9 +31,7 @@ void describe(const Qelt::VObject& object, TypeSheet& sheet) {
     if (const char* const* const xpm = object.xpm_icon())
         sheet.icon = decodeXpm(xpm);
     for (const ParameterInfo& parameter : parametersOf(object))
-        sheet.parameters.push_back({parameter.name, parameter.kind, parameter.default_text,
-                                    rangeOf(parameter), parameter.expert_level,
-                                    morePropertiesOf(*object.findParameter(parameter.name))});
+        sheet.parameters.push_back({parameter, morePropertiesOf(*object.findParameter(parameter.name))});
 }
 
 void draw(Scene& scene, GLContext& context, int width, int height, TypeSheet& sheet) {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "shell/catalogue/type_info.hpp"
 #include "shell/image/image.hpp"
-#include "shell/render/render_settings.hpp"
+#include "shell/render/gl_context.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <optional>
@@ -11,11 +12,10 @@
 
 namespace korl {
 
-/// What a page shows of one parameter, as texts.
+/// What a page shows of one parameter.
 struct ParameterRow {
-    std::string name, kind, initial, range;
-    int expert_level;
-    std::string more; ///< what else its type tells of it, such as a unit; often empty
+    ParameterInfo parameter;
+    std::string more; ///< the other properties that its type gives it; often empty
 };
 
 /// The picture of a light on one path, and what the renderer had to say of it.

@@ -79,20 +79,24 @@ TEST(KorlProgram, TypesListsTheCatalogue) {
 
 TEST(KorlProgram, DescribeShowsRangesAndLevels) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"describe", "Sun"});
-    EXPECT_EQ(result.output.substr(result.output.find("\n\n")), "\n\n"
-                                                                "PARAMETER  TYPE    DEFAULT  RANGE    LEVEL\n"
-                                                                "Intensity  double  0.9      -        0\n"
-                                                                "Specular   double  0.1      -        0\n"
-                                                                "latitude   double  45       -90..90  0\n"
-                                                                "timeofday  double  12       ..24     0\n");
+    EXPECT_EQ(
+        result.output.substr(result.output.find("\n\n")),
+        "\n\n"
+        "PARAMETER  TYPE    DEFAULT  RANGE      UNIT     LEVEL  WHAT IT IS\n"
+        "Intensity  double  0.9      -          -        0      strength of the diffuse light\n"
+        "Specular   double  0.1      -          -        0      strength of the highlights\n"
+        "latitude   double  45       -90 to 90  degrees  0      where on Earth the scene is, north positive\n"
+        "timeofday  double  12       up to 24   hours    0      solar time on the day of an equinox: sunrise "
+        "at 6\n");
 }
 
 TEST(KorlProgram, DescribeListsTheParameters) {
     const ProgramResult result = runProgram(KORL_PROGRAM, {"describe", "AmbientLight"});
     EXPECT_EQ(result.exit_code, 0);
     EXPECT_EQ(result.output, "AmbientLight (Scenery/AmbientLight): A light source that lights everything.\n\n"
-                             "PARAMETER  TYPE   DEFAULT  RANGE  LEVEL\n"
-                             "Color      color  1 1 1 1  -      1\n");
+                             "PARAMETER  TYPE   DEFAULT  RANGE  UNIT  LEVEL  WHAT IT IS\n"
+                             "Color      color  1 1 1 1  -      -     1      colour of the light, the same "
+                             "everywhere\n");
 }
 
 TEST(KorlProgram, AcceptsListsInputsByKindOfValue) {

@@ -52,7 +52,7 @@ TEST_F(GalleryGLTest, ShowsEveryTypeOnBothPaths) {
                 << type;
     }
     EXPECT_THAT(html, HasSubstr("<td><code>latitude</code></td><td>double</td><td><code>45</code></td>"
-                                "<td>-90 to 90</td><td>0</td>"));
+                                "<td>-90 to 90</td><td>degrees</td><td>0</td><td>where on Earth"));
     EXPECT_THAT(html, HasSubstr("<td><code>timeofday</code></td><td>double</td><td><code>12</code></td>"
                                 "<td>up to 24</td>"));
     EXPECT_THAT(html, HasSubstr("<td><code>TorchScaleDistance$$</code></td><td><code>1000</code></td>"));

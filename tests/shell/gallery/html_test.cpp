@@ -43,12 +43,14 @@ TEST(GalleryPage, EscapesAllThatModulesSay) {
     sheet.category = "<category>";
     sheet.description = "<description>";
     sheet.failure = "<failure>";
-    sheet.parameters = {{"<parameter>", "<kind>", "<initial>", "<range>", 0, "<more>"}};
+    sheet.parameters = {
+        {{"<parameter>", "<kind>", "<initial>", "<minimum>", "<maximum>", "<unit>", 0, "<note>"}, "<more>"}};
     sheet.uniforms = {{"<uniform>", "<value>"}};
     sheet.snippets = {"if (1 <2) <snippet>"};
     const std::string page = korl::galleryPage({sheet});
-    for (const char* const text : {"name", "category", "description", "failure", "parameter", "kind",
-                                   "initial", "range", "more", "uniform", "value", "snippet"}) {
+    for (const char* const text :
+         {"name", "category", "description", "failure", "parameter", "kind", "initial", "minimum", "maximum",
+          "unit", "note", "more", "uniform", "value", "snippet"}) {
         EXPECT_THAT(page, Not(HasSubstr("<" + std::string(text) + ">")));
         EXPECT_THAT(page, HasSubstr("&lt;" + std::string(text) + "&gt;"));
     }

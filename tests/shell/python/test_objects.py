@@ -30,10 +30,10 @@ class ObjectTest(unittest.TestCase):
         self.assertEqual(
             sun.parameters,
             (
-                ("Intensity", "double", 0.9, None, None, None, 0),
-                ("Specular", "double", 0.1, None, None, None, 0),
-                ("latitude", "double", 45.0, -90.0, 90.0, "degrees", 0),
-                ("timeofday", "double", 12.0, None, 24.0, "hours", 0),
+                ("Intensity", "double", 0.9, None, None, None, 0, "strength of the diffuse light"),
+                ("Specular", "double", 0.1, None, None, None, 0, "strength of the highlights"),
+                ("latitude", "double", 45.0, -90.0, 90.0, "degrees", 0, sun.parameters[2].doc),
+                ("timeofday", "double", 12.0, None, 24.0, "hours", 0, sun.parameters[3].doc),
             ),
         )
         self.assertEqual(types["AmbientLight"].parameters[0].default, (1, 1, 1, 1))
@@ -133,6 +133,7 @@ class ObjectTest(unittest.TestCase):
             (latitude.value, latitude.default, latitude.minimum, latitude.maximum, latitude.unit, latitude.level),
             (52, 45, -90, 90, "degrees", 0),
         )
+        self.assertEqual(latitude.doc, "where on Earth the scene is, north positive")
         latitude.value = 53
         self.assertEqual(sun.latitude, 53)
         latitude.reset()
