@@ -24,7 +24,7 @@ const std::map<std::string, std::vector<std::string>> dependencies{
     {"navigation/light", {"doltra/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/base", {"shell/base/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/plugins", {"shell/base/", "shell/plugins/", "sorvik/", "tessan/", "orvid/"}},
-    {"shell/catalogue", {"shell/base/", "shell/catalogue/", "sorvik/", "tessan/", "orvid/"}},
+    {"shell/catalogue", {"shell/base/", "shell/catalogue/", "palune/", "sorvik/", "tessan/", "orvid/"}},
     {"shell/mesh", {"shell/base/", "shell/mesh/"}},
     {"shell/importer", {"shell/base/", "shell/mesh/", "shell/importer/"}},
     {"shell/image", {"shell/base/", "shell/image/"}},

@@ -65,7 +65,8 @@ VValueBase* VParameter::getLocalValue(ValuePool& pool, std::string_view componen
 bool VParameter::setGlobalValue(const VValueBase& value) {
     if (!my_value->component({})->setContainerValue(value))
         return false;
-    Vprintf(50, "VParameter::setGlobalValue() got variable with %s\n", my_value->Text().c_str());
+    if (verbosity() >= 50)
+        Vprintf(50, "VParameter::setGlobalValue() got variable with %s\n", my_value->Text().c_str());
     return true;
 }
 

@@ -2,11 +2,11 @@
 
 #include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
-#include "shell/catalogue/value_kind.hpp"
+#include "shell/catalogue/parameter_value.hpp"
+#include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <sorvik/component_text.hpp>
-#include <sorvik/creator.hpp>
 
 #include <algorithm>
 #include <array>
@@ -21,13 +21,7 @@ namespace korl {
 
 namespace {
 
-constexpr const char* sun_type = "Sun";
 constexpr const char* sun_parameter = "timeofday";
-
-bool isSun(const Qelt::VObject& object) {
-    const Qelt::VCreatorBase* const creator = object.creator().get();
-    return creator && creator->Name() == sun_type;
-}
 
 std::size_t countOfWords(const std::string& text) {
     std::istringstream words(text);
@@ -54,11 +48,11 @@ bool readEnds(Variation& variation, const std::string& text) {
 }
 
 void validateEnd(const std::string& name, const Qelt::VParameter& parameter, const std::string& text) {
-    const std::vector<double> numbers = numbersIn(text);
-    if (numbers.empty() || !parameter.DefaultValue().clone()->setValueFromText(text))
+    const auto value = parameter.DefaultValue().clone();
+    if (numberCount(parameter.type()) == 0 || !value->setValueFromText(text))
         throw Error("cannot vary " + inQuotes(name) + ": it takes " + valueForm(parameter.type()) +
                     ", found " + inQuotes(text));
-    if (!std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); }))
+    if (!isFinite(*value.get()))
         throw Error("cannot vary " + inQuotes(name) + ": it takes finite numbers, found " + inQuotes(text));
 }
 
@@ -127,8 +121,8 @@ Variation parseVariation(const std::string& text) {
 
 Variation sunTime(const Scene& scene, const std::string& hours) {
     const auto& objects = scene.objects();
-    const auto sun =
-        std::find_if(objects.begin(), objects.end(), [](const auto& object) { return isSun(*object.get()); });
+    const auto sun = std::find_if(objects.begin(), objects.end(),
+                                  [](const auto& object) { return hasSolarTime(*object.get()); });
     if (sun == objects.end())
         throw Error("the time of the sun cannot be varied: the scene has no Sun; add one");
     Variation variation{(*sun)->Name(), sun_parameter, "", ""};
@@ -177,7 +171,7 @@ bool isDirection(const Variation& variation, const Scene& scene) {
 
 bool isSolarTime(const Variation& variation, const Scene& scene) {
     const Qelt::VObject* const object = scene.find(variation.object);
-    return object && isSun(*object) && variation.parameter == sun_parameter;
+    return object && hasSolarTime(*object) && variation.parameter == sun_parameter;
 }
 
 } // namespace korl

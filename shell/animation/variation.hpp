@@ -16,7 +16,8 @@ struct Variation {
 /// name may have dots in it, the parameter's has none. Throws Error for any other form.
 Variation parseVariation(const std::string& text);
 
-/// The variation of the time of day of the scene's first Sun. Throws Error for a scene without one, and for a
+/// The variation of the time of day of the scene's first sun, an object with a `timeofday` and a
+/// `latitude`. Throws Error for a scene without one, and for a
 /// text that is not "FROM:TO".
 /// @param hours such as "6:18".
 Variation sunTime(const Scene& scene, const std::string& hours);

@@ -62,7 +62,7 @@ void endWithSender(int socket) {
 
 void makeFrame(Shell& shell, const FrameRequest& request, const WorkerJob& job) {
     for (const auto& [object, parameter, text] : request.values)
-        shell.scene().setParameter(object, parameter, text, job.view);
+        shell.scene().setParameterText(object, parameter, text, job.view);
     const Image image = shell.render(job.picture, job.view);
     std::vector<std::pair<std::string, std::string>> texts{{"Software", "korl " KORL_VERSION}};
     if (!request.description.empty())

@@ -1,33 +1,16 @@
 #include "shell/catalogue/module_of.hpp"
 
+#include "shell/base/loaded_modules.hpp"
+
 #include <sorvik/creator.hpp>
 #include <sorvik/initialization.hpp>
 
 #include <algorithm>
-#include <dlfcn.h>
-#include <memory>
 
 namespace korl {
 
-namespace {
-
-struct Close {
-    void operator()(void* handle) const noexcept { ::dlclose(handle); }
-};
-
-} // namespace
-
 std::string moduleOf(const Qelt::VCreatorBase& creator) {
-    Dl_info found{};
-    if (::dladdr(&creator.type(), &found) == 0)
-        return {};
-    const std::unique_ptr<void, Close> library(::dlopen(found.dli_fname, RTLD_NOLOAD | RTLD_LAZY));
-    if (!library)
-        return {};
-    for (const VInitialization::Plugin& plugin : VInitialization::plugins())
-        if (::dlsym(library.get(), (VInitialization::entryPointPrefix + plugin.name).c_str()))
-            return plugin.name;
-    return {};
+    return std::string(moduleAt(&creator.type()));
 }
 
 bool isModuleLoaded(const std::string& name) {

@@ -1,4 +1,4 @@
-#include "shell/catalogue/value_kind.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/cli/program.hpp"
 
 #include <sorvik/creator.hpp>

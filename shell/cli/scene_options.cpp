@@ -210,7 +210,7 @@ void fillScene(const SceneOptions& options, double aspect, Scene& scene, ScenePu
     if (is_completed && !scene.hasLight() && !options.no_default_light)
         addDefaultLight(scene);
     for (const Setting& setting : parsed.settings)
-        scene.setParameter(setting.object, setting.parameter, setting.value);
+        scene.setParameterText(setting.object, setting.parameter, setting.value);
     for (const Connection& connection : parsed.connections)
         scene.connect(connection.follower.object, connection.follower.parameter, connection.object,
                       connection.parameter);

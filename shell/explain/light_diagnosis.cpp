@@ -170,11 +170,8 @@ void addDirection(LightExplanation& light, const LightStats& stats, const Sample
     if (stats.is_directed && stats.is_parallel && stats.travel.z > 0) {
         const std::string angle =
             numberText(glm::degrees(std::asin(std::min(stats.travel.z, 1.0f)))) + " degrees";
-        light.findings.push_back(
-            {FindingKind::below_horizon,
-             light.type == "Sun" ? "is " + angle + " below the horizon, from where the sun shines upwards"
-                                 : "shines upwards, from " + angle + " below the horizon",
-             lit < mostly_lit});
+        light.findings.push_back({FindingKind::below_horizon,
+                                  "is " + angle + " below the horizon and shines upwards", lit < mostly_lit});
     }
     if (lit < hardly_lit) {
         const std::string what = samples.is_pixel ? "the surface at the pixel"

@@ -1,13 +1,17 @@
 #include "shell/explain/light_explanations.hpp"
 
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_names.hpp"
-#include "shell/catalogue/value_kind.hpp"
 #include "shell/explain/opengl_light.hpp"
+#include "shell/render/fixed_path.hpp"
+#include "shell/render/light_sampler.hpp"
+#include "shell/render/shader_path.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_check.hpp"
 #include "shell/render/uniform_values.hpp"
 #include "shell/scene/light.hpp"
+#include "shell/scene/scene.hpp"
 
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
@@ -106,17 +110,15 @@ void noteUniforms(LightExplanation& light, const Qelt::RenderNamespace::LightSou
 /// Names the parameters that were set to zero, for a light that has zero intensity: numbers, and colours but
 /// for their alpha.
 void nameZeroParameters(LightExplanation& light, const Qelt::VObject& object, Qelt::ValuePool& pool) {
-    const auto isZero = [](const std::string& text, const std::string& kind) {
-        std::array<double, 4> components{};
-        const std::size_t count = kind == "double" ? 1 : kind == "color" ? 4 : 0;
-        return count > 0 && Qelt::componentsFromText(std::span(components).first(count), text) &&
-               components[0] == 0 && (count < 4 || (components[1] == 0 && components[2] == 0));
+    const auto isZero = [](const Qelt::VValueBase& value) {
+        const std::vector<double> numbers = numbersOf(value);
+        return (numbers.size() == 1 && numbers[0] == 0) ||
+               (numbers.size() == 4 && numbers[0] == 0 && numbers[1] == 0 && numbers[2] == 0);
     };
     std::string names;
     for (const auto& [parameter, expert_level] : object.parameters()) {
-        const std::string kind = valueKind(parameter->type());
         const Qelt::VValueBase* const value = parameter->getLocalValue(pool);
-        if (value && isZero(value->Text(), kind) && !isZero(parameter->DefaultValue().Text(), kind))
+        if (value && isZero(*value) && !isZero(parameter->DefaultValue()))
             names += (names.empty() ? "" : ", ") + inQuotes(parameter->Name());
     }
     for (Finding& finding : light.findings)

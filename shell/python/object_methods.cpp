@@ -1,9 +1,9 @@
 #include "shell/base/printable.hpp"
 #include "shell/python/session_class.hpp"
 
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_info.hpp"
 #include "shell/catalogue/type_names.hpp"
-#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/aiming.hpp"
 
 #include <sorvik/creator.hpp>
@@ -11,6 +11,7 @@
 #include <array>
 #include <optional>
 #include <utility>
+#include <variant>
 
 namespace korl::python {
 
@@ -38,12 +39,34 @@ const std::string& living(const Scene& scene, const Handle& handle) {
     return handle.name;
 }
 
+/// A parameter's value: numbers or, for a type that has none, its text form.
+using Value = std::variant<std::vector<double>, std::string>;
+
 /// What a parameter reads as in a view; nothing where what it follows is gone.
-std::optional<std::string> readValue(Shell& shell, const Handle& object, const std::string& name,
-                                     const std::string& view) {
+std::optional<Value> readValue(Shell& shell, const Handle& object, const std::string& name,
+                               const std::string& view) {
     const Qelt::VParameter& parameter = shell.scene().parameter(living(shell.scene(), object), name);
     const Qelt::VValueBase* const value = parameter.getLocalValue(shell.view(view).pool());
-    return value ? std::optional(value->Text()) : std::nullopt;
+    if (!value)
+        return std::nullopt;
+    if (numberCount(parameter.type()) == 0)
+        return value->Text();
+    const std::vector<double> numbers = numbersOf(*value);
+    return numbers.empty() ? std::nullopt : std::optional<Value>(numbers);
+}
+
+void setValue(Shell& shell, const Handle& object, const std::string& name, const Value& value,
+              const std::string& view) {
+    Scene& scene = shell.scene();
+    const std::string& owner = living(scene, object);
+    if (const auto* const text = std::get_if<std::string>(&value))
+        return scene.setParameterText(owner, name, *text, view);
+    const auto& numbers = std::get<std::vector<double>>(value);
+    const auto made = makeValue(scene.parameter(owner, name).type(), numbers);
+    if (!made)
+        throw InvalidValue(inQuotes(owner + "." + name) + " takes another count of numbers than " +
+                           std::to_string(numbers.size()));
+    scene.setParameter(owner, name, *made.get(), view);
 }
 
 std::optional<std::pair<Handle, std::string>> sourceOf(Shell& shell, const Handle& object,
@@ -86,7 +109,11 @@ void defineValues(py::module_& module) {
         .def_readonly("default", &ParameterInfo::default_text)
         .def_readonly("minimum", &ParameterInfo::minimum)
         .def_readonly("maximum", &ParameterInfo::maximum)
-        .def_readonly("unit", &ParameterInfo::unit)
+        .def_property_readonly("unit",
+                               [](const ParameterInfo& info) {
+                                   return info.unit.empty() ? std::nullopt : std::optional(info.unit);
+                               })
+        .def_readonly("doc", &ParameterInfo::description)
         .def_readonly("level", &ParameterInfo::expert_level);
     py::class_<TypeInfo>(module, "TypeInfo")
         .def_readonly("name", &TypeInfo::name)
@@ -117,11 +144,7 @@ void defineObjects(py::module_& module, Session& session) {
         return valueKind(shell.scene().parameter(living(shell.scene(), object), name).type());
     });
     add(session, "value", readValue);
-    add(session, "set",
-        [](Shell& shell, const Handle& object, const std::string& name, const std::string& text,
-           const std::string& view) {
-            shell.scene().setParameter(living(shell.scene(), object), name, text, view);
-        });
+    add(session, "set", setValue);
     add(session, "reset",
         [](Shell& shell, const Handle& object, const std::string& name, const std::string& view) {
             shell.scene().resetParameter(living(shell.scene(), object), name, view);

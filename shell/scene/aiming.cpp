@@ -2,6 +2,7 @@
 
 #include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 
 #include <orvid/physical_space.hpp>
 #include <sorvik/component_text.hpp>
@@ -26,20 +27,29 @@ std::string text(const glm::dvec3& value) {
     return Qelt::componentsToText(std::array{value.x, value.y, value.z});
 }
 
-bool has(const Qelt::VObject& light, const char* name, const std::type_info& type) {
+template <class T>
+bool has(const Qelt::VObject& light, const char* name) {
     const Qelt::VParameter* const parameter = light.findParameter(name);
-    return parameter && parameter->type() == type;
+    return parameter && parameter->type() == typeid(T);
+}
+
+/// Sets a point or a vector.
+template <class T>
+void set(Scene& scene, const std::string& light, const char* name, const glm::dvec3& value) {
+    scene.setParameter(light, name, *makeValue(typeid(T), std::array{value.x, value.y, value.z}).get());
 }
 
 bool hasParallelRays(const Qelt::VObject& light) {
-    return has(light, direction_name, typeid(PhysicalSpace::vector));
+    return has<PhysicalSpace::vector>(light, direction_name);
 }
 
 void requireAimable(const Qelt::VObject& light) {
-    if (!hasParallelRays(light) && !(has(light, position_name, typeid(PhysicalSpace::point)) &&
-                                     has(light, target_name, typeid(PhysicalSpace::point))))
-        throw WrongType(inQuotes(light.Name()) + ", a " + printable(light.type_key()) +
-                        ", has no direction to set; a DirectionalLight and a DistanceLight have one");
+    if (!hasParallelRays(light) &&
+        !(has<PhysicalSpace::point>(light, position_name) && has<PhysicalSpace::point>(light, target_name)))
+        throw WrongType(
+            inQuotes(light.Name()) + ", a " + printable(light.type_key()) +
+            ", has no direction to set: it lacks the parameter \"direction\", and \"lightposition\" "
+            "with \"shineat\"");
 }
 
 /// A vector's direction; scaled first, since the squares of very large or small components leave the range of
@@ -55,8 +65,7 @@ void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec
 }
 
 glm::dvec3 pointIn(const Qelt::VObject& light, const char* name) {
-    std::array<double, 3> read{};
-    Qelt::componentsFromText(read, light.findParameter(name)->globalValue().Text());
+    const std::vector<double> read = numbersOf(light.findParameter(name)->globalValue());
     return {read[0], read[1], read[2]};
 }
 
@@ -72,8 +81,10 @@ void aimAt(Scene& scene, const std::string& name, const glm::dvec3& point) {
                            (parallel ? "its rays are seen from the origin, and there is no way from there "
                                        "to itself"
                                      : "the light stands there itself; aim it elsewhere or move it"));
-    scene.setParameter(name, parallel ? direction_name : target_name,
-                       text(parallel ? directionOf(point) : point));
+    if (parallel)
+        set<PhysicalSpace::vector>(scene, name, direction_name, directionOf(point));
+    else
+        set<PhysicalSpace::point>(scene, name, target_name, point);
 }
 
 void shineFrom(Scene& scene, const std::string& name, const glm::dvec3& direction) {
@@ -85,12 +96,12 @@ void shineFrom(Scene& scene, const std::string& name, const glm::dvec3& directio
     const glm::dvec3 from = directionOf(direction);
     if (hasParallelRays(light)) {
         // Subtracted from zero, so that no component becomes a negative zero.
-        scene.setParameter(name, direction_name, text(glm::dvec3(0) - from));
+        set<PhysicalSpace::vector>(scene, name, direction_name, glm::dvec3(0) - from);
         return;
     }
     const glm::dvec3 target = pointIn(light, target_name);
     const double distance = glm::distance(pointIn(light, position_name), target);
-    scene.setParameter(name, position_name, text(target + from * (distance > 0 ? distance : 1)));
+    set<PhysicalSpace::point>(scene, name, position_name, target + from * (distance > 0 ? distance : 1));
 }
 
 } // namespace korl

@@ -4,8 +4,8 @@
 #include "shell/base/module_call.hpp"
 #include "shell/base/near_names.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_names.hpp"
-#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/light.hpp"
 
 #include <sorvik/creator.hpp>
@@ -23,11 +23,6 @@ using Qelt::VParameter;
 using Tessan::StrongPtr;
 
 namespace {
-
-/// Whether a text form holds a number that is no number, or infinite.
-bool saysNotFinite(const std::string& value_text) {
-    return value_text.find("nan") != std::string::npos || value_text.find("inf") != std::string::npos;
-}
 
 /// Revisions are numbers of the process, so that not even a scene in the place of another one repeats one.
 unsigned long nextRevision() {
@@ -79,15 +74,12 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
                     ": the scene already has an object of this name");
     const auto taken = [&](const std::string& candidate) { return isTaken(candidate); };
     const std::string own = name.empty() ? creator->createChildname(taken, my_numbers[type]) : name;
-    return *ModuleCall(*creator, "creation").run([&] { return creator->create(own, this); }).get();
-}
-
-void Scene::objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context, VCreatorBase&) {
-    if (context != this)
-        return;
+    const StrongPtr<VObject> object =
+        ModuleCall(*creator, "creation").run([&] { return creator->create(own); });
     my_objects.push_back(object);
     my_objects_by_name.insert_or_assign(object->Name(), object);
     my_revision = nextRevision();
+    return *object.get();
 }
 
 VObject* Scene::find(const std::string& name) const {
@@ -167,25 +159,38 @@ std::string Scene::tooLongChain(const VParameter& follower, const VParameter& so
 }
 
 void Scene::setParameter(const std::string& object_name, const std::string& parameter_name,
-                         const std::string& text, const std::string& view_name) {
+                         const Qelt::VValueBase& value, const std::string& view_name) {
     VParameter& changed = parameter(object_name, parameter_name);
-    Qelt::ValuePool* const pool = view_name.empty() ? nullptr : view(view_name).get();
-    const std::string full_name = object_name + "." + parameter_name;
+    const auto refuse = [&](const std::string& expected) {
+        refuseValue(object_name, changed, view_name, expected, value.Text());
+    };
+    if (value.type() != changed.type())
+        refuse(valueForm(changed.type()));
+    if (!isFinite(value))
+        refuse("finite numbers");
+    if (view_name.empty())
+        changed.setGlobalValue(value);
+    else
+        view(view_name)->createVariable(changed, value.clone());
+}
+
+void Scene::setParameterText(const std::string& object_name, const std::string& parameter_name,
+                             const std::string& text, const std::string& view_name) {
+    const VParameter& changed = parameter(object_name, parameter_name);
     const ModuleCall call(object(object_name), "setValueFromText");
     const StrongPtr<Qelt::VValueBase> value = call.run([&] { return changed.DefaultValue().clone(); });
-    const auto kept = [&] {
-        const Qelt::VValueBase* const held = pool ? changed.getLocalValue(*pool) : &changed.globalValue();
-        return held ? "; it keeps " + inQuotes(held->Text()) : std::string();
-    };
     if (!call.run([&] { return value->setValueFromText(text); }))
-        throw InvalidValue(inQuotes(full_name) + " takes " + valueForm(changed.type()) + ", found " +
-                           inQuotes(text) + kept());
-    if (saysNotFinite(value->Text()))
-        throw InvalidValue(inQuotes(full_name) + " takes finite numbers, found " + inQuotes(text) + kept());
-    if (pool)
-        pool->createVariable(changed, value);
-    else
-        changed.setGlobalValue(*value.get());
+        refuseValue(object_name, changed, view_name, valueForm(changed.type()), text);
+    setParameter(object_name, parameter_name, *value.get(), view_name);
+}
+
+void Scene::refuseValue(const std::string& object_name, const VParameter& changed,
+                        const std::string& view_name, const std::string& expected,
+                        const std::string& found) const {
+    const Qelt::VValueBase* const kept =
+        view_name.empty() ? &changed.globalValue() : changed.getLocalValue(*view(view_name).get());
+    throw InvalidValue(inQuotes(object_name + "." + changed.Name()) + " takes " + expected + ", found " +
+                       inQuotes(found) + (kept ? "; it keeps " + inQuotes(kept->Text()) : ""));
 }
 
 void Scene::resetParameter(const std::string& object_name, const std::string& parameter_name,

@@ -6,7 +6,6 @@
 
 #include <doltra/renderable.hpp>
 #include <orvid/rgba_float.hpp>
-#include <sorvik/action_notifier.hpp>
 #include <sorvik/object.hpp>
 #include <sorvik/value_pool.hpp>
 #include <tessan/strong_ptr.hpp>
@@ -35,10 +34,12 @@ std::string tooLongChainText();
 ///
 /// The scene owns its objects. An object that is deleted by others, as happens when its module is unloaded,
 /// leaves the scene by itself. All operations belong to the thread that renders.
-class Scene : private Qelt::VContext, private Qelt::VActionNotifier {
+class Scene {
 public:
     Scene();
-    ~Scene() override;
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
 
     /// Creates an object through the first creator of the type's name in the catalogue.
     /// @param name the object's name; empty for the type's, numbered where that is taken ("Torch", "Torch2").
@@ -58,13 +59,17 @@ public:
     /// Deletes an object. Throws Error if there is none of this name.
     void remove(std::string name);
 
-    /// Sets the global value of an object's parameter from its text form.
-    /// Throws Error for an unknown object or parameter, a text that is no value of the parameter's type, and
-    /// for numbers that are not finite; nothing is changed then.
+    /// Sets the global value of an object's parameter.
+    /// Throws Error for an unknown object or parameter, a value of another type than the parameter's, and
+    /// numbers that are not finite; nothing is changed then.
     /// @param view where not empty, the value holds in that view alone; throws Error if there is none of the
     /// name.
-    void setParameter(const std::string& object, const std::string& parameter, const std::string& text,
+    void setParameter(const std::string& object, const std::string& parameter, const Qelt::VValueBase& value,
                       const std::string& view = {});
+
+    /// The same from a text form, for values that users write. Throws Error for a malformed text, too.
+    void setParameterText(const std::string& object, const std::string& parameter, const std::string& text,
+                          const std::string& view = {});
 
     /// Brings the global value back to the parameter's default or, with a view, takes that view's own value
     /// away. Throws Error for an unknown object, parameter or view.
@@ -139,9 +144,11 @@ public:
     Orvid::rgba_float_t background{0.13f, 0.14f, 0.16f, 1};
 
 private:
-    void objectCreated(const Tessan::StrongPtr<Qelt::VObject>& object, Qelt::VContext* context,
-                       Qelt::VCreatorBase& creator) override;
     void dropTheGone() const;
+    /// Throws Error that says what a parameter takes, what was found and what it keeps.
+    [[noreturn]] void refuseValue(const std::string& object, const Qelt::VParameter& parameter,
+                                  const std::string& view, const std::string& expected,
+                                  const std::string& found) const;
     /// Why a connection would make a chain too long, the follower's own or that of one below it; empty where
     /// it would not.
     std::string tooLongChain(const Qelt::VParameter& follower, const Qelt::VParameter& source) const;

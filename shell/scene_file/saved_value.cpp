@@ -2,6 +2,7 @@
 
 #include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 
 namespace korl {
 
@@ -14,7 +15,7 @@ namespace {
 std::optional<std::string> finiteText(const VObject& object, const VParameter& parameter,
                                       const Qelt::VValueBase& value) {
     std::string text = value.Text();
-    if (text.find("nan") != std::string::npos || text.find("inf") != std::string::npos)
+    if (!isFinite(value))
         throw Error("the scene cannot be written: " + inQuotes(object.Name() + "." + parameter.Name()) +
                     " is " + inQuotes(text) + ", which is no finite value; set it first");
     return text.empty() ? std::nullopt : std::optional(text);

@@ -59,11 +59,33 @@ std::vector<JsonValue> ScenePlace::list(const JsonValue& value) const {
     return value.items();
 }
 
-std::string ScenePlace::textOf(const JsonValue& object, std::string_view key) const {
+JsonValue ScenePlace::require(const JsonValue& object, std::string_view key) const {
     const auto value = object.find(key);
     if (!value)
         fail("lacks " + inQuotes(key));
-    return value->is(JsonValue::Kind::text) ? value->text() : inside(key).text(*value);
+    return *value;
+}
+
+std::string ScenePlace::textOf(const JsonValue& object, std::string_view key) const {
+    const JsonValue value = require(object, key);
+    return value.is(JsonValue::Kind::text) ? value.text() : inside(key).text(value);
+}
+
+std::string ScenePlace::valueText(const JsonValue& value) const {
+    if (value.is(JsonValue::Kind::text))
+        return value.text();
+    if (value.is(JsonValue::Kind::number))
+        return std::string(value.source());
+    if (!value.is(JsonValue::Kind::list))
+        fail(std::string("expected a number, a list of numbers or a text, found ") + value.kindName());
+    std::string text;
+    std::size_t index = 0;
+    for (const JsonValue& item : value.items()) {
+        if (!item.is(JsonValue::Kind::number))
+            inside(index).fail(std::string("expected a number, found ") + item.kindName());
+        text.append(index++ == 0 ? "" : " ").append(item.source());
+    }
+    return text;
 }
 
 namespace {

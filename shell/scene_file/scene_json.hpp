@@ -49,8 +49,13 @@ public:
     bool boolean(const JsonValue& value) const;
     std::vector<JsonValue> list(const JsonValue& value) const;
 
-    /// The text of a key that an object must have.
+    /// The value of a key that an object must have, and its text.
+    JsonValue require(const JsonValue& object, std::string_view key) const;
     std::string textOf(const JsonValue& object, std::string_view key) const;
+
+    /// The text form of a parameter's value, a colour, a point: a text as it is, a number or a list of
+    /// numbers as they stand in the file.
+    std::string valueText(const JsonValue& value) const;
 
     /// Does something with the value of a key, where the object has it.
     template <class Step>

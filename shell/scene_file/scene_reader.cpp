@@ -28,16 +28,16 @@ constexpr std::size_t max_views = 256; ///< each view costs something for each p
 
 glm::dvec3 triple(const JsonValue& value, const ScenePlace& place) {
     std::array<double, 3> read{};
-    const std::string found = place.text(value);
+    const std::string found = place.valueText(value);
     if (!Qelt::componentsFromText(read, found))
-        place.fail("expected three numbers \"x y z\", found " + inQuotes(found));
+        place.fail("expected three numbers [x, y, z], found " + inQuotes(found));
     return {read[0], read[1], read[2]};
 }
 
 Camera readCamera(const JsonValue& value, const ScenePlace& place) {
     place.requireObject(value, scene_keys::camera);
     for (const char* const key : {"position", "target"})
-        place.textOf(value, key);
+        place.require(value, key);
     Camera camera;
     const auto readTriple = [&](const char* key, glm::dvec3& into) {
         place.ifPresent(value, key,
@@ -72,27 +72,27 @@ std::string listOf(const std::vector<std::string>& names) {
 } // namespace
 
 /// The scene as it was.
-struct SceneReader::Before {
-    UnresolvedObjects foreign;
+struct SceneReader::Rollback {
+    UnresolvedObjects unresolved;
     std::vector<std::string> added_views{};
 };
 
 SceneReader::SceneReader(const std::filesystem::path& file, Scene& scene, const SceneReading& reading,
                          Part part)
     : my_file(file), my_scene(scene), my_reading(reading), my_part(part), my_root(file),
-      my_before(new Before{scene.unresolved()}) {
+      my_rollback(new Rollback{scene.unresolved()}) {
     if (!scene.objects().empty())
         my_latest = scene.objects().back()->number();
 }
 
 SceneReader::~SceneReader() {
-    if (!my_before)
+    if (!my_rollback)
         return;
     for (auto made = my_created.rbegin(); made != my_created.rend(); ++made)
         my_scene.remove(std::string(made->object->Name()));
-    for (const std::string& view : my_before->added_views)
+    for (const std::string& view : my_rollback->added_views)
         my_scene.removeView(view);
-    my_scene.unresolved() = std::move(my_before->foreign);
+    my_scene.unresolved() = std::move(my_rollback->unresolved);
 }
 
 void SceneReader::read(const JsonValue& root) {
@@ -108,7 +108,7 @@ void SceneReader::read(const JsonValue& root) {
     const bool whole = my_part == Part::everything;
     std::optional<Orvid::rgba_float_t> background;
     my_root.ifPresent(root, "background", [&](const auto& value, const auto& place) {
-        const std::string color = place.text(value);
+        const std::string color = place.valueText(value);
         background = place.during([&] { return parseColor(color); });
     });
     std::optional<Camera> camera;
@@ -128,7 +128,7 @@ void SceneReader::read(const JsonValue& root) {
             readSolo(place.text(value), place);
     });
 
-    my_before.reset(); // nothing below fails
+    my_rollback.reset(); // nothing below fails
     for (Mesh& mesh : meshes)
         my_scene.addMesh(std::move(mesh));
     if (whole && camera)
@@ -171,7 +171,7 @@ void SceneReader::readViews(const JsonValue& root) {
             if (std::any_of(had.begin(), had.end(), [&](const auto& view) { return view.first == name; }))
                 continue;
             where.during([&] { my_scene.addView(name); });
-            my_before->added_views.push_back(name);
+            my_rollback->added_views.push_back(name);
         }
     });
 }
@@ -204,14 +204,14 @@ void SceneReader::requireShape(const JsonValue& object, const ScenePlace& place)
             where.fail("expected a name, found an empty text; leave it out for a name of the type");
     });
     place.ifPresent(object, "muted", [](const auto& muted, const auto& where) { where.boolean(muted); });
-    const auto requireTexts = [](const JsonValue& values, const ScenePlace& where) {
+    const auto requireValues = [](const JsonValue& values, const ScenePlace& where) {
         where.requireObject(values);
-        values.forEachMember([&](const std::string& key, const JsonValue& text) {
-            if (!text.is(JsonValue::Kind::text))
-                where.inside(key).text(text);
+        values.forEachMember([&](const std::string& key, const JsonValue& value) {
+            if (!value.is(JsonValue::Kind::text) && !value.is(JsonValue::Kind::number))
+                where.inside(key).valueText(value);
         });
     };
-    place.ifPresent(object, "parameters", requireTexts);
+    place.ifPresent(object, "parameters", requireValues);
     place.ifPresent(object, "connections", [](const auto& connections, const auto& where) {
         where.requireObject(connections);
         connections.forEachMember([&](const std::string& key, const JsonValue& source) {
@@ -225,7 +225,7 @@ void SceneReader::requireShape(const JsonValue& object, const ScenePlace& place)
         where.requireObject(views);
         views.forEachMember([&](const std::string& view, const JsonValue& values) {
             where.duringInside(view, [&] { my_scene.view(view); });
-            requireTexts(values, where.inside(view));
+            requireValues(values, where.inside(view));
         });
     });
 }
@@ -289,14 +289,15 @@ void SceneReader::keep(const JsonValue& value, const std::string& type, const st
                                   "; name the file of its module with --plugin");
     if (!name.empty() && my_scene.isTaken(name))
         place.inside("name").fail("the scene already has an object of the name " + inQuotes(name));
-    my_foreign_names[type].push_back(name);
+    my_unresolved_names[type].push_back(name);
     my_scene.unresolved().add({type, name, std::string(value.source()), my_latest});
 }
 
 void SceneReader::readValues(const JsonValue& values, const ScenePlace& place, const std::string& object,
                              const std::string& view) {
     values.forEachMember([&](const std::string& parameter, const JsonValue& value) {
-        place.duringInside(parameter, [&] { my_scene.setParameter(object, parameter, value.text(), view); });
+        place.duringInside(
+            parameter, [&] { my_scene.setParameterText(object, parameter, place.valueText(value), view); });
     });
 }
 
@@ -369,7 +370,7 @@ void SceneReader::warnOfUnresolved() const {
     if (!my_reading.warn)
         return;
     const std::vector<std::string> known = typeNames();
-    for (const auto& [type, names] : my_foreign_names)
+    for (const auto& [type, names] : my_unresolved_names)
         my_reading.warn(printable(my_file.string()) + ": no loaded module has the type " + inQuotes(type) +
                         " of " + listOf(names) + ", kept for later but not shown: " +
                         nearNames(type, known, "no module is loaded that has any; name one with --plugin"));

@@ -89,9 +89,10 @@ private:
     std::unordered_set<std::string> my_left_out;              ///< the names in the file of what is no light
     std::unordered_map<std::string, int> my_numbers; ///< how far unnamed objects were counted, by type
     std::uint64_t my_latest = 0;                     ///< the number of the object created last
-    std::map<std::string, std::vector<std::string>> my_foreign_names; ///< by type
-    struct Before;
-    std::unique_ptr<Before> my_before; ///< what to come back to; nothing when there is no need to any more
+    std::map<std::string, std::vector<std::string>> my_unresolved_names; ///< by type
+    struct Rollback;
+    std::unique_ptr<Rollback>
+        my_rollback; ///< what to come back to; nothing when there is no need to any more
 };
 
 } // namespace korl

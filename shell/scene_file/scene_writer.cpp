@@ -2,6 +2,7 @@
 
 #include "shell/base/printable.hpp"
 #include "shell/catalogue/module_of.hpp"
+#include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_names.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
@@ -23,18 +24,32 @@ namespace {
 
 constexpr int object_indent = 4;
 
-std::string colorText(const Orvid::rgba_float_t& color) {
-    return Qelt::componentsToText(std::array{color.r, color.g, color.b, color.a});
+/// Numbers that are separated by blanks, as a list.
+std::string listOf(const std::string& numbers) {
+    std::string list = "[";
+    for (const char letter : numbers)
+        list += letter == ' ' ? ", " : std::string(1, letter);
+    return list + "]";
 }
 
-std::string tripleText(const glm::dvec3& value) {
-    return Qelt::componentsToText(std::array{value.x, value.y, value.z});
+/// A value of a parameter.
+std::string valueJson(const VParameter& parameter, const std::string& text) {
+    const std::size_t count = numberCount(parameter.type());
+    return count == 0 ? jsonQuoted(text) : count == 1 ? text : listOf(text);
 }
 
-std::string cameraText(const Camera& camera) {
-    return jsonObject({{"position", jsonQuoted(tripleText(camera.position))},
-                       {"target", jsonQuoted(tripleText(camera.target))},
-                       {"up", jsonQuoted(tripleText(camera.up))},
+std::string colorJson(const Orvid::rgba_float_t& color) {
+    return listOf(Qelt::componentsToText(std::array{color.r, color.g, color.b, color.a}));
+}
+
+std::string tripleJson(const glm::dvec3& value) {
+    return listOf(Qelt::componentsToText(std::array{value.x, value.y, value.z}));
+}
+
+std::string cameraJson(const Camera& camera) {
+    return jsonObject({{"position", tripleJson(camera.position)},
+                       {"target", tripleJson(camera.target)},
+                       {"up", tripleJson(camera.up)},
                        {"fov", Qelt::componentsToText(std::array{camera.fov_degrees})}},
                       2);
 }
@@ -92,10 +107,10 @@ std::string SceneWriter::text() const {
     };
     const bool whole = my_part == Part::everything;
     addList("plugins", plugins());
-    if (whole && colorText(my_scene.background) != colorText(Scene().background))
-        members.emplace_back("background", jsonQuoted(colorText(my_scene.background)));
+    if (whole && !(my_scene.background == Scene().background))
+        members.emplace_back("background", colorJson(my_scene.background));
     if (whole && my_scene.camera)
-        members.emplace_back("camera", cameraText(*my_scene.camera));
+        members.emplace_back("camera", cameraJson(*my_scene.camera));
     std::vector<std::string> views;
     for (const Scene::NamedView& view : my_scene.views())
         if (whole || hasLightValues(*view.second.get()))
@@ -158,7 +173,7 @@ std::string SceneWriter::object(const VObject& object) const {
     Members parameters;
     for (const auto& [parameter, ignored] : object.parameters())
         if (const auto text = savedValue(object, *parameter.get()))
-            parameters.emplace_back(parameter->Name(), jsonQuoted(*text));
+            parameters.emplace_back(parameter->Name(), valueJson(*parameter.get(), *text));
     if (!parameters.empty())
         members.emplace_back("parameters", jsonObject(parameters, object_indent + 2));
     if (const Members list = connections(object); !list.empty())
@@ -168,7 +183,7 @@ std::string SceneWriter::object(const VObject& object) const {
         Members values;
         for (const auto& [parameter, ignored] : object.parameters())
             if (const auto text = savedValue(object, *parameter.get(), *pool.get()))
-                values.emplace_back(parameter->Name(), jsonQuoted(*text));
+                values.emplace_back(parameter->Name(), valueJson(*parameter.get(), *text));
         if (!values.empty())
             views.emplace_back(name, jsonObject(values, object_indent + 4));
     }

@@ -73,6 +73,7 @@ class ParameterType(NamedTuple):
     maximum: float | None
     unit: str | None
     level: int
+    doc: str
 
 class Type(NamedTuple):
     name: str
@@ -129,6 +130,8 @@ class Parameter:
     def unit(self) -> str | None: ...
     @property
     def level(self) -> int: ...
+    @property
+    def doc(self) -> str: ...
     @property
     def object(self) -> Object: ...
     value: _Settable[Any, _Value]

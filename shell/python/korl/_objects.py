@@ -6,7 +6,7 @@ from typing import NamedTuple, Optional
 from . import _korl
 from ._errors import Error, InvalidValueError, UnknownNameError, WrongTypeError
 from ._strict import Strict, strict, strict_tuple
-from ._values import from_text, require, shown, text_in, to_text, triple
+from ._values import from_shell, from_text, require, shown, text_in, to_shell, triple
 
 
 @strict_tuple
@@ -20,11 +20,12 @@ class ParameterType(NamedTuple):
     maximum: Optional[float]
     unit: Optional[str]
     level: int
+    doc: str
 
     @classmethod
     def _of(cls, info):
         values = (from_text(info.kind, text) for text in (info.default, info.minimum, info.maximum))
-        return cls(info.name, info.kind, *values, info.unit, info.level)
+        return cls(info.name, info.kind, *values, info.unit, info.level, info.doc)
 
 
 @strict_tuple
@@ -160,6 +161,7 @@ class Parameter(Strict):
     maximum = property(lambda self: self._type.maximum, doc="The most that makes sense, or None.")
     unit = property(lambda self: self._type.unit, doc="The unit where it is known, else None.")
     level = property(lambda self: self._type.level, doc="0 for every user; higher ones are for experts.")
+    doc = property(lambda self: self._type.doc, doc="What it does, in a few words; may be empty.")
     object = property(lambda self: self._owner, doc="The object that it belongs to.")
 
     @property
@@ -182,13 +184,13 @@ class Parameter(Strict):
     def _read(self, view=None):
         """What it is in a view; None where it follows what has gone."""
         session = self._owner._session
-        return from_text(self.kind, session.value(self._owner._handle, self.name, view_name(view, session)))
+        return from_shell(self.kind, session.value(self._owner._handle, self.name, view_name(view, session)))
 
     def set(self, value, view=None):
         """Changes it in all views or, with a view, in that one alone."""
-        text = to_text(self.kind, value, self)
+        value = to_shell(self.kind, value, self)
         session = self._owner._session
-        session.set(self._owner._handle, self.name, text, view_name(view, session))
+        session.set(self._owner._handle, self.name, value, view_name(view, session))
 
     def reset(self, view=None):
         """Brings back the default or, with a view, takes away what that one has of its own."""

@@ -14,7 +14,7 @@ from ._image import Image
 from ._meshes import MeshInfo, rows, rows_for
 from ._objects import Object, Parameter, ParameterType, Type, View, view_name
 from ._strict import Names, Strict, checked, strict, strict_tuple
-from ._values import numbers_in, parts_of, path_of, text_in, text_of, to_text, whole
+from ._values import numbers_in, parts_of, path_of, text_in, text_of, to_shell, whole
 
 _PATHS = _korl.RenderPath.__members__
 _MOST = 10**9  # the largest limit of time or memory
@@ -343,7 +343,8 @@ class Shell(Strict):
             parameter, ends = self._parameter(key), parts_of(values)
             if ends is None or len(ends) != 2:
                 raise WrongTypeError(f'"{parameter}" varies over a pair of values, found {values!r}')
-            texts = [to_text(parameter.kind, end, parameter) for end in ends]
+            values = [to_shell(parameter.kind, end, parameter) for end in ends]
+            texts = [value if isinstance(value, str) else text_of(value) for value in values]
             settings.vary(parameter.object.name, parameter.name, *texts)
         if sun_time is not None:
             hours = numbers_in(sun_time, 2, "sun_time takes two numbers, the first and the last hour")

@@ -1,4 +1,4 @@
-"""Values of parameters: numbers and tuples in Python, text forms in the shell."""
+"""Values of parameters: numbers and tuples, and the text forms of other types."""
 
 import numbers
 import operator
@@ -100,19 +100,24 @@ def text_of(floats):
     return " ".join(repr(number) for number in floats)
 
 
-def to_text(kind, value, name):
-    """The text form of a value for a parameter of a kind; of another kind than the four only text is taken."""
+def to_shell(kind, value, name):
+    """A value for a parameter of a kind as the shell takes it: floats or, of another kind than the four, text."""
     if kind in _COUNTS:
-        return text_of(numbers_in(value, _COUNTS[kind], f'"{name}" takes {_FORMS[kind]}'))
+        return numbers_in(value, _COUNTS[kind], f'"{name}" takes {_FORMS[kind]}')
     return text_in(value, f'the value of "{name}", the text form of a {kind},')
 
 
+def from_shell(kind, value):
+    """What the shell gives for a value as a float, a tuple of floats or a text; None for no value."""
+    if value is None or kind not in _COUNTS:
+        return value
+    return value[0] if kind == "double" else tuple(value)
+
+
 def from_text(kind, text):
-    """A float, a tuple of floats or, for another kind than the four, the text itself; None for no value."""
-    if text is None or kind not in _COUNTS:
-        return text
-    floats = tuple(float(word) for word in text.split())
-    return floats[0] if kind == "double" else floats
+    """The same from a value's text form."""
+    is_text = text is None or kind not in _COUNTS
+    return text if is_text else from_shell(kind, [float(word) for word in text.split()])
 
 
 def path_of(file):

@@ -254,7 +254,7 @@ TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
     struct Listener : VActionNotifier {
         void objectCreated(const StrongPtr<VObject>& object, VContext* context,
                            VCreatorBase& creator) override {
-            recorded.emplace_back(object->Name() + " by " + creator.Name(), context);
+            heard.emplace_back(object->Name() + " by " + creator.Name(), context);
         }
         std::vector<std::pair<std::string, VContext*>> heard;
     };
@@ -266,7 +266,7 @@ TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
         creator.create("a", &context, {});
     }
     creator.create("b", nullptr, {});
-    ASSERT_EQ(listener.recorded.size(), 2u);
+    ASSERT_EQ(listener.heard.size(), 2u);
     EXPECT_EQ(listener.heard[0], (std::pair<std::string, VContext*>("a by Plain", &context)));
     EXPECT_EQ(listener.heard[1], (std::pair<std::string, VContext*>("b by Plain", nullptr)));
 }

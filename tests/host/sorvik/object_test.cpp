@@ -233,7 +233,7 @@ TEST(Object, IsToldOfConnectionsThroughItsAcceptList) {
     struct Listening : PlainObject {
         using PlainObject::PlainObject;
         void CreatedFilteredConnection(Qelt::VSlot& input, Qelt::VParameter& source) override {
-            recorded.push_back(input.name() + " from " + source.Name());
+            heard.push_back(input.name() + " from " + source.Name());
         }
         bool ignoreInput(std::string_view name) const override { return name == "way"; }
         std::vector<std::string> heard;

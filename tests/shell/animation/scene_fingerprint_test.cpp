@@ -40,9 +40,9 @@ TEST_F(SceneFingerprintTest, IsTheSameForTheSameScene) {
 TEST_F(SceneFingerprintTest, DiffersWithWhateverPicturesDependOn) {
     const std::vector<std::function<void(Scene&)>> changes{
         [](Scene&) {},
-        [](Scene& scene) { scene.setParameter("p", "strength", "0.25"); },
-        [](Scene& scene) { scene.setParameter("q", "strength", "0.25"); },
-        [](Scene& scene) { scene.setParameter("p", "strength", "0.25", "left"); },
+        [](Scene& scene) { scene.setParameterText("p", "strength", "0.25"); },
+        [](Scene& scene) { scene.setParameterText("q", "strength", "0.25"); },
+        [](Scene& scene) { scene.setParameterText("p", "strength", "0.25", "left"); },
         [](Scene& scene) { scene.connect("p", "strength", "q", "strength"); },
         [](Scene& scene) { scene.setMuted("p", true); },
         [](Scene& scene) { scene.setMuted("light", true); },

@@ -1,5 +1,6 @@
 #include "shell/animation/variation.hpp"
 
+#include "tests/support/error_of.hpp"
 #include "tests/support/flat_scene.hpp"
 
 #include "shell/base/error.hpp"
@@ -18,19 +19,22 @@
 namespace korl {
 namespace {
 
+using test::errorOf;
+
 /// A type with a parameter of each kind, as a module would register it.
 struct PlainType : test::PlainObject {
     PlainType(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : PlainObject(name, preferences) {}
 };
 
-/// The parameter of a Sun that matters here.
+/// The parameters by which a sun is known.
 struct SunType : Qelt::VObject {
     SunType(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : VObject(name, 0, preferences) {
         test::acknowledgeSlotCreators();
     }
     Qelt::TypedSlot<double> time{this, "timeofday", 12};
+    Qelt::TypedSlot<double> latitude{this, "latitude", 45};
 };
 
 class VariationTest : public testing::Test {
@@ -39,16 +43,6 @@ protected:
     const Qelt::VCreator<SunType, void> sun{std::string("Sun"), 1};
     Scene scene;
 };
-
-template <class Action>
-std::string errorOf(Action action) {
-    try {
-        action();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
-}
 
 std::vector<std::string> values(const std::string& from, const std::string& to, int frames) {
     std::vector<std::string> texts;
@@ -87,6 +81,7 @@ TEST_F(VariationTest, GoesInEqualStepsWithExactEnds) {
 }
 
 using Vector = std::array<double, 3>;
+using korl::test::errorOf;
 
 std::vector<Vector> directions(const std::string& from, const std::string& to, int frames) {
     std::vector<Vector> found;

@@ -31,14 +31,14 @@ protected:
 const char* const saved = R"({
   "korl": 1,
   "plugins": ["tovek_light"],
-  "background": "0 0.2 1 1",
-  "camera": {"position": "1 2 3", "target": "0 0 0", "up": "0 0 1", "fov": 30},
+  "background": [0, 0.2, 1, 1],
+  "camera": {"position": [1, 2, 3], "target": [0, 0, 0], "up": [0, 0, 1], "fov": 30},
   "objects": [
-    {"type": "Sun", "name": "sun", "parameters": {"latitude": "52"}},
+    {"type": "Sun", "name": "sun", "parameters": {"latitude": 52}},
     {
       "type": "DirectionalLight",
       "name": "DirectionalLight",
-      "parameters": {"Intensity": "-0"},
+      "parameters": {"Intensity": -0},
       "connections": {"Specular": {"object": "sun", "parameter": "Specular"}}
     }
   ],
@@ -120,7 +120,7 @@ TEST_F(SceneCommands, RigsGoFromSceneToScene) {
 
     korl({"load-rig", "DIR/scene.json", "DIR/rig.json", "-o", "DIR/both.json"});
     const std::string both = bytesOf(folder / "both.json");
-    EXPECT_THAT(both, HasSubstr(R"("name": "sun2", "parameters": {"latitude": "52"}})"));
+    EXPECT_THAT(both, HasSubstr(R"("name": "sun2", "parameters": {"latitude": 52}})"));
     EXPECT_THAT(both, HasSubstr(R"({"Specular": {"object": "sun2", "parameter": "Specular"}})"));
 
     korl({"load-rig", "DIR/scene.json", "DIR/rig.json", "--replace", "-o", "DIR/replaced.json"});

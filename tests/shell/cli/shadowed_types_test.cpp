@@ -68,9 +68,9 @@ TEST_F(ShadowedTypes, AreSavedByTheNameThatReachesThem) {
     korl({"save", "-o", scene, "--light", "Sun", "--light", "tovek_light/Sun:low", "--light",
           "tovek_light/Sun", "--set", "low.latitude=60", "--set", "Sun.warmth=2"});
     const std::string saved = bytesOf(scene);
-    EXPECT_THAT(saved, HasSubstr(R"({"type": "Sun", "name": "Sun", "parameters": {"warmth": "2"}})"));
+    EXPECT_THAT(saved, HasSubstr(R"({"type": "Sun", "name": "Sun", "parameters": {"warmth": 2}})"));
     EXPECT_THAT(saved,
-                HasSubstr(R"({"type": "tovek_light/Sun", "name": "low", "parameters": {"latitude": "60"}})"));
+                HasSubstr(R"({"type": "tovek_light/Sun", "name": "low", "parameters": {"latitude": 60}})"));
     EXPECT_THAT(saved, HasSubstr(R"({"type": "tovek_light/Sun", "name": "Sun2"})"));
     korl({"save", scene, "-o", again});
     EXPECT_EQ(bytesOf(again), saved);

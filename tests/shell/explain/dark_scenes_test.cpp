@@ -26,7 +26,7 @@ struct DarkScene {
 const std::vector<DarkScene> dark_scenes{
     {"muted", "muted", "sun", "the light \"sun\" is muted"},
     {"zero_intensity", "zero_intensity", "key", "the lights \"key\" and \"fill\" have zero intensity"},
-    {"sun_below_horizon", "below_horizon", "sun", "degrees below the horizon, from where the sun shines up"},
+    {"sun_below_horizon", "below_horizon", "sun", "degrees below the horizon and shines upwards"},
     {"facing_away", "facing_away", "key", "the light \"key\" faces away from all that is seen"},
     {"too_far", "too_far", "torch", "at a distance of 1e+03 its light is down to 2.5e-05 of its strength"},
     {"not_finite", "not_finite", "key", "not finite is its uniform \"DirectionalLightDirection$$\""},

@@ -57,7 +57,7 @@ protected:
              const std::vector<std::pair<std::string, std::string>>& parameters = {}) {
         shell.scene().create(type, name);
         for (const auto& [parameter, value] : parameters)
-            shell.scene().setParameter(name, parameter, value);
+            shell.scene().setParameterText(name, parameter, value);
     }
 
     Explanation explain(RenderPath path = RenderPath::shader,
@@ -125,7 +125,7 @@ TEST_F(ExplainGLTest, FixedPathAddsUpWhereTheMeshIsFine) {
     for (const char* const type : {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Headlight"}) {
         add(type, "light");
         if (std::string(type) == "DistanceLight")
-            shell.scene().setParameter("light", "lightposition", "0.6 1 1");
+            shell.scene().setParameterText("light", "lightposition", "0.6 1 1");
         // OpenGL lights the corners and interpolates, so that highlights differ a little.
         EXPECT_LT(differenceAt(RenderPath::fixed, 112, 44), 6.0) << type;
         shell.scene().remove("light");
@@ -176,8 +176,7 @@ TEST_F(ExplainGLTest, LightBelowTheHorizonIsANoteWhereItStillShines) {
     EXPECT_FALSE(explanation.is_dark);
     ASSERT_THAT(kindsOf(explanation.lights.at(0)), ElementsAre(FindingKind::below_horizon));
     EXPECT_FALSE(explanation.lights[0].findings[0].is_cause);
-    EXPECT_EQ(explanation.lights[0].findings[0].text,
-              "is 90 degrees below the horizon, from where the sun shines upwards");
+    EXPECT_EQ(explanation.lights[0].findings[0].text, "is 90 degrees below the horizon and shines upwards");
 }
 
 TEST_F(ExplainGLTest, SilencedLightsNameTheOneThatShinesAlone) {
@@ -198,7 +197,7 @@ TEST_F(ExplainGLTest, WeakLightIsToBlameOnWhiteSurfacesThatFaceIt) {
     add("Sun", "sun", {{"latitude", "0"}, {"timeofday", "12"}, {"Specular", "0"}});
     for (const std::string intensity : {"0.05", "0.0999", "0.1"})
         for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
-            shell.scene().setParameter("sun", "Intensity", intensity);
+            shell.scene().setParameterText("sun", "Intensity", intensity);
             const Explanation explanation = explain(path);
             EXPECT_THAT(explanation.causes, ElementsAre(FindingKind::weak)) << intensity;
             EXPECT_EQ(explanation.summary,
@@ -206,7 +205,7 @@ TEST_F(ExplainGLTest, WeakLightIsToBlameOnWhiteSurfacesThatFaceIt) {
                       "at most " +
                           korl::numberText(std::stof(intensity)) + " at the meshes.");
         }
-    shell.scene().setParameter("sun", "Intensity", "0.2");
+    shell.scene().setParameterText("sun", "Intensity", "0.2");
     EXPECT_FALSE(explain().is_dark);
     EXPECT_THAT(kindsOf(explain().lights.at(0)), IsEmpty());
 }
@@ -261,8 +260,8 @@ TEST_F(ExplainGLTest, TorchOnTheSurfaceIsNotFiniteAtItsPixelAlone) {
     add("Torch", "torch", {{"elevation", "0"}, {"scaleDistance", "1"}});
     const std::pair middle(width / 2, height / 2);
     const glm::vec3 point = explain(RenderPath::shader, middle).pixel->surface->position;
-    shell.scene().setParameter("torch", "location",
-                               Qelt::componentsToText(std::array{point.x, point.y, point.z}));
+    shell.scene().setParameterText("torch", "location",
+                                   Qelt::componentsToText(std::array{point.x, point.y, point.z}));
     // All of the floor is in the torch's own plane: elsewhere it only grazes it.
     const Explanation whole = explain();
     ASSERT_FALSE(whole.causes.empty());
@@ -293,7 +292,7 @@ TEST_F(ExplainGLTest, ViewsValuesCount) {
     useFloor();
     add("AmbientLight", "fill");
     shell.scene().addView("night");
-    shell.scene().setParameter("fill", "Color", "0 0 0 1", "night");
+    shell.scene().setParameterText("fill", "Color", "0 0 0 1", "night");
     EXPECT_FALSE(explain().is_dark);
     const Explanation night = explain(RenderPath::shader, std::nullopt, "night");
     EXPECT_THAT(night.causes, ElementsAre(FindingKind::zero_intensity));

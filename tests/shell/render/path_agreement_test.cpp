@@ -58,28 +58,28 @@ TEST_F(PathAgreementGLTest, AmbientLight) {
 
 TEST_F(PathAgreementGLTest, DirectionalLightWithoutHighlights) {
     scene.create("DirectionalLight", "d");
-    scene.setParameter("d", "direction", "-1 -2 -2");
-    scene.setParameter("d", "Specular", "0");
+    scene.setParameterText("d", "direction", "-1 -2 -2");
+    scene.setParameterText("d", "Specular", "0");
     EXPECT_LT(meanDifference(), 2);
 }
 
 TEST_F(PathAgreementGLTest, DirectionalLightWithHighlights) {
     scene.create("DirectionalLight", "d");
-    scene.setParameter("d", "direction", "-1 -2 -2");
-    scene.setParameter("d", "Specular", "1");
+    scene.setParameterText("d", "direction", "-1 -2 -2");
+    scene.setParameterText("d", "Specular", "1");
     EXPECT_LT(meanDifference(), 4);
 }
 
 TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithoutHighlights) {
     scene.create("Headlight", "h");
-    scene.setParameter("h", "positionmv", "0 0 0");
-    scene.setParameter("h", "specular", "0");
+    scene.setParameterText("h", "positionmv", "0 0 0");
+    scene.setParameterText("h", "specular", "0");
     EXPECT_LT(meanDifference(), 2);
 }
 
 TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithHighlights) {
     scene.create("Headlight", "h");
-    scene.setParameter("h", "positionmv", "0 0 0");
+    scene.setParameterText("h", "positionmv", "0 0 0");
     EXPECT_LT(meanDifference(), 4);
 }
 
@@ -97,9 +97,9 @@ TEST_F(PathAgreementGLTest, LightsInALoopGiveWhatThreeOfThemGiveUnrolled) {
         for (const auto& entry : many.object("dark").parameters()) {
             const std::string& name = entry.parameter->Name();
             if (name == "Color" || name == "color")
-                many.setParameter("dark", name, "0 0 0 0");
+                many.setParameterText("dark", name, "0 0 0 0");
             else if (entry.parameter->type() == typeid(double))
-                many.setParameter("dark", name, "0");
+                many.setParameterText("dark", name, "0");
         }
         korl::View one, other;
         EXPECT_EQ(renderer.render(few, one, {160, 120, RenderPath::shader}).pixels,

@@ -28,7 +28,7 @@ TEST_F(RendererGLTest, WithoutLightTheSceneIsBlackOnBothPaths) {
 
 TEST_F(RendererGLTest, AmbientLightGivesItsColorOnBothPaths) {
     scene.create("AmbientLight", "a");
-    scene.setParameter("a", "Color", "0.2 0.4 0.8 0.3");
+    scene.setParameterText("a", "Color", "0.2 0.4 0.8 0.3");
     EXPECT_EQ(middle(RenderPath::shader), (Pixel{51, 102, 204, 255}));
     EXPECT_EQ(middle(RenderPath::fixed), (Pixel{51, 102, 204, 255}));
     EXPECT_THAT(renderer.listUniforms(scene, view), ElementsAre("AmbientIntensity$$ = 0.2 0.4 0.8 0.3"));
@@ -37,8 +37,8 @@ TEST_F(RendererGLTest, AmbientLightGivesItsColorOnBothPaths) {
 TEST_F(RendererGLTest, AmbientLightsAddUpOnBothPaths) {
     scene.create("AmbientLight", "a");
     scene.create("AmbientLight", "b");
-    scene.setParameter("a", "Color", "0.2 0 0.8 1");
-    scene.setParameter("b", "Color", "0.2 0.4 0.8 1");
+    scene.setParameterText("a", "Color", "0.2 0 0.8 1");
+    scene.setParameterText("b", "Color", "0.2 0.4 0.8 1");
     EXPECT_EQ(middle(RenderPath::shader), (Pixel{102, 102, 255, 255})); // clamped, not wrapped
     EXPECT_EQ(middle(RenderPath::fixed), (Pixel{102, 102, 255, 255}));
 }
@@ -72,7 +72,7 @@ TEST_F(RendererGLTest, ViewsHaveValuesOfTheirOwn) {
     auto& light = scene.create("AmbientLight", "a");
     View other;
     light.findParameter("Color")->getLocalValue(other.pool(), "", true)->setValueFromText("1 0 0 1");
-    scene.setParameter("a", "Color", "0 1 0 1");
+    scene.setParameterText("a", "Color", "0 1 0 1");
     for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
         EXPECT_EQ(middle(path), (Pixel{0, 255, 0, 255}));
         EXPECT_EQ(pixel(renderer.render(scene, other, {side, side, path}), 1, 1), (Pixel{255, 0, 0, 255}));
@@ -88,7 +88,7 @@ TEST_F(RendererGLTest, NotFiniteLightContributesNothingAndIsNamedOnce) {
         glLightfv(GL_LIGHT0 + static_cast<GLenum>(context.lightNumber() - 1), GL_AMBIENT, broken.data());
     });
     scene.create("AmbientLight", "a");
-    scene.setParameter("a", "Color", "0.2 0.2 0.2 1");
+    scene.setParameterText("a", "Color", "0.2 0.2 0.2 1");
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(middle(RenderPath::shader), (Pixel{51, 51, 51, 255}));
         EXPECT_EQ(middle(RenderPath::fixed), (Pixel{51, 51, 51, 255}));

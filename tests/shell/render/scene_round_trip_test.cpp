@@ -3,8 +3,8 @@
 
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/gl_test.hpp"
-#include "tests/support/loaded_module.hpp"
 
+#include "shell/plugins/plugin_library.hpp"
 #include "shell/render/renderer.hpp"
 #include "shell/scene_file/scene_file.hpp"
 
@@ -30,7 +30,7 @@ protected:
             EXPECT_EQ(pixels(loaded, view), pixels(scene, view)) << "view \"" << view << "\" of " << text;
     }
 
-    korl::test::LoadedModule module;
+    const korl::PluginLibrary module = korl::PluginLibrary::load(TOVEK_LIGHT_MODULE);
     korl::Renderer renderer{context(), [](const std::string&) {}};
 };
 
@@ -59,8 +59,8 @@ TEST_F(SceneRoundTripGLTest, EveryTypeWithValuesAtTheExtremes) {
             const bool is_color = parameter->type() == typeid(Orvid::rgba_float_t);
             for (const char* const number : {is_color ? "1e-37" : "1e-300", is_color ? "1e37" : "1e300", "-0",
                                              is_color ? "1e-45" : "5e-324", "0.3"}) {
-                scene.setParameter("light", parameter->Name(), textFor(*parameter.get(), number));
-                scene.setParameter("light", parameter->Name(), textFor(*parameter.get(), "0.7"), "left");
+                scene.setParameterText("light", parameter->Name(), textFor(*parameter.get(), number));
+                scene.setParameterText("light", parameter->Name(), textFor(*parameter.get(), "0.7"), "left");
                 expectSame(scene);
             }
             scene.resetParameter("light", parameter->Name());

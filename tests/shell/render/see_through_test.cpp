@@ -21,7 +21,7 @@ protected:
         scene.camera->target = {0, 0, 0};
         scene.camera->up = {0, 0, 1};
         scene.create("AmbientLight", "a");
-        scene.setParameter("a", "Color", "0.9 0.4 0.1 1");
+        scene.setParameterText("a", "Color", "0.9 0.4 0.1 1");
     }
 
     Image draw(RenderPath path, const Color& background) {

@@ -97,11 +97,11 @@ TEST_F(ShaderPathGLTest, LoopsTakeTheDeclaredValueWhereALightSetsNone) {
 
 TEST_F(ShaderPathGLTest, LoopsAndSingleLightsStandBesideEachOther) {
     scene.create("AmbientLight", "a");
-    scene.setParameter("a", "Color", "0.125 0 0 1");
+    scene.setParameterText("a", "Color", "0.125 0 0 1");
     for (int i = 0; i < 6; ++i)
         addDownwardLight().strength = 0.0625f;
     scene.create("AmbientLight", "b");
-    scene.setParameter("b", "Color", "0 0 0.25 1");
+    scene.setParameterText("b", "Color", "0 0 0.25 1");
     EXPECT_EQ(middle(RenderPath::shader), (Pixel{128, 96, 159, 255}));
     scene.setMuted("DownwardLight", true); // the loop goes one time less, in the same program
     const std::size_t compiled = renderer.shaderPath().compileCount();
@@ -137,10 +137,10 @@ TEST_F(ShaderPathGLTest, SnippetWithUniformsOfOtherTypesIsUnrolled) {
 
 TEST_F(ShaderPathGLTest, ResultThatIsNotFiniteFromFiniteParametersIsNamedOnce) {
     scene.create("Torch", "corner"); // burns exactly at a vertex of the square
-    scene.setParameter("corner", "location", "-9 9 0");
-    scene.setParameter("corner", "elevation", "0");
+    scene.setParameterText("corner", "location", "-9 9 0");
+    scene.setParameterText("corner", "elevation", "0");
     scene.create("Torch", "far"); // the square of the ratio of distances is beyond all floats
-    scene.setParameter("far", "scaleDistance", "1e30");
+    scene.setParameterText("far", "scaleDistance", "1e30");
     scene.create("Torch", "fine");
     for (int i = 0; i < 2; ++i)
         render(RenderPath::shader);
@@ -150,8 +150,8 @@ TEST_F(ShaderPathGLTest, ResultThatIsNotFiniteFromFiniteParametersIsNamedOnce) {
     EXPECT_THAT(reports[1], testing::StartsWith("light \"far\" adds nothing on the shader path: its result "
                                                 "is not finite there, at (-9 -9 0)"));
 
-    scene.setParameter("fine", "location", "9 9 0"); // found when the parameters lead there later, too
-    scene.setParameter("fine", "elevation", "0");
+    scene.setParameterText("fine", "location", "9 9 0"); // found when the parameters lead there later, too
+    scene.setParameterText("fine", "elevation", "0");
     render(RenderPath::shader);
     ASSERT_EQ(reports.size(), 3u);
     EXPECT_THAT(reports[2], testing::StartsWith("light \"fine\""));
@@ -162,8 +162,8 @@ TEST_F(ShaderPathGLTest, LightsThatAllChangeAreCheckedInTurn) {
         scene.create("Torch", name);
     render(RenderPath::shader);
     for (const char* const name : {"a", "b", "c"}) {
-        scene.setParameter(name, "location", "9 9 0"); // at a vertex of the square
-        scene.setParameter(name, "elevation", "0");
+        scene.setParameterText(name, "location", "9 9 0"); // at a vertex of the square
+        scene.setParameterText(name, "elevation", "0");
     }
     for (std::size_t frames = 1; frames <= 3; ++frames) {
         render(RenderPath::shader);
@@ -186,8 +186,8 @@ TEST_F(ShaderPathGLTest, EyeThatComesToAVertexIsFound) {
 
 TEST_F(ShaderPathGLTest, MeshThatComesLaterIsCheckedForResultsThatAreNotFinite) {
     scene.create("Torch", "torch");
-    scene.setParameter("torch", "location", "1 2 3");
-    scene.setParameter("torch", "elevation", "0");
+    scene.setParameterText("torch", "location", "1 2 3");
+    scene.setParameterText("torch", "elevation", "0");
     render(RenderPath::shader);
     EXPECT_THAT(reports, IsEmpty());
     korl::Mesh mesh;

@@ -68,14 +68,14 @@ TEST_F(AimingTest, PlacedLightKeepsItsPlaceOrItsDistance) {
     korl::aimAt(scene, "placed", {1, 2, 3});
     EXPECT_EQ(text("placed", "lightposition"), "0 0 1");
     EXPECT_EQ(text("placed", "shineat"), "1 2 3");
-    scene.setParameter("placed", "lightposition", "1 2 7");
+    scene.setParameterText("placed", "lightposition", "1 2 7");
     korl::shineFrom(scene, "placed", {0, 0.5, 0});
     EXPECT_EQ(text("placed", "lightposition"), "1 6 3");
     EXPECT_EQ(text("placed", "shineat"), "1 2 3");
 }
 
 TEST_F(AimingTest, PlacedLightOnItsTargetGoesOneUnitAway) {
-    scene.setParameter("placed", "lightposition", "0 0 0");
+    scene.setParameterText("placed", "lightposition", "0 0 0");
     korl::shineFrom(scene, "placed", {-5, 0, 0});
     EXPECT_EQ(text("placed", "lightposition"), "-1 0 0");
 }

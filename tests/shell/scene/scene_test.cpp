@@ -1,8 +1,8 @@
+#include "tests/support/error_of.hpp"
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/recorded_reports.hpp"
 
 #include "shell/base/error.hpp"
-#include "shell/catalogue/value_kind.hpp"
 #include "shell/scene/scene.hpp"
 
 #include <gmock/gmock.h>
@@ -11,6 +11,7 @@
 namespace {
 
 using korl::Scene;
+using korl::test::errorOf;
 using korl::test::PlainObject;
 using testing::ElementsAre;
 
@@ -34,16 +35,6 @@ protected:
     }
 };
 
-template <class Action>
-std::string errorOf(Action action) {
-    try {
-        action();
-    } catch (const korl::Error& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 TEST_F(SceneTest, CreatesObjectsInOrderUnderUniqueNames) {
     scene.create("Plain");
     scene.create("Plain");
@@ -61,7 +52,7 @@ TEST_F(SceneTest, WrongNamesAreToldWithTheNearOnes) {
     EXPECT_EQ(errorOf([&] { scene.create("Plain", "mine"); }),
               "cannot create \"mine\" as Plain: the scene already has an object of this name");
     EXPECT_EQ(errorOf([&] { scene.object("nime"); }), "unknown object \"nime\": there are: mine.");
-    EXPECT_EQ(errorOf([&] { scene.setParameter("mine", "stregnth", "1"); }),
+    EXPECT_EQ(errorOf([&] { scene.setParameterText("mine", "stregnth", "1"); }),
               "unknown parameter \"mine.stregnth\": did you mean \"strength\"? There are: strength, tint, "
               "place, way.");
     EXPECT_EQ(errorOf([&] { scene.remove("yours"); }), "unknown object \"yours\": there are: mine.");
@@ -77,10 +68,29 @@ TEST_F(SceneTest, ObjectsOfOtherScenesAreNotItsOwn) {
 
 TEST_F(SceneTest, SetsParametersFromText) {
     scene.create("Plain", "p");
-    scene.setParameter("p", "tint", "0.2 0.4 0.8 0.3");
-    scene.setParameter("p", "strength", "1e-300");
+    scene.setParameterText("p", "tint", "0.2 0.4 0.8 0.3");
+    scene.setParameterText("p", "strength", "1e-300");
     EXPECT_EQ(scene.object("p").findParameter("tint")->globalValue().Text(), "0.2 0.4 0.8 0.3");
     EXPECT_EQ(scene.object("p").findParameter("strength")->globalValue().Text(), "1e-300");
+}
+
+TEST_F(SceneTest, SetsParametersToValues) {
+    scene.create("Plain", "p");
+    scene.addView("left");
+    scene.setParameter("p", "strength", Qelt::VValue<double>(0.1));
+    scene.setParameter("p", "strength", Qelt::VValue<double>(3), "left");
+    const Qelt::VParameter& strength = scene.parameter("p", "strength");
+    EXPECT_EQ(strength.globalValue().Text(), "0.1");
+    EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "3");
+    EXPECT_EQ(
+        errorOf([&] { scene.setParameter("p", "tint", Qelt::VValue<double>(1)); }),
+        "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1\"; it keeps \"0.1 0.2 "
+        "0.3 1\"");
+    EXPECT_EQ(errorOf([&] {
+                  scene.setParameter("p", "strength",
+                                     Qelt::VValue<double>(std::numeric_limits<double>::infinity()), "left");
+              }),
+              "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"3\"");
 }
 
 TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
@@ -101,7 +111,7 @@ TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
         {"way", "", "\"p.way\" takes a vector, three numbers \"x y z\", found \"\"; it keeps \"0 0 -1\""},
     };
     for (const Case& wrong : cases) {
-        EXPECT_EQ(errorOf([&] { scene.setParameter("p", wrong.parameter, wrong.text); }), wrong.error);
+        EXPECT_EQ(errorOf([&] { scene.setParameterText("p", wrong.parameter, wrong.text); }), wrong.error);
     }
     EXPECT_EQ(scene.object("p").saveText(),
               "strength = 0.5\ntint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
@@ -199,13 +209,13 @@ TEST_F(SceneTest, ViewsHaveValuesOfTheirOwn) {
     scene.create("Plain", "p");
     scene.addView("left");
     scene.addView("right");
-    scene.setParameter("p", "strength", "2");
-    scene.setParameter("p", "strength", "3", "left");
+    scene.setParameterText("p", "strength", "2");
+    scene.setParameterText("p", "strength", "3", "left");
     const Qelt::VParameter& strength = scene.parameter("p", "strength");
     EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "3");
     EXPECT_EQ(strength.getLocalValue(*scene.view("right").get())->Text(), "2");
     EXPECT_EQ(strength.globalValue().Text(), "2");
-    EXPECT_EQ(errorOf([&] { scene.setParameter("p", "strength", "inf", "left"); }),
+    EXPECT_EQ(errorOf([&] { scene.setParameterText("p", "strength", "inf", "left"); }),
               "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"3\"");
     scene.resetParameter("p", "strength", "left");
     EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "2");
@@ -223,7 +233,7 @@ TEST_F(SceneTest, ViewsGoByName) {
     EXPECT_EQ(errorOf([&] { scene.view("lefd"); }),
               "unknown view \"lefd\": did you mean \"left\"? There are: left, right.");
     scene.create("Plain", "p");
-    EXPECT_EQ(errorOf([&] { scene.setParameter("p", "strength", "1", "up"); }),
+    EXPECT_EQ(errorOf([&] { scene.setParameterText("p", "strength", "1", "up"); }),
               "unknown view \"up\": there are: left, right.");
     EXPECT_EQ(errorOf([&] { scene.resetParameter("p", "strength", "up"); }),
               "unknown view \"up\": there are: left, right.");
@@ -325,15 +335,6 @@ TEST_F(SceneTest, RemovesAnObjectByItsOwnName) {
         EXPECT_NE(scene.find(name), nullptr);
     }
     EXPECT_EQ(scene.objects().size(), 2u);
-}
-
-TEST(ValueKind, NamesWhatUsersSee) {
-    EXPECT_EQ(korl::valueKind(typeid(double)), "double");
-    EXPECT_EQ(korl::valueKind(typeid(Orvid::rgba_float_t)), "color");
-    EXPECT_EQ(korl::valueKind(typeid(Orvid::PhysicalSpace::point)), "point");
-    EXPECT_EQ(korl::valueKind(typeid(Orvid::PhysicalSpace::vector)), "vector");
-    EXPECT_EQ(korl::valueKind(typeid(int)), "int");
-    EXPECT_EQ(korl::valueForm(typeid(int)), "a value of type int");
 }
 
 } // namespace

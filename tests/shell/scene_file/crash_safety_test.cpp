@@ -13,7 +13,7 @@ using korl::test::ProgramResult;
 using korl::test::runProgram;
 using korl::test::TemporaryFolder;
 
-const std::string new_text = "{\n  \"korl\": 1,\n  \"background\": \"0 0 0 1\"\n}\n";
+const std::string new_text = "{\n  \"korl\": 1,\n  \"background\": [0, 0, 0, 1]\n}\n";
 const std::string old_text = "{\n  \"korl\": 1,\n  \"views\": [\"before\"]\n}\n";
 
 /// Runs the program that saves a scene under strace.

@@ -40,8 +40,8 @@ protected:
         scene.create("Tuned", "key");
         scene.create("Tuned", "fill");
         scene.create("Tuned", "rim");
-        scene.setParameter("key", "power", "3");
-        scene.setParameter("fill", "power", "0.5", "left");
+        scene.setParameterText("key", "power", "3");
+        scene.setParameterText("fill", "power", "0.5", "left");
         scene.connect("fill", "power", "key", "power");
         scene.connect("rim", "power", "stage", "strength");
         scene.setMuted("rim", true);
@@ -61,12 +61,12 @@ const char* const rig = R"({
   "korl": 1,
   "views": ["left"],
   "objects": [
-    {"type": "Tuned", "name": "key", "parameters": {"power": "3"}},
+    {"type": "Tuned", "name": "key", "parameters": {"power": 3}},
     {
       "type": "Tuned",
       "name": "fill",
       "connections": {"power": {"object": "key", "parameter": "power"}},
-      "views": {"left": {"power": "0.5"}}
+      "views": {"left": {"power": 0.5}}
     },
     {"type": "Tuned", "name": "rim", "muted": true}
   ]

@@ -59,6 +59,28 @@ TEST_F(SceneFileTest, ReadsAllOfAScene) {
     EXPECT_EQ(scene.background, (Orvid::rgba_float_t{1, 0, 0, 1}));
 }
 
+TEST_F(SceneFileTest, ReadsNumbersAndListsAsItReadsTexts) {
+    readSceneFile(folder.write("scene.json", R"({
+        "korl": 1,
+        "views": ["left"],
+        "objects": [{"type": "Plain", "name": "p",
+                     "parameters": {"tint": [1, 0.1, 0, 1], "strength": 2e-3, "way": [0, 0.1, -1]},
+                     "views": {"left": {"place": [1, 2, 16777217]}}}],
+        "camera": {"position": [1, 2, 3], "target": [0, 0, 1]},
+        "background": [1, 0.5, 0]
+    })"),
+                  scene);
+    const auto textOf = [&](const char* parameter) {
+        return scene.parameter("p", parameter).globalValue().Text();
+    };
+    EXPECT_EQ(textOf("tint"), "1 0.1 0 1");
+    EXPECT_EQ(textOf("strength"), "0.002");
+    EXPECT_EQ(textOf("way"), "0 0.1 -1");
+    EXPECT_EQ(scene.parameter("p", "place").getLocalValue(*scene.view("left").get())->Text(), "1 2 16777217");
+    EXPECT_EQ(scene.camera->position, glm::dvec3(1, 2, 3));
+    EXPECT_EQ(scene.background, (Orvid::rgba_float_t{1, 0.5f, 0, 1}));
+}
+
 TEST_F(SceneFileTest, ObjectWithoutANameTakesNoneThatTheFileGives) {
     readSceneFile(folder.write("scene.json", R"({"korl": 1, "objects": [
         {"type": "Plain"}, {"type": "Plain", "name": "Plain"}, {"type": "Plain", "name": "Plain3"}, {"type": "Plain"}
@@ -93,8 +115,20 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
          "/objects/0/type: expected a text in quotes, found number"},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": []}]})",
          "/objects/0/parameters: expected an object in braces, found array"},
-        {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": 1}}]})",
-         "/objects/0/parameters/strength: expected a text in quotes, found number"},
+        {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": true}}]})",
+         "/objects/0/parameters/strength: expected a number, a list of numbers or a text, found boolean"},
+        {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"way": [1, "2", 3]}}]})",
+         "/objects/0/parameters/way/1: expected a number, found string"},
+        {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"way": [1, 2]}}]})",
+         "/objects/0/parameters/way: \"Plain.way\" takes a vector, three numbers \"x y z\", found \"1 2\"; "
+         "it "
+         "keeps \"0 0 -1\""},
+        {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"tint": [1e39, 0, 0, 1]}}]})",
+         "/objects/0/parameters/tint: \"Plain.tint\" takes a color, four numbers \"red green blue alpha\", "
+         "found \"1e39 0 0 1\"; it keeps \"0.1 0.2 0.3 1\""},
+        {R"({"korl": 1, "background": 1})", "/background: \"1\" is no color; write \"#rrggbb\", "
+                                            "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
+                                            "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": "x"}}]})",
          "/objects/0/parameters/strength: \"Plain.strength\" takes a double, one number, found \"x\"; it "
          "keeps \"0.5\""},
@@ -102,7 +136,7 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
                                                 "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
                                                 "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "camera": {"position": "1 2", "target": "0 0 0"}})",
-         "/camera/position: expected three numbers \"x y z\", found \"1 2\""},
+         "/camera/position: expected three numbers [x, y, z], found \"1 2\""},
         {R"({"korl": 1, "camera": {"position": "1 2 3"}})", "/camera: lacks \"target\""},
         {R"({"korl": 1, "camera": {"position": "1 2 3", "target": "0 0 0", "fov": "wide"}})",
          "/camera/fov: expected degrees, found \"wide\""},

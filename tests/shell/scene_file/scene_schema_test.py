@@ -57,6 +57,12 @@ good = {
     "all of it": rich,
     "written by options": save("--light", "Sun:sun", "--light", "Torch", "--set", "sun.latitude=52", "--fov", "40"),
     "read and written": save(str(folder / "rich.json")),
+    "numbers and lists": {
+        "korl": 1,
+        "background": [0, 0.5, 1],
+        "camera": {"position": [1, 2e0, -3], "target": [0, 0, 0], "up": "0 0 1"},
+        "objects": [{"type": "Torch", "parameters": {"location": [0, 1, 2], "intensity": 2, "elevation": "1"}}],
+    },
 }
 bad = {
     "a list": [],
@@ -70,7 +76,10 @@ bad = {
     "an empty name": {"korl": 1, "objects": [{"type": "Sun", "name": ""}]},
     "an unknown key of an object": {"korl": 1, "objects": [{"type": "Sun", "mute": True}]},
     "muted that is no truth": {"korl": 1, "objects": [{"type": "Sun", "muted": 1}]},
-    "a value that is no text": {"korl": 1, "objects": [{"type": "Sun", "parameters": {"latitude": 52}}]},
+    "a value that is none": {"korl": 1, "objects": [{"type": "Sun", "parameters": {"latitude": True}}]},
+    "a list with a text in it": {"korl": 1, "objects": [{"type": "Torch", "parameters": {"location": [0, "1", 2]}}]},
+    "an empty list": {"korl": 1, "objects": [{"type": "Torch", "parameters": {"location": []}}]},
+    "a list that is too long": {"korl": 1, "objects": [{"type": "Torch", "parameters": {"location": [1, 2, 3, 4, 5]}}]},
     "a connection that is a text": {"korl": 1, "objects": [{"type": "Sun", "connections": {"latitude": "a.b"}}]},
     "half a connection": {"korl": 1, "objects": [{"type": "Sun", "connections": {"latitude": {"object": "a"}}}]},
     "values of a view that are none": {"korl": 1, "views": ["v"], "objects": [{"type": "Sun", "views": {"v": 1}}]},
@@ -79,6 +88,8 @@ bad = {
     "too many views": {"korl": 1, "views": [str(i) for i in range(257)]},
     "a colour that is none": {"korl": 1, "background": "red"},
     "half a position": {"korl": 1, "camera": {"position": "1 2", "target": "0 0 0"}},
+    "half a position in a list": {"korl": 1, "camera": {"position": [1, 2], "target": [0, 0, 0]}},
+    "a colour of two numbers": {"korl": 1, "background": [0, 1]},
     "a camera without a target": {"korl": 1, "camera": {"position": "1 2 3"}},
     "an angle that is a text": {"korl": 1, "camera": {"position": "1 2 3", "target": "0 0 0", "fov": "wide"}},
     "too wide an angle": {"korl": 1, "camera": {"position": "1 2 3", "target": "0 0 0", "fov": 180}},

@@ -29,10 +29,10 @@ protected:
 TEST_F(SceneScriptTest, BuildsTheScene) {
     scene.addView("left");
     scene.create("Plain", "p");
-    scene.setParameter("p", "strength", "-0");
-    scene.setParameter("p", "tint", "1 0.5 0 1");
-    scene.setParameter("p", "z-angle", "3");
-    scene.setParameter("p", "strength", "0.2", "left");
+    scene.setParameterText("p", "strength", "-0");
+    scene.setParameterText("p", "tint", "1 0.5 0 1");
+    scene.setParameterText("p", "z-angle", "3");
+    scene.setParameterText("p", "strength", "0.2", "left");
     scene.create("DownwardLight", "class");
     scene.create("Plain", "a b");
     scene.connect("p", "way", "a b", "way");

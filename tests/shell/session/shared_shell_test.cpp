@@ -33,7 +33,7 @@ TEST(SharedShellTest, AThousandLeaveNothingBehind) {
         shell->use([](Shell& used) {
             fill(used);
             used.scene().addView("left");
-            used.scene().setParameter("sun", "latitude", "52", "left");
+            used.scene().setParameterText("sun", "latitude", "52", "left");
         });
     }
     EXPECT_TRUE(VInitialization::plugins().empty());
@@ -94,7 +94,7 @@ TEST(SharedShellTest, ThreadsTakeTurnsAcrossShells) {
                 shells[i % 2]->use([&](Shell& used) {
                     most = std::max(most.load(), ++inside);
                     const std::string name = used.scene().create("Torch").Name();
-                    used.scene().setParameter(name, "elevation", "3");
+                    used.scene().setParameterText(name, "elevation", "3");
                     used.scene().remove(name);
                     --inside;
                 });
