@@ -18,8 +18,9 @@ VParameter::VParameter(Tessan::StrongPtr<VValueBase> value, std::string name,
     my_default = my_value->clone();
     const std::string* const preferred = preferences.find(my_name);
     if (preferred && !my_value->setValueFromText(*preferred))
-        Vprintf(0, "VParameter %s: \"%s\" is no text of a %s, the default \"%s\" stays\n", my_name.c_str(),
-                preferred->c_str(), Tessan::Typename(type()).c_str(), my_default->Text().c_str());
+        Vprintf(0, "VParameter %s: \"%s\" is not the text of a %s; the default \"%s\" stays\n",
+                my_name.c_str(), preferred->c_str(), Tessan::Typename(type()).c_str(),
+                my_default->Text().c_str());
 }
 
 VParameter::~VParameter() {

@@ -72,8 +72,8 @@ public:
                                                       const Tessan::StrongPtr<VParameter>& parameter,
                                                       bool replace = false);
 
-    /// Why a parameter cannot be held by a slot: it is no parameter of class `expected`, whose values are of
-    /// type `value`.
+    /// Why a parameter cannot be held by a slot: it is not a parameter of class `expected`, whose values are
+    /// of type `value`.
     static std::string conversionFailure(const VParameter& held, const std::type_info& value,
                                          const std::type_info& expected);
 

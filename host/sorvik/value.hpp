@@ -15,7 +15,7 @@ namespace Qelt {
 
 class VValueBase;
 
-/// Who is to hear of a value's changes: its shadows, the values that follow it.
+/// Who is notified when a value changes: its shadows, the values that follow it.
 class SORVIK_EXPORT ValueNotifierList {
 public:
     /// Tells every shadow that the value has changed: each takes the new age, and tells its own shadows.

@@ -15,7 +15,8 @@ public:
     /// The current time: the stamp of the latest change anywhere in the process.
     static std::atomic<Time> GlobalTime;
 
-    /// Stamps the new object with the current time; making an object is no change, so the clock stands still.
+    /// Stamps the new object with the current time; making an object is not a change, so the clock stands
+    /// still.
     Ageable() noexcept : my_age(GlobalTime.load(std::memory_order_relaxed)) {}
     Ageable(const Ageable&) noexcept : Ageable() {}
     Ageable& operator=(const Ageable&) noexcept;

@@ -113,7 +113,7 @@ private:
     std::uint64_t my_serial = nextPointerID();
 };
 
-/// `pointer` as a pointer to `T`, or one that holds nothing where the object is no `T`.
+/// `pointer` as a pointer to `T`, or one that holds nothing where the object is not a `T`.
 template <class T, class U, class UBase>
 StrongPtr<T> dynamicPtr(const StrongPtr<U, UBase>& pointer) noexcept {
     return StrongPtr<T>(dynamic_cast<T*>(pointer.get()));

@@ -34,7 +34,7 @@ struct SequenceProgress {
     bool makes_film = false; ///< all frames are there, and the film is made of them
 };
 
-/// Who hears of a sequence while it is made. Both may be left out.
+/// Who is told about a sequence while it is made. Both may be left out.
 struct SequenceListener {
     /// Called at least ten times a second while there is something to wait for. It may throw to end the
     /// sequence: the workers are stopped, and the frames that are there stay, each one whole.

@@ -42,7 +42,7 @@ Orvid::rgba_float_t parseColor(const std::string& text) {
     if (!read || !in_range)
         throw Error(
             inQuotes(text) +
-            " is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such as "
+            " is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such as "
             "\"0.1 0.1 0.12\"");
     return {color[0], color[1], color[2], color[3]};
 }

@@ -48,7 +48,7 @@ public:
         what.erase(0, what.starts_with('[') ? what.find("] ") + 2 : 0);
         if (what.size() > max_length)
             what = what.substr(0, max_length) + " ...";
-        throw Error("this is no JSON: " + printable(what));
+        throw Error("this is not JSON: " + printable(what));
     }
 
 private:
@@ -228,7 +228,7 @@ std::string jsonQuoted(const std::string& text) {
     try {
         return json(text).dump();
     } catch (const json::exception&) {
-        throw Error("a text that is no UTF-8 cannot be written to a scene file: " +
+        throw Error("a text that is not UTF-8 cannot be written to a scene file: " +
                     json(text).dump(-1, ' ', true, json::error_handler_t::replace));
     }
 }

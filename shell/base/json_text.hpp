@@ -21,7 +21,7 @@ public:
     /// The longest text that is read, 256 MiB.
     static constexpr std::size_t max_bytes = std::size_t{1} << 28;
 
-    /// Throws Error that says what is wrong and where: line and column for what is no JSON, a JSON pointer
+    /// Throws Error that says what is wrong and where: line and column for what is not JSON, a JSON pointer
     /// for a key that comes twice.
     explicit JsonText(std::string text);
     JsonText(const JsonText&) = delete;
@@ -63,7 +63,7 @@ public:
     std::string text() const;
 
     /// Reads a number exactly, rounded to the nearest value of the type; nothing for one beyond its range,
-    /// for what is no number, and for a fraction where whole numbers are asked for.
+    /// for what is not a number, and for a fraction where whole numbers are asked for.
     template <class Number>
     std::optional<Number> number() const;
 
@@ -94,7 +94,7 @@ private:
 /// A JSON pointer that leads one step further.
 std::string pointerInto(const std::string& pointer, std::string_view key);
 
-/// A text as JSON: in quotes, with what must be escaped escaped. Throws Error for what is no UTF-8.
+/// A text as JSON: in quotes, with what must be escaped escaped. Throws Error for what is not UTF-8.
 std::string jsonQuoted(const std::string& text);
 
 } // namespace korl

@@ -40,7 +40,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     constexpr std::size_t longest_list = 20;
     std::string list = "here are: ";
     const std::string* nearest = nullptr;
-    // What is no word that anybody typed is not worth the time that the guess would take.
+    // Nobody types such a long word; guessing what was meant would take too long.
     constexpr std::size_t longest_word = 100;
     std::size_t least = asked.size() > longest_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {

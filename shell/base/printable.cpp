@@ -8,7 +8,7 @@ namespace korl {
 namespace {
 
 /// The length in bytes of the UTF-8 character that `text` begins with; 0 where it begins with none. Overlong
-/// forms, surrogates and numbers beyond Unicode are no characters.
+/// forms, surrogates and numbers beyond Unicode are not characters.
 std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     const unsigned char first = byte(0);

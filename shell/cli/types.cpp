@@ -112,7 +112,7 @@ void listTypes(const std::filesystem::path& folder) {
     printTable(rows);
     if (failed > 0)
         throw Error(std::to_string(failed) + " of " + std::to_string(rows.size() - 1) +
-                    " types have no usable icon; their modules have to be mended");
+                    " types have no usable icon; report it to the authors of their modules");
 }
 
 } // namespace

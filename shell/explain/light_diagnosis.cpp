@@ -22,9 +22,9 @@ constexpr float low_attenuation = 0.25f;
 /// The cosine to the normal below which light only grazes: about 6 degrees.
 constexpr float grazing_cosine = 0.1f;
 
-/// A light that faces less than this share of what is seen faces away, by and large.
+/// A light that faces less than this share of what is seen faces away.
 constexpr float hardly_lit = 0.25f;
-/// One that travels upwards is no cause of darkness where it lights as much as this.
+/// One that travels upwards is not a cause of darkness where it lights as much as this.
 constexpr float mostly_lit = 0.5f;
 
 float largestComponent(const glm::vec3& value) {

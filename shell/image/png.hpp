@@ -22,7 +22,7 @@ std::vector<std::uint8_t> encodePng(const Image& image,
 void requirePngName(const std::filesystem::path& file);
 
 /// Reads a PNG file of any kind as eight bits a channel, red, green, blue and alpha.
-/// Throws Error for bytes that are no PNG file, or a damaged or truncated one.
+/// Throws Error for bytes that are not a PNG file, or a damaged or truncated one.
 Image decodePng(std::span<const std::uint8_t> png);
 
 } // namespace korl

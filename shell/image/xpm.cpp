@@ -63,7 +63,7 @@ Image decodeXpm(const char* const* lines) {
             const auto color = colors.find(row.substr(at, key_size));
             if (color == colors.end())
                 throw Error("the XPM image uses " + inQuotes(row.substr(at, key_size)) +
-                            ", which is no color of it");
+                            ", which is not one of its colors");
             image.pixels.insert(image.pixels.end(), color->second.begin(), color->second.end());
         }
     }

@@ -109,7 +109,7 @@ UpAxis parseUpAxis(std::string_view text) {
         return UpAxis::y;
     if (text == "z")
         return UpAxis::z;
-    throw Error("\"" + std::string(text) + "\" is no axis of a model; there are x, y and z");
+    throw Error("\"" + std::string(text) + "\" is not an axis of a model; there are x, y and z");
 }
 
 std::uint64_t ModelReading::halfOfMemory() {

@@ -38,8 +38,8 @@ public:
         bool function; ///< Code, not data.
     };
 
-    /// Opens the file for reading. Throws Error where it can't be opened, is no regular file, is empty or is
-    /// no ELF file, and where its first header can't be read.
+    /// Opens the file for reading. Throws Error where it can't be opened, is not a regular file, is empty or
+    /// is no ELF file, and where its first header can't be read.
     explicit ElfFile(const std::filesystem::path& file);
 
     Architecture architecture() const;

@@ -80,7 +80,7 @@ bool ask(VInitialization::EntryPoint entry_point, VInitialization& shell, const 
     } catch (...) {
         thrown = nameOfCaughtException();
     }
-    throw pluginError(file, "an answer from its entry point", thrown, "Mend the plug-in's entry point.");
+    throw pluginError(file, "an answer from its entry point", thrown, "Fix the plug-in's entry point.");
 }
 
 } // namespace

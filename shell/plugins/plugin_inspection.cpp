@@ -60,7 +60,7 @@ std::string_view defect(const ElfFile::Symbol& symbol) {
     if (!symbol.defined)
         return "is only declared";
     if (!symbol.function)
-        return "is no function";
+        return "is not a function";
     if (!symbol.global)
         return "is weak or local";
     return {};

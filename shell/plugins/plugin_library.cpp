@@ -100,7 +100,7 @@ const PluginLibrary* PluginSet::findModule(const std::string& name) const {
 const PluginLibrary* PluginSet::findFile(const std::filesystem::path& file) const {
     const auto found =
         std::find_if(my_libraries.begin(), my_libraries.end(), [&](const PluginLibrary& library) {
-            std::error_code gone; // A file that is gone is no other file's equal.
+            std::error_code gone; // A file that has gone is not equivalent to any other.
             return std::filesystem::equivalent(library.file(), file, gone);
         });
     return found == my_libraries.end() ? nullptr : &*found;

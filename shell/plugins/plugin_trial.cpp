@@ -84,7 +84,7 @@ void tryWith(const char* heap, const PluginInspection& plugin, std::chrono::mill
     }
     throw pluginError(plugin.file, "a module that can be loaded and unloaded",
                       found + " while it is " + answer.step(),
-                      "Mend the plug-in; if it was in order before, build it or copy it again.");
+                      "Fix the plug-in; if it worked before, build it or copy it again.");
 }
 
 } // namespace

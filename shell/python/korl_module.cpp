@@ -49,7 +49,7 @@ py::bytes encode(const py::array_t<std::uint8_t, py::array::c_style>& pixels,
 /// Each kind of error as the exception of its kind in korl/_errors.py.
 void translateError(std::exception_ptr thrown) {
     const auto raise = [](const char* type, const std::exception& error) {
-        const std::string text = printableLines(error.what()); // which may quote bytes that are no text
+        const std::string text = printableLines(error.what()); // which may quote bytes that are not text
         PyErr_SetString(py::module_::import("korl._errors").attr(type).ptr(), text.c_str());
     };
     try {

@@ -50,7 +50,7 @@ glm::dvec3 vectorOf(const Triple& triple) {
 void setCamera(Shell& shell, const std::optional<Triple>& position, const std::optional<Triple>& target,
                const std::optional<Triple>& up, const std::optional<double>& fov) {
     Scene& scene = shell.scene();
-    if (fov) { // checked by itself: no place can be found for a field of view that is none
+    if (fov) { // checked by itself: no place can be found for an impossible field of view
         Camera usual = cameraOf(scene);
         usual.fov_degrees = *fov;
         validate(usual);

@@ -12,7 +12,7 @@
 
 namespace korl {
 
-/// How an object of a frame fared when the fixed-function lights were set up.
+/// What became of an object of a frame when the fixed-function lights were set up.
 struct FixedLightPlace {
     enum class Outcome {
         holds,        ///< it holds the OpenGL light `number`
@@ -40,7 +40,7 @@ public:
     /// @param alone whether this path is all that is shown: a light that sets up none is then reported, too.
     void setUpLights(View& view, const Viewpoint& viewpoint, Reports& reports, bool alone = false);
 
-    /// How each object fared in the latest set-up, in the order of the frame.
+    /// What became of each object in the latest set-up, in the order of the frame.
     std::span<const FixedLightPlace> places() const noexcept { return my_places; }
 
     /// Draws the meshes under these lights, into the framebuffer and viewport that are current. Lighting is

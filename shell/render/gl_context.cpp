@@ -74,11 +74,11 @@ void requireLibraries() {
         return library != nullptr;
     };
     if (!canLoad("libEGL.so.1")) {
-        throw Error(std::string("No OpenGL context: the library libEGL.so.1 can't be loaded.\n") +
+        throw Error(std::string("no OpenGL context: the library libEGL.so.1 can't be loaded.\n") +
                     packages_that_help);
     }
     if (!canLoad("libOpenGL.so.0") && !canLoad("libGL.so.1")) {
-        throw Error(std::string("No OpenGL context: neither libOpenGL.so.0 nor libGL.so.1 can be loaded.\n") +
+        throw Error(std::string("no OpenGL context: neither libOpenGL.so.0 nor libGL.so.1 can be loaded.\n") +
                     packages_that_help);
     }
 }
@@ -290,7 +290,7 @@ GLContext::GLContext(const Options& options) {
             tried.push_back(candidate.how + ": " + error.what());
         }
     }
-    std::string text = "No OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n";
+    std::string text = "no OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n";
     for (const std::string& attempt : tried) {
         text += "  " + attempt + "\n";
     }
@@ -303,7 +303,7 @@ void GLContext::makeCurrent() {
     try {
         my_handles->makeCurrent();
     } catch (const Error& error) {
-        throw Error("The OpenGL context of " + my_info.renderer + " can't be made current: " + error.what() +
+        throw Error("the OpenGL context of " + my_info.renderer + " can't be made current: " + error.what() +
                     "\nIt can be current on one thread only; release it there first.");
     }
 }

@@ -24,7 +24,7 @@ std::string_view takeName(std::string_view& text) {
     return name;
 }
 
-/// How many floats a value of the type has; 0 for types that are no float or vector of floats.
+/// How many floats a value of the type has; 0 for types that are neither a float nor a vector of floats.
 int floatsOf(std::string_view type) {
     constexpr std::array<std::string_view, 4> vectors = {"float", "vec2", "vec3", "vec4"};
     const auto found = std::find(vectors.begin(), vectors.end(), type);

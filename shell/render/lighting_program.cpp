@@ -8,7 +8,7 @@ namespace korl {
 Program buildLightingProgram(const AssembledShader& assembled) {
     Shader vertex(GL_VERTEX_SHADER);
     if (!vertex.compile(assembled.vertex)) {
-        throw Error("The driver refuses the lighting shader's vertex stage.\nThe driver says: " +
+        throw Error("the driver refuses the lighting shader's vertex stage.\nThe driver says: " +
                     vertex.log());
     }
     Shader fragment(GL_FRAGMENT_SHADER);

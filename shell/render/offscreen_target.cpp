@@ -82,7 +82,7 @@ void OffscreenTarget::allocate(Surface& surface, int samples, bool has_depth) co
     }
     const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
     if (status != GL_FRAMEBUFFER_COMPLETE) {
-        throw Error("The driver can't draw into a picture of " + sizeText(my_width, my_height) +
+        throw Error("the driver can't draw into a picture of " + sizeText(my_width, my_height) +
                     " pixels with " + std::to_string(samples) + " samples (framebuffer status " +
                     std::to_string(status) + ").\nAsk for a smaller one.");
     }

@@ -14,7 +14,7 @@ using namespace shader_text;
 
 namespace {
 
-/// The name that a line imports, none where the line is no import; throws where it can't be read.
+/// The name that a line imports, none where the line is not an import; throws where it can't be read.
 std::optional<std::string> importedName(std::string_view line, const std::string& light_name) {
     std::string_view rest = trimmed(line);
     if (!rest.starts_with('#')) {
@@ -27,7 +27,7 @@ std::optional<std::string> importedName(std::string_view line, const std::string
     rest = trimmed(rest);
     const bool is_quoted = rest.size() > 2 && rest.front() == '"' && rest.find('"', 1) == rest.size() - 1;
     if (!is_quoted) {
-        throw Error("The light " + inQuotes(light_name) + " has an import that can't be read: " +
+        throw Error("the light " + inQuotes(light_name) + " has an import that can't be read: " +
                     std::string(trimmed(line)) + "\nWrite it as: #pragma import \"NAME\"");
     }
     return std::string(rest.substr(1, rest.size() - 2));
@@ -52,7 +52,7 @@ void collectImports(const LightSnippet& snippet, std::string_view uncommented,
             std::any_of(importable_functions.begin(), importable_functions.end(),
                         [&](const ImportableFunction& known) { return known.name == *name; });
         if (!is_known) {
-            throw Error("The light " + inQuotes(snippet.light_name) + " imports " + inQuotes(*name) +
+            throw Error("the light " + inQuotes(snippet.light_name) + " imports " + inQuotes(*name) +
                         ", which the shell does not have.\nWhat it can import: " + knownImports());
         }
         imports.insert(*name);
@@ -86,12 +86,12 @@ void requireVersion(int glsl_version, std::span<const LightSnippet> snippets) {
         for (const int version : glsl_versions) {
             known += (known.empty() ? "" : ", ") + std::to_string(version);
         }
-        throw Error("A shader of GLSL version " + std::to_string(glsl_version) +
+        throw Error("a shader of GLSL version " + std::to_string(glsl_version) +
                     " was asked for, which the shell can't assemble.\nTake one of: " + known);
     }
     for (const LightSnippet& snippet : snippets) {
         if (snippet.is_repeated && (glsl_version < 330 || !canRepeat(snippet.text))) {
-            throw Error("The GLSL snippet of the light " + inQuotes(snippet.light_name) +
+            throw Error("the GLSL snippet of the light " + inQuotes(snippet.light_name) +
                         " can't stand for many lights: that takes GLSL version 330, and uniforms that are "
                         "plain floats or vectors.");
         }
@@ -106,7 +106,7 @@ std::set<std::string> checkedImports(std::span<const LightSnippet> snippets) {
         const std::string uncommented = withoutComments(snippet.text).text;
         collectImports(snippet, uncommented, imports);
         if (!definesFunction(uncommented, "getLight_$$")) {
-            throw Error("The GLSL snippet of the light " + inQuotes(snippet.light_name) +
+            throw Error("the GLSL snippet of the light " + inQuotes(snippet.light_name) +
                         " does not define the function getLight_$$.\nIt must define: void getLight_$$(in "
                         "vec3 vertex, "
                         "out vec3 light_incidence, out vec3 intensity, out vec3 specular_intensity)");

@@ -88,19 +88,19 @@ std::string compileErrorText(const AssembledShader& shader, std::string_view dri
             text.append(lineOf(shader.fragment, section.first_line + line)) += '\n';
         }
         if (const std::string open = leftOpen(text); !open.empty()) {
-            return "The GLSL snippet of the light " + inQuotes(section.light_name) +
+            return "the GLSL snippet of the light " + inQuotes(section.light_name) +
                    " does not compile: it has " + open + ".\nThe driver says: " + errors.front().text;
         }
     }
     for (const DriverError& error : errors) {
         if (const std::optional<SourceLocation> location = locate(shader, error.line)) {
-            return "The GLSL snippet of the light " + inQuotes(location->light_name) +
+            return "the GLSL snippet of the light " + inQuotes(location->light_name) +
                    " does not compile, line " + std::to_string(location->line) + ": " +
                    std::string(trimmed(lineOf(shader.fragment, error.line))) +
                    "\nThe driver says: " + error.text;
         }
     }
-    return "The lighting shader does not compile, and the driver names no line of a light's snippet."
+    return "the lighting shader does not compile, and the driver names no line of a light's snippet."
            "\nThe driver says: " +
            errors.front().text;
 }

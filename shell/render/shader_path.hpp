@@ -32,7 +32,7 @@ AssembledShader assembleFrame(const View& view);
 /// that a program compiles as fast for a thousand lights of a type as for one.
 class ShaderPath {
 public:
-    /// Has every light of the frame fill its uniforms: those that are no shader lights do it while they set
+    /// Has every light of the frame fill its uniforms: those that are not shader lights do it while they set
     /// up their fixed-function light, and find light number 1 and OpenGL's light state as it was before for
     /// each of them.
     void fillUniforms(View& view, const Viewpoint& viewpoint);

@@ -222,7 +222,7 @@ bool Scene::isMuted(const VObject& object) const {
 
 void Scene::solo(const std::string& light) {
     if (!light.empty() && !isLight(object(light)))
-        throw WrongType(inQuotes(light) + " is no light, so it cannot shine alone");
+        throw WrongType(inQuotes(light) + " is not a light, so it cannot shine alone");
     my_solo = light;
     my_solo_number = light.empty() ? 0 : object(light).number();
     my_unresolved.solo.clear();

@@ -95,7 +95,7 @@ public:
     bool isMuted(const Qelt::VObject& object) const;
 
     /// Lets one light alone shine, whatever is muted; the empty name ends that. It ends too when the light is
-    /// deleted. Throws Error for an unknown object, and for one that is no light.
+    /// deleted. Throws Error for an unknown object, and for one that is not a light.
     void solo(const std::string& light);
     /// The light that shines alone, or null.
     Qelt::VObject* soloLight() const;

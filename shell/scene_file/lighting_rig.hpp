@@ -10,7 +10,7 @@ namespace korl {
 /// Writes a scene's lights alone to a file, to be put into other scenes: with their parameters, connections
 /// among them, mutes, and values that views have for them. It is a scene file. Throws Error as `saveScene`
 /// does.
-/// @param warn hears of connections to what is no light, which are left out.
+/// @param warn is called for connections to what is not a light, which are left out.
 void saveRig(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn = {});
 
 /// What `saveRig` writes.

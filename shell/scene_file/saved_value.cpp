@@ -17,7 +17,7 @@ std::optional<std::string> finiteText(const VObject& object, const VParameter& p
     std::string text = value.Text();
     if (!isFinite(value))
         throw Error("the scene cannot be written: " + inQuotes(object.Name() + "." + parameter.Name()) +
-                    " is " + inQuotes(text) + ", which is no finite value; set it first");
+                    " is " + inQuotes(text) + ", which is not finite; set it first");
     return text.empty() ? std::nullopt : std::optional(text);
 }
 

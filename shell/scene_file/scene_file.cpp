@@ -22,7 +22,7 @@ std::string sceneFileText(const std::filesystem::path& file) {
     if (problem)
         fail(problem.message());
     if (type != std::filesystem::file_type::regular)
-        fail("it is no regular file");
+        fail("it is not a regular file");
     const auto size = std::filesystem::file_size(file, problem);
     if (size > JsonText::max_bytes)
         fail("it has " + std::to_string(size) + " bytes, more than the " +

@@ -29,7 +29,7 @@ struct SceneReading {
 /// to it and the values that views have for it. A view that the scene has already gets the file's values
 /// added.
 ///
-/// Throws Error that names the file, the place in it (line and column where it is no JSON, a JSON pointer
+/// Throws Error that names the file, the place in it (line and column where it is not JSON, a JSON pointer
 /// otherwise), what was found and what was expected. The scene is then as it was.
 void readSceneFile(const std::filesystem::path& file, Scene& scene, const SceneReading& reading = {});
 
@@ -41,7 +41,7 @@ void readSceneText(std::string text, const std::filesystem::path& file, Scene& s
 /// Writes a scene to a file: the old or the new file is there whole, whatever happens. What is read from it
 /// shows the same pictures and is written as the same bytes again. Throws Error where it cannot be written,
 /// and for a value that is not finite.
-/// @param warn hears of connections that are left out, since what they lead to is not in the scene.
+/// @param warn is called for connections that are left out, since what they lead to is not in the scene.
 void saveScene(const std::filesystem::path& file, const Scene& scene, const SceneNotes& warn = {});
 
 /// What `saveScene` writes.

@@ -99,7 +99,7 @@ void SceneReader::read(const JsonValue& root) {
     my_root.requireObject(root);
     const auto version = root.find("korl");
     if (!version)
-        my_root.fail("is no scene: it lacks \"korl\", the version of the format, which is 1");
+        my_root.fail("is not a scene: it lacks \"korl\", the version of the format, which is 1");
     if (version->number<std::uint32_t>() != format_version)
         my_root.inside("korl").fail("is " + printable(version->source().substr(0, 100)) +
                                     ", but this program reads version 1 of the format");
@@ -327,7 +327,7 @@ void SceneReader::readConnections(const JsonValue& connections, std::size_t made
             if (my_reading.warn)
                 my_reading.warn(inQuotes(follower.Name() + "." + name) + " followed " +
                                 inQuotes(object + "." + followed) +
-                                ", which is no light's; it keeps a value of its own");
+                                ", which does not belong to a light; it keeps a value of its own");
         } else {
             std::vector<std::string> names;
             for (const Created& other : my_created)

@@ -86,7 +86,7 @@ private:
     std::unordered_map<std::string, Qelt::VObject*> my_names; ///< by the names that the file gives
     std::unordered_set<std::string> my_file_names;            ///< all that the file gives
     std::unordered_map<std::string, bool> my_makes_lights;    ///< by type
-    std::unordered_set<std::string> my_left_out;              ///< the names in the file of what is no light
+    std::unordered_set<std::string> my_left_out;     ///< the names in the file of what is not a light
     std::unordered_map<std::string, int> my_numbers; ///< how far unnamed objects were counted, by type
     std::uint64_t my_latest = 0;                     ///< the number of the object created last
     std::map<std::string, std::vector<std::string>> my_unresolved_names; ///< by type

@@ -39,7 +39,7 @@ def numbers_in(value, count, what):
 
 
 def parts_of(value):
-    """The parts of a sequence or an array as a list; None for what is none, or a text."""
+    """The parts of a sequence or an array as a list; None for a text and for anything else."""
     if isinstance(value, (str, bytes)) or not hasattr(value, "__len__"):
         return None
     try:
@@ -60,12 +60,12 @@ def whole(value, least, what, most=2**31 - 1):
 
 
 def shown(text):
-    """A text as it can be shown: what is no character in it is escaped."""
+    """A text as it can be shown: what is not a character in it is escaped."""
     return text.encode(errors="backslashreplace").decode()
 
 
 def text_in(value, what):
-    """A text, with nothing in it that is no character."""
+    """A text, all of it characters."""
     if not isinstance(value, str):
         raise WrongTypeError(f"{what} is a text, found {value!r}")
     if shown(value) != value:
@@ -121,7 +121,7 @@ def from_text(kind, text):
 
 
 def path_of(file):
-    """A file as the system's text for it; WrongTypeError for what is no path."""
+    """A file as the system's text for it; WrongTypeError for what is not a path."""
     try:
         path = os.fsdecode(file)
         if b"\0" in os.fsencode(path):

@@ -78,8 +78,8 @@ TEST(Parameter, MalformedPreferenceIsReported) {
     };
     EXPECT_EQ(
         traceOf(0, makeParameters),
-        "VParameter latitude: \"north\" is no text of a double, the default \"45\" stays\n"
-        "VParameter color: \"red\" is no text of a Orvid::rgba_float_t, the default \"0.1 0.2 0.3 0.4\" "
+        "VParameter latitude: \"north\" is not the text of a double; the default \"45\" stays\n"
+        "VParameter color: \"red\" is not the text of a Orvid::rgba_float_t; the default \"0.1 0.2 0.3 0.4\" "
         "stays\n");
     EXPECT_EQ(traceOf(-1, makeParameters), "");
 }

@@ -23,10 +23,11 @@ TEST(ColorText, RefusesEverythingElse) {
             parseColor(text);
             ADD_FAILURE() << "taken: " << text;
         } catch (const korl::Error& error) {
-            EXPECT_EQ(error.what(),
-                      "\"" + std::string(text) +
-                          "\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
-                          "to 1 such as \"0.1 0.1 0.12\"");
+            EXPECT_EQ(
+                error.what(),
+                "\"" + std::string(text) +
+                    "\" is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
+                    "to 1 such as \"0.1 0.1 0.12\"");
         }
     }
 }

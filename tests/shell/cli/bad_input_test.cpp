@@ -94,7 +94,7 @@ TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
         "korl: type \"Odd\": creation of \"Odd\" in the module \"throwing_objects\" threw something that is "
         "not "
         "an exception; report it to the author of the module\n"
-        "korl: 2 of 9 types have no usable icon; their modules have to be mended\n");
+        "korl: 2 of 9 types have no usable icon; report it to the authors of their modules\n");
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_THAT(result.output, HasSubstr("\nReluctant         -         0       -            unusable"));
     EXPECT_THAT(result.output, HasSubstr("\nAmbientLight "));
@@ -106,7 +106,8 @@ TEST_F(BadInput, IconsThatCannotBeUsed) {
                                   "expected \"WIDTH HEIGHT COLORS CHARACTERS\"\n";
     const ProgramResult listed = korl({"types", "--plugin", plugin});
     EXPECT_EQ(listed.errors,
-              misshapen + "korl: 1 of 12 types have no usable icon; their modules have to be mended\n");
+              misshapen +
+                  "korl: 1 of 12 types have no usable icon; report it to the authors of their modules\n");
     EXPECT_EQ(listed.exit_code, 1);
 
     const ProgramResult written = korl({"types", "--plugin", plugin, "--icons", "DIR"});
@@ -115,9 +116,10 @@ TEST_F(BadInput, IconsThatCannotBeUsed) {
                 StartsWith(misshapen + "korl: type \"NoPicture\": its icon " + path + " cannot be used: "));
     EXPECT_THAT(
         written.errors,
-        HasSubstr("\nkorl: type \"Missing\": its icon :/nowhere.png is not in the module's "
-                  "resources\nkorl: type \"no/file\": a name with \"/\" cannot be that of its icon's "
-                  "file\nkorl: 4 of 12 types have no usable icon; their modules have to be mended\n"));
+        HasSubstr(
+            "\nkorl: type \"Missing\": its icon :/nowhere.png is not in the module's "
+            "resources\nkorl: type \"no/file\": a name with \"/\" cannot be that of its icon's "
+            "file\nkorl: 4 of 12 types have no usable icon; report it to the authors of their modules\n"));
     EXPECT_EQ(written.exit_code, 1);
     for (const char* const icon : {"Plain.png", "Torch.png", "Headlight.png"})
         EXPECT_TRUE(std::filesystem::exists(folder / icon)) << icon;
@@ -197,11 +199,11 @@ TEST_F(BadInput, WrongUsage) {
     expectError({"render", "--path", "sideways"}, 2,
                 "--path: sideways not in {shader,fixed,both}" + usage_hint);
     expectError({"render", "--model-up", "w"}, 2,
-                "--model-up: \"w\" is no axis of a model; there are x, y and z" + usage_hint);
+                "--model-up: \"w\" is not an axis of a model; there are x, y and z" + usage_hint);
     expectError({"render", "--camera", "0 0"}, 2,
                 "--camera takes three numbers \"x y z\", found \"0 0\"" + usage_hint);
     expectError({"render", "--background", "red"}, 2,
-                "--background: \"red\" is no color; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
+                "--background: \"red\" is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
                 "numbers from 0 to "
                 "1 such as \"0.1 0.1 0.12\"" +
                     usage_hint);

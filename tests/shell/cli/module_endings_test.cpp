@@ -96,7 +96,7 @@ TEST(ModuleEndings, AStaticInitialiserEndsNothing) {
                "\": expected a module that can be loaded and unloaded, found "
                "one that " +
                found +
-               " while it is loaded.\nMend the plug-in; if it was in order before, build it or copy "
+               " while it is loaded.\nFix the plug-in; if it worked before, build it or copy "
                "it again.\n";
     };
     const ProgramResult thrown = runProgram(KORL_PROGRAM, {"types", "--plugin", thrower});

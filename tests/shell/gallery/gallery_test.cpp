@@ -75,7 +75,7 @@ TEST_F(GalleryGLTest, TypeThatFailsSaysSoAndTheOthersAreThere) {
     shell.plugins().load(TOVEK_LIGHT_MODULE);
     shell.plugins().load(FAULTY_LIGHT_MODULE);
     const std::string html = page();
-    EXPECT_THAT(html, HasSubstr("Not all of it can be shown: The GLSL snippet of the light "
+    EXPECT_THAT(html, HasSubstr("Not all of it can be shown: the GLSL snippet of the light "
                                 "&quot;FaultyLight&quot; does not compile, line 3"));
     EXPECT_THAT(html, HasSubstr("vec3(unheard_of)"));
     EXPECT_EQ(countOf("<section ", html), types.size() + 1);

@@ -33,7 +33,8 @@ TEST(Xpm, WhatIsWrongIsTold) {
               "the XPM image has the color line \"A\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
     EXPECT_EQ(errorOf({"2 1 1 1", "A c #000000", "A"}),
               "the XPM image has a row of 1 characters, expected 2");
-    EXPECT_EQ(errorOf({"1 1 1 1", "A c #000000", "B"}), "the XPM image uses \"B\", which is no color of it");
+    EXPECT_EQ(errorOf({"1 1 1 1", "A c #000000", "B"}),
+              "the XPM image uses \"B\", which is not one of its colors");
 }
 
 } // namespace

@@ -116,7 +116,7 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
         {"text.glb", "glTF, but no more than that",
          damaged + "its length or that of a chunk is not what its head tells"},
         {"text.gltf", "{ \"asset\"",
-         "this is no JSON: parse error at line 1, column 10: syntax error while parsing object separator - "
+         "this is not JSON: parse error at line 1, column 10: syntax error while parsing object separator - "
          "unexpected end of input; expected ':'"},
     };
     for (const auto& [name, text, message] : rows)

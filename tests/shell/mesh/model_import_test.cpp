@@ -262,7 +262,7 @@ TEST(UpAxisTest, HasThreeNames) {
             parseUpAxis(text);
             ADD_FAILURE() << "no error for \"" << text << '"';
         } catch (const Error& error) {
-            EXPECT_EQ(error.what(), '"' + text + "\" is no axis of a model; there are x, y and z");
+            EXPECT_EQ(error.what(), '"' + text + "\" is not an axis of a model; there are x, y and z");
         }
     }
 }

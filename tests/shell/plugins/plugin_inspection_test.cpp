@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"undefined_entry_point.so",
                 an_entry_point + "KORL_API_2026_JAN_22__absent, which is only declared" + export_it},
         Refused{"variable_entry_point.so",
-                an_entry_point + "KORL_API_2026_JAN_22__constant, which is no function" + export_it},
+                an_entry_point + "KORL_API_2026_JAN_22__constant, which is not a function" + export_it},
         Refused{"weak_entry_point.so",
                 an_entry_point + "KORL_API_2026_JAN_22__meek, which is weak or local" + export_it},
         Refused{"other_interface_version.so",

@@ -119,7 +119,7 @@ TEST(PluginLibraryTest, TurnsAnEntryPointsExceptionIntoAnError) {
     const auto file = broken / "throwing_entry_point.so";
     EXPECT_EQ(loadError(file),
               refusal(file, "an answer from its entry point, found the exception \"no answer today\"."
-                            "\nMend the plug-in's entry point."));
+                            "\nFix the plug-in's entry point."));
     expectGone(file);
 }
 

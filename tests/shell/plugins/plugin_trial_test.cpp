@@ -21,7 +21,7 @@ namespace {
 using namespace plugin_files;
 using testing::MatchesRegex;
 
-const std::string remedy = "\nMend the plug-in; if it was in order before, build it or copy it again.";
+const std::string remedy = "\nFix the plug-in; if it worked before, build it or copy it again.";
 
 /// Tells the module odd_initializer what to do.
 class PluginTrialTest : public testing::Test {

@@ -36,8 +36,8 @@ class OddModuleTest(unittest.TestCase):
                 self.assertEqual(
                     str(caught.exception),
                     f'cannot load the plug-in "{file}": expected a module that can be loaded and unloaded, found one '
-                    'that throws the exception "the initialiser failed" while it is loaded.\nMend the plug-in; if it '
-                    "was in order before, build it or copy it again.",
+                    'that throws the exception "the initialiser failed" while it is loaded.\nFix the plug-in; if it '
+                    "worked before, build it or copy it again.",
                 )
             shell.load(BROKEN / "odd_lights.so")
             self.assertEqual(shell.create("OddLight").name, "OddLight")

@@ -126,7 +126,7 @@ TEST_F(GLContextGLTest, AnotherThreadGetsItOnlyOnceReleased) {
             refusal = error.what();
         }
     }).join();
-    EXPECT_EQ(refusal, "The OpenGL context of " + other.info().renderer +
+    EXPECT_EQ(refusal, "the OpenGL context of " + other.info().renderer +
                            " can't be made current: eglMakeCurrent: EGL_BAD_ACCESS\n"
                            "It can be current on one thread only; release it there first.");
     other.release();
@@ -166,7 +166,7 @@ TEST_F(GLContextFailureGLTest, WithoutAnyDriverTheErrorListsWhatWasTried) {
     EXPECT_EXIT(
         printErrorWith("__EGL_VENDOR_LIBRARY_FILENAMES", "/nonexistent.json", {}),
         ::testing::ExitedWithCode(0),
-        std::string("^No OpenGL context could be made \\(3.0 or later, compatibility profile\\). Tried:\n"
+        std::string("^no OpenGL context could be made \\(3.0 or later, compatibility profile\\). Tried:\n"
                     "  EGL surfaceless platform: .*\n"
                     "  EGL devices: .*\n") +
             packages);

@@ -133,7 +133,7 @@ TEST(AssembleShaderTest, ErrorsSayWhatToDo) {
     const std::string needed = "\nIt must define: void getLight_$$(in vec3 vertex, out vec3 light_incidence, "
                                "out vec3 intensity, out vec3 specular_intensity)";
     const std::string undefined =
-        "The GLSL snippet of the light \"lamp\" does not define the function getLight_$$." + needed;
+        "the GLSL snippet of the light \"lamp\" does not define the function getLight_$$." + needed;
     const std::string body = "(in vec3 a, out vec3 b, out vec3 c, out vec3 d) {}";
     struct Row {
         std::string snippet;
@@ -150,26 +150,26 @@ TEST(AssembleShaderTest, ErrorsSayWhatToDo) {
         {"/* void getLight_$$" + body, undefined},
         {"void forgetLight_$$" + body, undefined},
         {"#pragma import \"getSun\"\n" + even_snippet,
-         "The light \"lamp\" imports \"getSun\", which the shell does not have.\nWhat it can import: "
+         "the light \"lamp\" imports \"getSun\", which the shell does not have.\nWhat it can import: "
          "getViewDir"},
         {"#pragma import getViewDir\n" + even_snippet,
-         "The light \"lamp\" has an import that can't be read: #pragma import getViewDir\n"
+         "the light \"lamp\" has an import that can't be read: #pragma import getViewDir\n"
          "Write it as: #pragma import \"NAME\""},
         {"#pragma import \"a\" \"b\"\n" + even_snippet,
-         "The light \"lamp\" has an import that can't be read: #pragma import \"a\" \"b\"\n"
+         "the light \"lamp\" has an import that can't be read: #pragma import \"a\" \"b\"\n"
          "Write it as: #pragma import \"NAME\""},
         {"#pragma import\n" + even_snippet,
-         "The light \"lamp\" has an import that can't be read: #pragma import\n"
+         "the light \"lamp\" has an import that can't be read: #pragma import\n"
          "Write it as: #pragma import \"NAME\""},
         {"#pragma import \"\n" + even_snippet,
-         "The light \"lamp\" has an import that can't be read: #pragma import \"\n"
+         "the light \"lamp\" has an import that can't be read: #pragma import \"\n"
          "Write it as: #pragma import \"NAME\""},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(errorOf({{"first", even_snippet}, {"lamp", row.snippet}}), row.message) << row.snippet;
     }
     EXPECT_EQ(errorOf({}, 140),
-              "A shader of GLSL version 140 was asked for, which the shell can't assemble.\n"
+              "a shader of GLSL version 140 was asked for, which the shell can't assemble.\n"
               "Take one of: 120, 130, 330, 450");
 }
 
@@ -198,7 +198,7 @@ TEST(LocateTest, LinesOfASnippetAreItsOwnAndNoOthers) {
 TEST(CompileErrorTextTest, EveryDriversFormLeadsToTheLight) {
     const AssembledShader shader = assemble({{"a", even_snippet}, {"b", viewer_snippet}});
     const std::string line = std::to_string(shader.sections[0].first_line + 12); // the 13th of the light "a"
-    const std::string said = "The GLSL snippet of the light \"a\" does not compile, line 13: "
+    const std::string said = "the GLSL snippet of the light \"a\" does not compile, line 13: "
                              "intensity = EvenColorL1.rgb;\nThe driver says: ";
     const std::vector<std::string> forms{"0:" + line + "(3): error: 'x' undeclared",
                                          "0(" + line + ") : error C1503: undefined variable \"x\"",
@@ -221,7 +221,7 @@ TEST(CompileErrorTextTest, WarningsAndTheShellsOwnLinesArePassedOver) {
                             error + "\n" + at(0, 5) + "(1): error: later\n";
     EXPECT_EQ(
         compileErrorText(shader, log),
-        "The GLSL snippet of the light \"b\" does not compile, line 3: { light_incidence = getViewDir(); "
+        "the GLSL snippet of the light \"b\" does not compile, line 3: { light_incidence = getViewDir(); "
         "intensity = specular_intensity = vec3(1); }\nThe driver says: " +
             error);
 }
@@ -229,7 +229,7 @@ TEST(CompileErrorTextTest, WarningsAndTheShellsOwnLinesArePassedOver) {
 TEST(CompileErrorTextTest, WithoutALineTheDriversWordsRemain) {
     const AssembledShader shader = assemble({{"a", even_snippet}});
     const std::string said =
-        "The lighting shader does not compile, and the driver names no line of a light's snippet.\n"
+        "the lighting shader does not compile, and the driver names no line of a light's snippet.\n"
         "The driver says: ";
     EXPECT_EQ(compileErrorText(shader, "out of registers\n"), said + "out of registers");
     EXPECT_EQ(compileErrorText(shader, "0:1(1): error: x\nmore\n"), said + "0:1(1): error: x");
@@ -253,7 +253,7 @@ TEST(CompileErrorTextTest, SnippetLeftOpenIsNamedInsteadOfTheOneBehindIt) {
         const std::string error =
             "0:" + std::to_string(shader.sections[1].first_line + 4) + "(1): error: unexpected";
         EXPECT_EQ(compileErrorText(shader, error),
-                  "The GLSL snippet of the light \"open\" does not compile: it has " + row.open +
+                  "the GLSL snippet of the light \"open\" does not compile: it has " + row.open +
                       ".\nThe driver says: " + error);
     }
     const AssembledShader closed = assemble({{"a", "/* } */ // (\n" + even_snippet}});
@@ -285,7 +285,7 @@ TEST(RepeatedSnippets, StandInTheShaderOnceWithVariablesForUniforms) {
 }
 
 TEST(RepeatedSnippets, AreRefusedWhereTheyCannotBe) {
-    const std::string message = "The GLSL snippet of the light \"a\" can't stand for many lights: that takes "
+    const std::string message = "the GLSL snippet of the light \"a\" can't stand for many lights: that takes "
                                 "GLSL version 330, and uniforms that are plain floats or vectors.";
     EXPECT_EQ(errorOf({{"a", even_snippet, true}}, 130), message);
     EXPECT_EQ(errorOf({{"a", "uniform int N$$;\n" + even_snippet, true}}), message);

@@ -368,7 +368,7 @@ TEST_P(ShaderCompileGLTest, BrokenSnippetIsReportedWithItsLight) {
     const std::string broken = head + "{\n\tlight_incidence = vec3(0,0,0);\n\tintensity = no_such_name;\n"
                                       "\tspecular_intensity = vec3(0,0,0);\n}\n";
     const std::string text = errorOf({{"good", even_snippet}, {"lamp", broken}, {"other", even_snippet}});
-    EXPECT_THAT(text, MatchesRegex("The GLSL snippet of the light \"lamp\" does not compile, line 4: "
+    EXPECT_THAT(text, MatchesRegex("the GLSL snippet of the light \"lamp\" does not compile, line 4: "
                                    "intensity = no_such_name;\nThe driver says: .*no_such_name.*"));
 }
 
@@ -377,7 +377,7 @@ TEST_P(ShaderCompileGLTest, UnclosedSnippetIsReportedInsteadOfTheOneBehindIt) {
         head + "{\n\tlight_incidence = intensity = specular_intensity = vec3(0,0,0);\n";
     EXPECT_THAT(
         errorOf({{"good", even_snippet}, {"lamp", unclosed}, {"other", even_snippet}}),
-        HasSubstr("The GLSL snippet of the light \"lamp\" does not compile: it has 1 \"{\" but 0 \"}\".\n"
+        HasSubstr("the GLSL snippet of the light \"lamp\" does not compile: it has 1 \"{\" but 0 \"}\".\n"
                   "The driver says: "));
 }
 

@@ -274,7 +274,7 @@ TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
     EXPECT_EQ(scene.soloLight(), nullptr);
     EXPECT_TRUE(scene.isEnabled(a));
     scene.remove("b");
-    EXPECT_EQ(errorOf([&] { scene.solo("p"); }), "\"p\" is no light, so it cannot shine alone");
+    EXPECT_EQ(errorOf([&] { scene.solo("p"); }), "\"p\" is not a light, so it cannot shine alone");
     EXPECT_EQ(errorOf([&] { scene.solo("x"); }),
               "unknown object \"x\": did you mean \"a\"? There are: a, p.");
     EXPECT_EQ(errorOf([&] { scene.setMuted("x", true); }),

@@ -121,10 +121,9 @@ TEST_F(LightingRigTest, AWholeSceneGivesItsLights) {
     EXPECT_TRUE(other.meshes().empty());
     EXPECT_FALSE(other.camera);
     EXPECT_EQ(other.soloLight(), nullptr);
-    EXPECT_THAT(
-        told,
-        ElementsAre("\"rim.power\" followed \"stage.strength\", which is no light's; it keeps a value of "
-                    "its own"));
+    EXPECT_THAT(told, ElementsAre("\"rim.power\" followed \"stage.strength\", which does not belong to a "
+                                  "light; it keeps a value of "
+                                  "its own"));
 }
 
 TEST_F(LightingRigTest, ABadRigChangesNothing) {

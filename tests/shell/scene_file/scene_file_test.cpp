@@ -104,7 +104,7 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
     };
     const Case cases[] = {
         {"[]", "expected an object in braces, found array"},
-        {"{}", "is no scene: it lacks \"korl\", the version of the format, which is 1"},
+        {"{}", "is not a scene: it lacks \"korl\", the version of the format, which is 1"},
         {R"({"korl": 2})", "/korl: is 2, but this program reads version 1 of the format"},
         {R"({"korl": 1, "object": []})", "/object: unknown key; did you mean \"objects\"? There are: korl, "
                                          "plugins, background, camera, views, solo, objects, meshes."},
@@ -126,13 +126,13 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"tint": [1e39, 0, 0, 1]}}]})",
          "/objects/0/parameters/tint: \"Plain.tint\" takes a color, four numbers \"red green blue alpha\", "
          "found \"1e39 0 0 1\"; it keeps \"0.1 0.2 0.3 1\""},
-        {R"({"korl": 1, "background": 1})", "/background: \"1\" is no color; write \"#rrggbb\", "
+        {R"({"korl": 1, "background": 1})", "/background: \"1\" is not a color; write \"#rrggbb\", "
                                             "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
                                             "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": "x"}}]})",
          "/objects/0/parameters/strength: \"Plain.strength\" takes a double, one number, found \"x\"; it "
          "keeps \"0.5\""},
-        {R"({"korl": 1, "background": "red"})", "/background: \"red\" is no color; write \"#rrggbb\", "
+        {R"({"korl": 1, "background": "red"})", "/background: \"red\" is not a color; write \"#rrggbb\", "
                                                 "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
                                                 "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "camera": {"position": "1 2", "target": "0 0 0"}})",
@@ -141,7 +141,7 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
         {R"({"korl": 1, "camera": {"position": "1 2 3", "target": "0 0 0", "fov": "wide"}})",
          "/camera/fov: expected degrees, found \"wide\""},
         {R"({"korl": 1, "meshes": [{"file": "x.obj", "up": "w"}]})",
-         "/meshes/0/up: \"w\" is no axis of a model; there are x, y and z"},
+         "/meshes/0/up: \"w\" is not an axis of a model; there are x, y and z"},
         {R"({"korl": 1, "korl": 1})", "/korl: the key \"korl\" stands twice in one object; keep one of them"},
         {R"({"korl": 1, "objects": [{"type": "Plain"}, {"type": "Plain", "type": "Plain"}]})",
          "/objects/1/type: the key \"type\" stands twice in one object; keep one of them"},
@@ -170,7 +170,7 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
          "/objects/0/connections/way/object: unknown object \"b\": there are: Plain."},
         {R"({"korl": 1, "solo": "sun"})", "/solo: the file has no object \"sun\", so it cannot shine alone"},
         {R"({"korl": 1, "solo": "p", "objects": [{"type": "Plain", "name": "p"}]})",
-         "/solo: \"p\" is no light, so it cannot shine alone"},
+         "/solo: \"p\" is not a light, so it cannot shine alone"},
         {R"({"korl": 1, "plugins": [1]})", "/plugins/0: expected a text in quotes, found number"},
         {R"({"korl": 1, "meshes": [{"positions": [0, 0, 0]}]})", "/meshes/0: lacks \"triangles\""},
         {R"({"korl": 1, "meshes": [{"positions": [0, 0], "triangles": []}]})",
@@ -195,9 +195,9 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
 
 TEST_F(SceneFileTest, BrokenJsonIsToldWithLineAndColumn) {
     const std::string error = errorOf("{\n  \"korl\": 1,\n  oops\n}");
-    EXPECT_THAT(error, testing::StartsWith("this is no JSON: "));
+    EXPECT_THAT(error, testing::StartsWith("this is not JSON: "));
     EXPECT_THAT(error, testing::HasSubstr("line 3, column 3"));
-    EXPECT_THAT(errorOf(""), testing::StartsWith("this is no JSON: "));
+    EXPECT_THAT(errorOf(""), testing::StartsWith("this is not JSON: "));
 }
 
 TEST_F(SceneFileTest, DeepNestingIsRefused) {

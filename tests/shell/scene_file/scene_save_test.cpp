@@ -136,7 +136,7 @@ TEST_F(SceneSaveTest, WhatIsNotFiniteIsNotWritten) {
     } catch (const korl::Error& error) {
         EXPECT_STREQ(
             error.what(),
-            "the scene cannot be written: \"p.strength\" is \"inf\", which is no finite value; set it first");
+            "the scene cannot be written: \"p.strength\" is \"inf\", which is not finite; set it first");
     }
 }
 
