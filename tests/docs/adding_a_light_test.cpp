@@ -129,9 +129,9 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(Qt5Core REQUIRED)
 find_package(GTest REQUIRED)
 file(GLOB sources navigation/light/*.cpp)
-korl_module(tovek_light SOURCES ${sources} ${RESOURCE_ARRAYS} LINK OpenGL::OpenGL Qt5::Core)
+korl_module(tovek_light SOURCES ${sources} LINK OpenGL::OpenGL Qt5::Core)
 target_precompile_headers(tovek_light PRIVATE <doltra/shader_light_source.hpp> <palune/geometry_traits.hpp>)
-target_include_directories(tovek_light PRIVATE ${ORIGINAL}/navigation/light ${ORIGINAL}/navigation/light/artwork)
+target_include_directories(tovek_light PRIVATE ${BUILT}/navigation/light)
 add_executable(lamp_test tests/navigation/light/lamp_test.cpp ${ORIGINAL}/tests/support/gl_recorder.cpp)
 target_include_directories(lamp_test PRIVATE ${ORIGINAL})
 target_link_libraries(lamp_test PRIVATE korl::doltra GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
@@ -139,8 +139,7 @@ target_compile_definitions(lamp_test PRIVATE TOVEK_LIGHT_MODULE="$<TARGET_FILE:t
 set_target_properties(lamp_test PROPERTIES ENABLE_EXPORTS ON)
 )");
     run("cmake -S . -B build -G Ninja -DCMAKE_PREFIX_PATH='" + installation +
-        "' -DORIGINAL='" PROJECT_SOURCE_DIR "' -DRESOURCE_ARRAYS='" RESOURCE_ARRAYS
-        "'\ncmake --build build\n");
+        "' -DORIGINAL='" PROJECT_SOURCE_DIR "' -DBUILT='" PROJECT_BINARY_DIR "'\ncmake --build build\n");
     const std::string types = run("KORL_PLUGIN_PATH=build '" + installation + "/bin/korl' types\n");
     for (const char* const type :
          {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight", "Lamp"})

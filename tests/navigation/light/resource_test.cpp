@@ -1,11 +1,9 @@
 // The module's Qt resource: the arrays, field by field, and what Qt makes of them. Qt's two functions are put
 // in front of the library's, write down how they were called, and call it.
 
-#include "artwork/resource_arrays.hpp"
-#include "files.hpp"
-#include "navigation/light/unit.hpp"
-#include "resource_format.hpp"
+#include "navigation/light/Resource.cpp" // NOLINT(bugprone-suspicious-include): its arrays
 #include "tests/support/loaded_module.hpp"
+#include "tests/support/temporary_folder.hpp"
 
 #include <algorithm>
 #include <dlfcn.h>
@@ -56,13 +54,6 @@ bool qUnregisterResourceData(int version, const unsigned char* tree, const unsig
     return libraryFunction("_Z23qUnregisterResourceDataiPKhS0_S0_")(version, tree, names, data);
 }
 
-// Defined in Resource.cpp, which is linked into this program as well.
-namespace tovek {
-std::unique_ptr<Unit> registerResource();
-}
-int qInitResources_tovek_light();
-int qCleanupResources_tovek_light();
-
 // Qt's macros work in the global namespace alone.
 static void initResource() {
     Q_INIT_RESOURCE(tovek_light);
@@ -81,7 +72,8 @@ constexpr const char* path = ":/light/Torch.png";
 constexpr std::int64_t changed = 1764071729232; ///< milliseconds since 1970
 
 Bytes picture() {
-    return artwork::readFile(PROJECT_SOURCE_DIR "/navigation/light/light/Torch.png");
+    const std::string bytes = korl::test::bytesOf(PROJECT_SOURCE_DIR "/navigation/light/light/Torch.png");
+    return {bytes.begin(), bytes.end()};
 }
 
 /// Reads big-endian numbers one after the other.
@@ -110,7 +102,8 @@ private:
 };
 
 TEST(ResourceTree, HasARootAFolderAndAFile) {
-    Reader tree(tovek::resource_tree);
+    EXPECT_EQ(sizeof tovek::tree, 3u * 22);
+    Reader tree(tovek::tree);
     // name, flags (2: folder), children, first child, last change
     EXPECT_THAT(tree.fields({4, 2, 4, 4, 8}), ElementsAre(0, 2, 1, 1, 0));
     EXPECT_THAT(tree.fields({4, 2, 4, 4, 8}), ElementsAre(0, 2, 1, 2, 0));
@@ -118,53 +111,35 @@ TEST(ResourceTree, HasARootAFolderAndAFile) {
     EXPECT_THAT(tree.fields({4, 2, 2, 2, 4, 8}), ElementsAre(16, 0, 0, 1, 0, 1764071729232));
 }
 
+/// The well-known hash of ELF symbol tables, which Qt took: here with the upper bits folded one by one.
+std::uint64_t hashOf(const std::string& name) {
+    std::uint64_t hash = 0;
+    for (const char character : name) {
+        hash = hash * 16 + static_cast<std::uint64_t>(character);
+        const std::uint64_t upper = (hash >> 28) & 0xf;
+        hash = (hash ^ (upper << 5)) % 0x10000000;
+    }
+    return hash;
+}
+
 TEST(ResourceNames, HaveLengthHashAndUtf16) {
-    Reader names(tovek::resource_names);
+    EXPECT_EQ(sizeof tovek::names, 2u * (2 + 4) + 2 * 5 + 2 * 9);
+    Reader names(tovek::names);
     for (const auto& [name, hash] : {std::pair<std::string, std::uint32_t>{"light", 0x0072fdf4},
                                      std::pair<std::string, std::uint32_t>{"Torch.png", 0x089be187}}) {
         EXPECT_EQ(names.number(2), name.size());
+        EXPECT_EQ(hashOf(name), hash);
         EXPECT_EQ(names.number(4), hash);
         for (const char character : name)
             EXPECT_EQ(names.number(2), static_cast<std::uint64_t>(character));
     }
 }
 
-TEST(ResourceNames, HashIsTheOneOfSystemV) {
-    // The well-known function of ELF symbol tables, which Qt took: here with the upper bits folded one by
-    // one.
-    const auto reference = [](std::string_view name) {
-        std::uint64_t hash = 0;
-        for (const char character : name) {
-            hash = hash * 16 + static_cast<std::uint64_t>(character);
-            const std::uint64_t upper = (hash >> 28) & 0xf;
-            hash = (hash ^ (upper << 5)) % 0x10000000;
-        }
-        return hash;
-    };
-    EXPECT_EQ(reference("light"), 0x0072fdf4u);
-    EXPECT_EQ(reference("Torch.png"), 0x089be187u);
-    for (const std::string name :
-         {"", "a", "light", "Torch.png", "a rather long name of a file, with blanks.text"})
-        EXPECT_EQ(artwork::hashOfName(name), reference(name)) << name;
-}
-
 TEST(ResourceData, IsThePictureWithItsLength) {
     const Bytes expected = picture();
-    EXPECT_EQ(Reader(tovek::resource_data).number(4), 45023u);
-    ASSERT_EQ(expected.size(), 45023u);
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), tovek::resource_data + 4));
-}
-
-TEST(ResourceFormat, ArraysHaveNothingElse) {
-    const artwork::Resource resource = artwork::singleFile("light", "Torch.png", picture(), changed);
-    EXPECT_EQ(resource.tree.size(), 3u * 22);
-    EXPECT_EQ(resource.names.size(), 2u * (2 + 4) + 2 * 5 + 2 * 9);
-    EXPECT_EQ(resource.data.size(), 4u + 45023);
-    EXPECT_EQ(artwork::sourceOf({{1, 2}, {3}, {255}}),
-              "#include \"resource_arrays.hpp\"\n\nnamespace tovek {\n\n"
-              "const unsigned char resource_tree[] = {\n    1,2,\n};\n\n"
-              "const unsigned char resource_names[] = {\n    3,\n};\n\n"
-              "const unsigned char resource_data[] = {\n    255,\n};\n\n} // namespace tovek\n");
+    ASSERT_EQ(sizeof tovek::data, 4 + expected.size());
+    EXPECT_EQ(Reader(tovek::data).number(4), 45023u);
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), tovek::data + 4));
 }
 
 TEST(Resource, ResolvesFromLoadToUnload) {
@@ -207,7 +182,7 @@ TEST(Resource, IsWithdrawnAsItWasRegistered) {
     EXPECT_EQ(calls[0].tree, calls[1].tree);
     EXPECT_EQ(calls[0].names, calls[1].names);
     EXPECT_EQ(calls[0].data, calls[1].data);
-    EXPECT_NE(calls[0].data, tovek::resource_data); // the module's own
+    EXPECT_NE(calls[0].data, tovek::data); // the module's own
 }
 
 TEST(Resource, UnitAndFunctionsRegisterTheSameData) {
@@ -222,9 +197,9 @@ TEST(Resource, UnitAndFunctionsRegisterTheSameData) {
     for (const Call& call : calls) {
         names.push_back(call.name);
         EXPECT_EQ(call.version, 3);
-        EXPECT_EQ(call.tree, tovek::resource_tree);
-        EXPECT_EQ(call.names, tovek::resource_names);
-        EXPECT_EQ(call.data, tovek::resource_data);
+        EXPECT_EQ(call.tree, tovek::tree);
+        EXPECT_EQ(call.names, tovek::names);
+        EXPECT_EQ(call.data, tovek::data);
     }
     EXPECT_THAT(names, ElementsAre("register", "unregister", "register", "unregister"));
 }
