@@ -7,7 +7,6 @@
 #include <tessan/typename.hpp>
 
 #include <algorithm>
-#include <utility>
 
 namespace Qelt {
 
@@ -128,39 +127,6 @@ bool VObject::connectInput(std::string_view input, VParameter& source) {
         return false;
     CreatedFilteredConnection(*slot, source);
     return true;
-}
-
-std::string VObject::saveText() const {
-    std::string text;
-    for (const Entry& entry : parameters())
-        if (const std::string value = entry.parameter->globalValue().Text(); !value.empty())
-            text += entry.parameter->Name() + " = " + value + "\n";
-    return text;
-}
-
-std::optional<std::string> VObject::loadText(std::string_view text) {
-    static constexpr std::string_view sign = " = ";
-    std::vector<std::pair<VParameter*, Tessan::StrongPtr<VValueBase>>> read;
-    for (int line_number = 1; !text.empty(); ++line_number) {
-        const std::string line(text.substr(0, text.find('\n')));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-        const auto at = line.rfind(sign); // no value's text has an equals sign, a parameter's name may
-        const std::string where = "line " + std::to_string(line_number) + ": ";
-        if (at == std::string::npos)
-            return where + "expected \"NAME = VALUE\", found \"" + line + "\"";
-        const std::string name = line.substr(0, at), value_text = line.substr(at + sign.size());
-        VParameter* const parameter = findParameter(name);
-        if (!parameter)
-            return where + "\"" + Name() + "\" has no parameter \"" + name + "\"";
-        auto value = parameter->DefaultValue().clone();
-        if (!value->setValueFromText(value_text))
-            return where + "parameter \"" + name + "\" takes a " + Tessan::Typename(parameter->type()) +
-                   ", found \"" + value_text + "\"";
-        read.emplace_back(parameter, std::move(value));
-    }
-    for (const auto& [parameter, value] : read)
-        parameter->setGlobalValue(*value.get());
-    return std::nullopt;
 }
 
 } // namespace Qelt

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Qelt {
@@ -101,12 +102,6 @@ public:
     /// says so to the object (`CreatedFilteredConnection`).
     /// @returns false, and changes nothing, if there is no such input, or it does not take the parameter.
     bool connectInput(std::string_view input, VParameter& source);
-
-    /// A line for each parameter, in the order of their making: its name, " = ", its global value's text. A
-    /// parameter whose value cannot be read is left out. Inputs made by `InputCreation` must be there again
-    /// to be read back.
-    std::string saveText() const override;
-    std::optional<std::string> loadText(std::string_view text) override;
 
 private:
     int my_priority;

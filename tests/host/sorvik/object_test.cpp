@@ -3,7 +3,6 @@
 #include <sorvik/value_pool.hpp>
 
 #include <gmock/gmock.h>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -247,59 +246,6 @@ TEST(Object, IsToldOfConnectionsThroughItsAcceptList) {
     EXPECT_EQ(object.way.parameter()->source(), nullptr);
     EXPECT_THAT(object.heard, ElementsAre("strength from strength"));
     EXPECT_EQ(object.strength.parameter()->source(), source.findParameter("strength"));
-}
-
-TEST(ObjectText, LeavesOutWhatCannotBeRead) {
-    PlainObject object("o");
-    {
-        const StrongPtr<Qelt::VValueBase> source(new Qelt::VValue<double>(1));
-        const_cast<Qelt::VValueBase&>(object.findParameter("strength")->globalValue()).setSource(source);
-    }
-    EXPECT_EQ(object.saveText(), "tint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
-}
-
-TEST(ObjectText, WritesAndReadsAllParameters) {
-    PlainObject object("o"), other("p");
-    object.findParameter("strength")->setGlobalValueFromText("1e-300");
-    object.findParameter("tint")->setGlobalValueFromText("0.7 0.7 0.7 1");
-    const std::string text = object.saveText();
-    EXPECT_EQ(text, "strength = 1e-300\ntint = 0.7 0.7 0.7 1\nplace = 1 2 3\nway = 0 0 -1\n");
-    EXPECT_EQ(other.loadText(text), std::nullopt);
-    EXPECT_EQ(other.saveText(), text);
-    EXPECT_EQ(other.loadText(""), std::nullopt);
-    EXPECT_EQ(other.loadText("way = 1 2 4\nstrength = 3"), std::nullopt); // in any order, with any ending
-    EXPECT_EQ(other.saveText(), "strength = 3\ntint = 0.7 0.7 0.7 1\nplace = 1 2 3\nway = 1 2 4\n");
-    EXPECT_EQ(other.findParameter("strength")->DefaultValue().Text(), "0.5");
-}
-
-TEST(ObjectText, WhatIsWrongIsToldAndNothingChanges) {
-    struct Case {
-        const char* text;
-        const char* problem;
-    };
-    const Case cases[] = {
-        {"strength 1\n", "line 1: expected \"NAME = VALUE\", found \"strength 1\""},
-        {"strength = 1\nwidth = 2\n", "line 2: \"o\" has no parameter \"width\""},
-        {"strength = 1\ntint = red\n",
-         "line 2: parameter \"tint\" takes a Orvid::rgba_float_t, found \"red\""},
-        {"strength = 1\n\n", "line 2: expected \"NAME = VALUE\", found \"\""},
-        {"strength = 1\n\nway = 1 0 0\n", "line 2: expected \"NAME = VALUE\", found \"\""},
-        {"tint = 1 1 1 1\nway = 1 0 0\nstrength = two",
-         "line 3: parameter \"strength\" takes a double, found \"two\""},
-    };
-    for (const Case& wrong : cases) {
-        PlainObject object("o");
-        const std::string before = object.saveText();
-        EXPECT_EQ(object.loadText(wrong.text), wrong.problem);
-        EXPECT_EQ(object.saveText(), before) << wrong.text;
-    }
-}
-
-TEST(ObjectText, ParameterNameMayHoldTheSign) {
-    PlainObject object("o");
-    const Qelt::TypedSlot<double> odd(&object, "a = b", 1.0, 0);
-    EXPECT_EQ(object.loadText("a = b = 3\n"), std::nullopt);
-    EXPECT_EQ(object.findParameter("a = b")->globalValue().Text(), "3");
 }
 
 } // namespace

@@ -113,8 +113,9 @@ TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
     for (const Case& wrong : cases) {
         EXPECT_EQ(errorOf([&] { scene.setParameterText("p", wrong.parameter, wrong.text); }), wrong.error);
     }
-    EXPECT_EQ(scene.object("p").saveText(),
-              "strength = 0.5\ntint = 0.1 0.2 0.3 1\nplace = 1 2 3\nway = 0 0 -1\n");
+    for (const auto& [name, text] :
+         {std::pair("strength", "0.5"), {"tint", "0.1 0.2 0.3 1"}, {"place", "1 2 3"}, {"way", "0 0 -1"}})
+        EXPECT_EQ(scene.object("p").findParameter(name)->globalValue().Text(), text);
 }
 
 TEST_F(SceneTest, KnowsWhetherItHasALight) {
