@@ -3,7 +3,6 @@
 #include "shell/animation/film.hpp"
 #include "shell/animation/frame_stamp.hpp"
 #include "shell/animation/output_files.hpp"
-#include "shell/animation/scene_fingerprint.hpp"
 #include "shell/animation/sequence_lock.hpp"
 #include "shell/animation/worker_pool.hpp"
 #include "shell/base/error.hpp"
@@ -17,7 +16,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -33,12 +31,12 @@ constexpr const char* solar_time_note = "equinox, solar time";
 constexpr double max_gif_frames_per_second = 50; ///< viewers slow down what is faster
 constexpr int max_film_frames = 999'999;         ///< the digits of the frames' names
 
-/// An mp4 has no alpha: where its scene's background is seen, it is opaque. The scene has its own again when
-/// this object goes.
+/// Makes a scene's background opaque, where that is asked for, until this object goes.
 class OpaqueBackground {
 public:
-    explicit OpaqueBackground(Scene& scene) : my_scene(scene), my_alpha(scene.background.a) {
-        my_scene.background.a = 1;
+    OpaqueBackground(Scene& scene, bool is_wanted) : my_scene(scene), my_alpha(scene.background.a) {
+        if (is_wanted)
+            my_scene.background.a = 1;
     }
     ~OpaqueBackground() { my_scene.background.a = my_alpha; }
     OpaqueBackground(const OpaqueBackground&) = delete;
@@ -95,16 +93,17 @@ public:
     }
 
     SequenceProgress make() {
+        const std::string scene = sceneToDraw();
         const SequenceLock lock(isFilm() ? my_film : my_settings.output);
         if (!lock.isHeld())
             report("the file system of " + printable(my_settings.output.string()) +
                    " has no locks; see to it that no other process makes the same sequence");
         if (isFilm())
             makeFilmFolder();
-        std::vector<FrameRequest> missing = missingFrames();
+        std::vector<FrameRequest> missing = missingFrames(checksum(my_shell.scene(), scene));
         reportProgress();
         if (!missing.empty()) {
-            const auto failures = makeFrames(std::move(missing));
+            const auto failures = makeFrames(scene, std::move(missing));
             if (!failures.empty())
                 throwFailures(failures, my_settings.frames);
         }
@@ -172,9 +171,16 @@ private:
         return my_names ? my_names->file(number) : filmFrame(filmFolder(), number);
     }
 
+    /// The scene as a file in the root folder has it. An mp4 has no alpha: where its scene's background is
+    /// seen, it is opaque.
+    std::string sceneToDraw() {
+        Scene& scene = my_shell.scene();
+        const OpaqueBackground opaque(scene, my_kind == SequenceKind::mp4);
+        return sceneText(scene, "/");
+    }
+
     /// The requests for all frames, but for those that are there already where that is asked for.
-    std::vector<FrameRequest> missingFrames() {
-        const std::uint64_t scene = fingerprintOf(my_shell.scene());
+    std::vector<FrameRequest> missingFrames(std::uint32_t scene) {
         std::vector<FrameRequest> missing;
         for (int number = 1; number <= my_settings.frames; ++number) {
             FrameRequest request = requestFor(number, scene);
@@ -187,44 +193,34 @@ private:
         return missing;
     }
 
-    FrameRequest requestFor(int number, std::uint64_t scene) const {
+    /// @param scene its checksum.
+    FrameRequest requestFor(int number, std::uint32_t scene) const {
         FrameRequest request{number, fs::absolute(frameFile(number)).string(), {}, {}, {}};
-        Fingerprint sum;
-        sum.add("korl " KORL_VERSION);
-        sum.addBytes(&scene, sizeof scene);
-        sum.add(my_settings.view);
-        for (const int part : {my_settings.picture.width, my_settings.picture.height,
-                               static_cast<int>(my_settings.picture.path)})
-            sum.add(static_cast<double>(part));
+        const RenderSettings& picture = my_settings.picture;
+        std::string stamped = "korl " KORL_VERSION " " + std::to_string(scene) + " " +
+                              std::to_string(picture.width) + "x" + std::to_string(picture.height) + " " +
+                              std::to_string(static_cast<int>(picture.path)) + " " + my_settings.view;
         for (const Variation& variation : my_settings.variations) {
             const std::string text =
                 valueAt(variation, number - 1, my_settings.frames, isDirection(variation, my_shell.scene()));
             request.values.push_back({variation.object, variation.parameter, text});
-            sum.add(nameOf(variation));
-            sum.add(text);
+            stamped += "; " + nameOf(variation) + " = " + text;
             request.description +=
                 (request.description.empty() ? "" : "; ") +
                 withNote(nameOf(variation) + " = " + text, isSolarTime(variation, my_shell.scene()));
         }
-        char digits[17];
-        std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(sum.value()));
-        request.stamp = digits;
+        request.stamp = std::to_string(checksum(stamped));
         return request;
     }
 
-    std::map<int, std::string> makeFrames(std::vector<FrameRequest> missing) {
+    std::map<int, std::string> makeFrames(const std::string& scene, std::vector<FrameRequest> missing) {
         const TemporaryFolder folder;
         WorkerJob job{(folder.path() / "scene.json").string(),
                       my_settings.picture,
                       my_settings.view,
                       Qelt::verbosity(),
                       {}};
-        {
-            std::optional<OpaqueBackground> opaque;
-            if (my_kind == SequenceKind::mp4)
-                opaque.emplace(my_shell.scene());
-            saveScene(job.scene_file, my_shell.scene());
-        }
+        writeFileAtomically(job.scene_file, scene);
         for (const PluginLibrary& plugin : my_shell.plugins().libraries())
             job.plugins.push_back(plugin.file().string());
 

@@ -9,6 +9,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <png.h>
+#include <zlib.h>
 
 namespace korl {
 
@@ -18,6 +19,9 @@ using Text = std::pair<std::string, std::string>;
 
 constexpr int compression_level =
     3; ///< a rendered picture comes out a tenth larger than at 6, in half the time
+
+constexpr std::string_view signature("\x89PNG\r\n\x1a\n", 8);
+constexpr std::size_t number_size = 4;
 
 /// The last chunk of every file: no content, its kind, its checksum.
 constexpr std::array<std::uint8_t, 12> end_chunk{0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xae, 0x42, 0x60, 0x82};
@@ -157,6 +161,13 @@ private:
     png_image my_image{};
 };
 
+std::uint32_t numberAt(std::string_view bytes, std::size_t place) {
+    std::uint32_t number = 0;
+    for (const char byte : bytes.substr(place, number_size))
+        number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
 } // namespace
 
 std::vector<std::uint8_t> encodePng(const Image& image, std::span<const Text> text) {
@@ -178,6 +189,32 @@ void requirePngName(const std::filesystem::path& file) {
             ": a picture is written as PNG alone, to a name that ends in .png or has no suffix, "
             "found " +
             inQuotes(file.extension().string()));
+}
+
+std::string textOfPng(std::span<const std::uint8_t> png, std::string_view keyword) {
+    std::string_view rest(reinterpret_cast<const char*>(png.data()), png.size());
+    if (!rest.starts_with(signature))
+        return {};
+    rest.remove_prefix(signature.size());
+    const std::string start = std::string(keyword) + '\0';
+    std::string text;
+    // A chunk is the size of its content, its kind, the content, and the checksum of kind and content.
+    while (rest.size() >= 3 * number_size) {
+        const std::size_t size = numberAt(rest, 0);
+        if (size > rest.size() - 3 * number_size)
+            return {};
+        const std::string_view kind = rest.substr(number_size, 4);
+        const std::string_view content = rest.substr(2 * number_size, size);
+        const auto* const checked = reinterpret_cast<const Bytef*>(kind.data());
+        if (crc32_z(0, checked, kind.size() + size) != numberAt(rest, 2 * number_size + size))
+            return {};
+        if (kind == "IEND")
+            return text;
+        if (kind == "tEXt" && content.starts_with(start))
+            text = content.substr(start.size());
+        rest.remove_prefix(3 * number_size + size);
+    }
+    return {};
 }
 
 Image decodePng(std::span<const std::uint8_t> png) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,10 @@ namespace korl {
 /// order. Throws Error for an image that `validate` refuses, and for a keyword that PNG does not allow.
 std::vector<std::uint8_t> encodePng(const Image& image,
                                     std::span<const std::pair<std::string, std::string>> text = {});
+
+/// The ASCII text that a PNG file keeps under a keyword, the last one of several. Empty where it has none,
+/// and where the file is not whole: each chunk's checksum must be right, and the end chunk must be there.
+std::string textOfPng(std::span<const std::uint8_t> png, std::string_view keyword);
 
 /// Throws InvalidValue for a file's name with another suffix than that of PNG, which would say of the bytes
 /// what they are not. A name without a suffix is taken.

@@ -143,6 +143,28 @@ TEST(PngTest, TextsAreKeptInTheirOrder) {
     EXPECT_EQ(decodePng(png).pixels, pattern(4, 4).pixels);
 }
 
+TEST(PngTest, ATextIsFoundByItsKeyword) {
+    const auto textOf = [](const Texts& texts) { return textOfPng(encodePng(pattern(5, 4), texts), "Key"); };
+    EXPECT_EQ(textOf({{"Comment", "6 h"}, {"Key", "0123"}, {"Keys", "x"}}), "0123");
+    EXPECT_EQ(textOf({{"Key", "1"}, {"Key", "2"}}), "2");
+    EXPECT_EQ(textOf({{"Comment", "Key"}}), "");
+    EXPECT_EQ(textOf({}), "");
+    EXPECT_EQ(textOfPng({}, "Key"), "");
+    const std::string other = "Key";
+    EXPECT_EQ(textOfPng(Bytes(other.begin(), other.end()), "Key"), "");
+}
+
+TEST(PngTest, AFileThatIsNotWholeHasNoText) {
+    const Bytes whole = encodePng(pattern(5, 4), Texts{{"Key", "0123"}});
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_EQ(textOfPng(std::span(whole).first(size), "Key"), "") << size;
+    for (std::size_t damaged = 0; damaged < whole.size(); ++damaged) {
+        Bytes bytes = whole;
+        bytes[damaged] ^= 4;
+        EXPECT_EQ(textOfPng(bytes, "Key"), "") << damaged;
+    }
+}
+
 TEST(PngTest, WhatPngCannotHoldIsRefused) {
     const Image image = pattern(2, 2);
     const std::string takes =
