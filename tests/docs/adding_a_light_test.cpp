@@ -1,8 +1,7 @@
 // docs/adding-a-light.md, followed to the letter: its files are written, its commands run.
 
+#include "tests/support/read_picture.hpp"
 #include "tests/support/run_program.hpp"
-
-#include "shell/image/png.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -90,9 +89,7 @@ TEST_F(AddingALightGLTest, ModuleOfItsOwnIsBuiltListedAndRendered) {
     EXPECT_THAT(output, HasSubstr("A light that shines all around."));
     EXPECT_THAT(output, testing::Not(HasSubstr("Typeslot has a problem")));
 
-    const std::string png = bytesOf(folder / "lamp.png");
-    const korl::Image image =
-        korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
+    const korl::Image image = korl::test::readPicture(folder / "lamp.png");
     const std::size_t width = static_cast<std::size_t>(image.width), half = width / 2;
     std::size_t bright = 0, unlike = 0;
     for (std::size_t y = 0; y < static_cast<std::size_t>(image.height); ++y)

@@ -1,6 +1,5 @@
 #include "tests/shell/animation/animate_support.hpp"
-
-#include "shell/image/png.hpp"
+#include "tests/support/read_picture.hpp"
 
 #include <algorithm>
 #include <set>
@@ -16,10 +15,7 @@ using testing::Not;
 
 class AnimateGLTest : public korl::test::Animating {
 protected:
-    Image image(const std::string& name) const {
-        const std::string png = bytes(name);
-        return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
-    }
+    Image image(const std::string& name) const { return korl::test::readPicture(folder / name); }
 };
 
 TEST_F(AnimateGLTest, EachFrameIsThePictureOfItsValues) {

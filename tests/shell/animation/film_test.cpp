@@ -1,6 +1,5 @@
 #include "tests/shell/animation/animate_support.hpp"
-
-#include "shell/image/png.hpp"
+#include "tests/support/read_picture.hpp"
 
 #include <algorithm>
 #include <array>
@@ -29,8 +28,7 @@ protected:
         runProgram("/usr/bin/ffmpeg",
                    {"-v", "error", "-y", "-i", folder / film, "-vf",
                     "select=eq(n\\," + std::to_string(number) + ")", "-frames:v", "1", file});
-        const std::string png = korl::test::bytesOf(file);
-        return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
+        return korl::test::readPicture(file);
     }
 
     /// Puts a script in front of ffmpeg.
@@ -64,9 +62,8 @@ TEST_F(FilmGLTest, FilmsHaveTheFramesColorsInTheirOrder) {
         ASSERT_EQ(animate(colors, film).exit_code, 0);
         for (int number = 0; number < 3; ++number) {
             const Image shown = frame(film, number);
-            const std::string png = bytes("f_" + std::to_string(number + 1) + ".png");
             const Image drawn =
-                korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(png.data()), png.size()));
+                korl::test::readPicture(folder / ("f_" + std::to_string(number + 1) + ".png"));
             ASSERT_EQ(shown.pixels.size(), drawn.pixels.size());
             const std::size_t middle = 4 * (8 * 24 + 12);
             for (std::size_t channel = 0; channel < 3; ++channel)

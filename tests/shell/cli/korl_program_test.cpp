@@ -1,6 +1,5 @@
+#include "tests/support/read_picture.hpp"
 #include "tests/support/run_program.hpp"
-
-#include "shell/image/png.hpp"
 
 #include <array>
 #include <filesystem>
@@ -12,7 +11,9 @@
 namespace {
 
 using korl::Image;
+using korl::test::pictureIn;
 using korl::test::ProgramResult;
+using korl::test::readPicture;
 using korl::test::runProgram;
 using korl::test::TemporaryFolder;
 using testing::ElementsAre;
@@ -21,14 +22,6 @@ using testing::MatchesRegex;
 using Pixel = std::array<int, 4>;
 
 const std::string corner = std::string(TEST_DATA) + "/corner.obj";
-
-Image imageIn(const std::string& bytes) {
-    return korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
-}
-
-Image readImage(const std::filesystem::path& file) {
-    return imageIn(korl::test::bytesOf(file));
-}
 
 Pixel pixel(const Image& image, int x, int y) {
     const auto at = 4 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
@@ -123,8 +116,8 @@ TEST(KorlProgram, TypesWritesIcons) {
     const TemporaryFolder folder;
     const ProgramResult result = runProgram(KORL_PROGRAM, {"types", "--icons", folder.path()});
     EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_EQ(readImage(folder / "Torch.png").height, 138);
-    EXPECT_EQ(readImage(folder / "Headlight.png").width, 32);
+    EXPECT_EQ(readPicture(folder / "Torch.png").height, 138);
+    EXPECT_EQ(readPicture(folder / "Headlight.png").width, 32);
     EXPECT_FALSE(std::filesystem::exists(folder / "Sun.png"));
 }
 
@@ -192,13 +185,13 @@ TEST_F(KorlProgramGLTest, AmbientColorShowsOnTheModelOnBothPaths) {
                 "both", "--size", "64x48", "--uniforms"});
     EXPECT_EQ(result.output, "AmbientIntensity$$ = 0.2 0.4 0.8 0.3\n");
     EXPECT_EQ(result.errors, "korl: wrote " + picture + ", 128x48 pixels\n");
-    const Image image = readImage(picture);
+    const Image image = readPicture(picture);
     ASSERT_EQ(image.width, 128);
     ASSERT_EQ(image.height, 48);
     // The sphere of the built-in scene is white, so that it shows the light itself.
     render({"--light", "AmbientLight:a", "--set", "a.Color=0.2 0.4 0.8 0.3", "--path", "both", "--size",
             "64x48"});
-    const Image built_in = readImage(picture);
+    const Image built_in = readPicture(picture);
     EXPECT_GT(count(built_in, {51, 102, 204, 255}), 20);
     EXPECT_GT(count(built_in, {51, 102, 204, 255}, true), 20);
 }
@@ -211,11 +204,11 @@ TEST_F(KorlProgramGLTest, ShowsTheViewThatIsAskedFor) {
         std::vector<std::string> arguments{file, "--size", "64x48", "--uniforms"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         EXPECT_EQ(render(arguments).output, "AmbientIntensity$$ = " + uniforms + "\n");
-        return count(readImage(picture), {255, 255, 255, 255});
+        return count(readPicture(picture), {255, 255, 255, 255});
     };
     EXPECT_GT(whiteOf({}, "1 1 1 1"), 20);
     EXPECT_EQ(whiteOf({"--view", "dim"}, "0.2 0.4 0.8 0.3"), 0);
-    EXPECT_GT(count(readImage(picture), {51, 102, 204, 255}), 20);
+    EXPECT_GT(count(readPicture(picture), {51, 102, 204, 255}), 20);
 }
 
 TEST_F(KorlProgramGLTest, WritesPngToNamesWithoutASuffix) {
@@ -223,7 +216,7 @@ TEST_F(KorlProgramGLTest, WritesPngToNamesWithoutASuffix) {
         const ProgramResult result = runProgram(
             KORL_PROGRAM, {"render", "--size", "8x8", "--light", "AmbientLight", "-o", folder / name});
         EXPECT_EQ(result.exit_code, 0) << result.errors;
-        EXPECT_EQ(readImage(folder / name).width, 8);
+        EXPECT_EQ(readPicture(folder / name).width, 8);
     }
 }
 
@@ -234,16 +227,16 @@ TEST_F(KorlProgramGLTest, AddsALightWhereThereIsNoneAndSaysSo) {
               "--light, or leave it dark with --no-default-light\n"
               "korl: wrote " +
                   picture + ", 64x48 pixels\n");
-    EXPECT_EQ(count(readImage(picture), {0, 0, 0, 255}, true), 0);
+    EXPECT_EQ(count(readPicture(picture), {0, 0, 0, 255}, true), 0);
     // The added light can be set by its name like any other.
     render({"--size", "64x48", "--set", "Headlight.intensity=0", "--set", "Headlight.specular=0"});
-    EXPECT_GT(count(readImage(picture), {0, 0, 0, 255}, true), 20);
+    EXPECT_GT(count(readPicture(picture), {0, 0, 0, 255}, true), 20);
 }
 
 TEST_F(KorlProgramGLTest, NoDefaultLightLeavesTheSceneDark) {
     EXPECT_EQ(render({"--size", "64x48", "--no-default-light"}).errors,
               "korl: wrote " + picture + ", 64x48 pixels\n");
-    EXPECT_GT(count(readImage(picture), {0, 0, 0, 255}), 100);
+    EXPECT_GT(count(readPicture(picture), {0, 0, 0, 255}), 100);
 }
 
 TEST_F(KorlProgramGLTest, WithoutALightModuleTheSceneIsDarkAndItSaysWhy) {
@@ -258,7 +251,7 @@ TEST_F(KorlProgramGLTest, PictureOnStandardOutputIsAllThatGoesThere) {
         runProgram(KORL_PROGRAM, {"render", "--verbose", "100", "--uniforms", "--light", "AmbientLight:a",
                                   "--size", "16x8", "-o", "-"});
     EXPECT_EQ(result.exit_code, 0);
-    const Image image = imageIn(result.output);
+    const Image image = pictureIn(result.output);
     EXPECT_EQ(image.width, 16);
     EXPECT_EQ(image.height, 8);
     EXPECT_THAT(result.errors, HasSubstr("VCreator::VCreator(Scenery/AmbientLight,0)\n"));
@@ -277,13 +270,13 @@ TEST_F(KorlProgramGLTest, WritesKorlPngByDefault) {
         runProgram("/bin/sh", {"-c", "cd '" + folder.path().string() +
                                          "' && exec '" KORL_PROGRAM "' render --size 8x8"});
     EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_EQ(readImage(folder / "korl.png").width, 8);
+    EXPECT_EQ(readPicture(folder / "korl.png").width, 8);
 }
 
 TEST_F(KorlProgramGLTest, BackgroundAndCameraCanBeChosen) {
     render({"--light", "AmbientLight", "--background", "#ff8000", "--camera", "0 0 9", "--target", "0 0 20",
             "--up", "0 1 0", "--size", "8x8"});
-    EXPECT_EQ(pixel(readImage(picture), 4, 4), (Pixel{255, 128, 0, 255})); // looks away from everything
+    EXPECT_EQ(pixel(readPicture(picture), 4, 4), (Pixel{255, 128, 0, 255})); // looks away from everything
 }
 
 TEST_F(KorlProgramGLTest, RendersASceneFile) {
@@ -292,7 +285,7 @@ TEST_F(KorlProgramGLTest, RendersASceneFile) {
         "objects": [{"type": "AmbientLight", "name": "a", "parameters": {"Color": "0 1 0 1"}}],
         "background": "0 0 1"})");
     render({scene, "--size", "32x32"});
-    const Image image = readImage(picture);
+    const Image image = readPicture(picture);
     EXPECT_GT(count(image, {0, 0, 255, 255}), 100);
     EXPECT_GT(count(image, {0, 255, 0, 255}, true), 5); // the white sphere
 }

@@ -1,10 +1,10 @@
 #include "shell/gallery/gallery.hpp"
 
 #include "tests/support/gl_test.hpp"
+#include "tests/support/read_picture.hpp"
 #include "tests/support/run_program.hpp"
 
 #include "shell/base/error.hpp"
-#include "shell/image/png.hpp"
 #include "shell/session/shell.hpp"
 
 #include <algorithm>
@@ -100,9 +100,7 @@ TEST(GalleryInBrowserGLTest, LooksLikeAPage) {
                              "--user-data-dir=" + (folder / "profile").string(), "--screenshot=" + picture,
                              "file://" + (folder / "index.html").string()});
     ASSERT_EQ(shown.exit_code, 0) << shown.errors;
-    const std::string bytes = bytesOf(picture);
-    const korl::Image image =
-        korl::decodePng(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+    const korl::Image image = korl::test::readPicture(picture);
     EXPECT_EQ(image.width, 1000);
     EXPECT_EQ(image.height, 1400);
     // Text alone has few colours, a page that could not be found still fewer; the lit scenes have thousands.
