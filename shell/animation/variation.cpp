@@ -14,7 +14,6 @@
 #include <limits>
 #include <numbers>
 #include <sstream>
-#include <utility>
 #include <vector>
 
 namespace korl {

@@ -4,7 +4,6 @@
 #include "shell/base/child_process.hpp"
 
 #include <chrono>
-#include <cstddef>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -12,7 +11,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace korl {

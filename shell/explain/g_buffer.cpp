@@ -5,7 +5,6 @@
 #include "shell/render/lighting_program.hpp"
 #include "shell/render/mesh_buffers.hpp"
 #include "shell/render/offscreen_target.hpp"
-#include "shell/render/shader_assembly.hpp"
 
 #include <glm/gtc/type_ptr.hpp>
 

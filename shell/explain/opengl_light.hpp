@@ -5,10 +5,6 @@
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
-#include <array>
-#include <span>
-#include <vector>
-
 namespace korl {
 
 /// One of OpenGL's fixed-function lights, as a light has set it up: a copy of its state.

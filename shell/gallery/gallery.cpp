@@ -7,8 +7,6 @@
 #include "shell/mesh/builtin_scene.hpp"
 #include "shell/session/shell.hpp"
 
-#include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 

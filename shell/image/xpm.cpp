@@ -7,7 +7,6 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <map>
 #include <sstream>
 #include <string>

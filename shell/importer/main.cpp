@@ -19,7 +19,6 @@
 #include <exception>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
 

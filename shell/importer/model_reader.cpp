@@ -21,7 +21,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <string_view>
 #include <system_error>
 
 namespace korl {

@@ -2,7 +2,6 @@
 
 #include "shell/mesh/mesh.hpp"
 
-#include <cstdint>
 #include <glm/vec3.hpp>
 #include <span>
 #include <string>

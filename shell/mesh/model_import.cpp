@@ -12,7 +12,6 @@
 #include <optional>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace korl {
 

@@ -12,7 +12,6 @@
 #include <dlfcn.h>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace korl {
 

@@ -2,7 +2,6 @@
 
 #include <shell/base/module_call.hpp>
 #include <shell/base/own_programs.hpp>
-#include <shell/base/printable.hpp>
 #include <shell/plugins/plugin_error.hpp>
 #include <shell/plugins/plugin_trial.hpp>
 

@@ -10,7 +10,6 @@
 #include <optional>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 namespace korl::python {
 

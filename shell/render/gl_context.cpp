@@ -283,7 +283,7 @@ GLContext::GLContext(const Options& options) {
         try {
             my_handles = std::make_unique<Handles>(candidate, options);
             const bool has_surface = my_handles->surface != EGL_NO_SURFACE;
-            my_info = {glText(GL_RENDERER), glText(GL_VERSION), glText(GL_VENDOR),
+            my_info = {glText(GL_RENDERER), glText(GL_VERSION),
                        candidate.how + (has_surface ? ", pbuffer" : "")};
             return;
         } catch (const Error& error) {

@@ -26,8 +26,7 @@ public:
 
     struct Info {
         std::string renderer; ///< As the driver gives them: GL_RENDERER,
-        std::string version;  ///< GL_VERSION,
-        std::string vendor;   ///< GL_VENDOR.
+        std::string version;  ///< GL_VERSION.
         std::string how;      ///< The way that led to the context, such as "EGL surfaceless platform".
     };
 

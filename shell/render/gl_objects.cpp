@@ -1,5 +1,7 @@
 #include "shell/render/gl_objects.hpp"
 
+#include <array>
+
 namespace korl {
 
 namespace {

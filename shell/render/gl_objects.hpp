@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <epoxy/gl.h>
 #include <string>
 #include <utility>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "shell/scene/unresolved_objects.hpp"
 #include "shell/scene_file/scene_file.hpp"
 #include "shell/scene_file/scene_json.hpp"
 

@@ -1,6 +1,5 @@
 #include "shell/scene_file/scene_script.hpp"
 
-#include "shell/base/error.hpp"
 #include "shell/base/json_text.hpp"
 #include "shell/catalogue/type_names.hpp"
 #include "shell/scene/scene.hpp"

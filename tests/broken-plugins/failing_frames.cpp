@@ -7,7 +7,6 @@
 #include <sorvik/value_pool.hpp>
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <new>

@@ -2,7 +2,6 @@
 
 #include <doltra/render_context.hpp>
 #include <doltra/shader_light_source.hpp>
-#include <palune/geometry_traits.hpp>
 
 #include <string>
 #include <utility>

@@ -6,7 +6,6 @@
 #include "tests/support/plain_object.hpp"
 
 #include <orvid/fixed_array.hpp>
-#include <orvid/physical_space.hpp>
 #include <orvid/rgba_float.hpp>
 #include <palune/geometry_traits.hpp>
 

@@ -3,7 +3,6 @@
 #include <tessan/speak_ptr.hpp>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace korl::test {

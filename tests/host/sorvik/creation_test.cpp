@@ -25,7 +25,6 @@ using Qelt::VObject;
 using Qelt::VSink;
 using Tessan::StrongPtr;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// Prints what happens to it, among the traces.
 struct PrintingObject : PlainObject {

@@ -9,7 +9,6 @@
 namespace {
 
 using korl::test::PlainObject;
-using Qelt::AcceptInfo;
 using Qelt::AcceptList;
 using Qelt::TypedSlotCreator;
 using Qelt::VCreator;

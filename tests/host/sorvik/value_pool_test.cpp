@@ -4,7 +4,6 @@
 #include <sorvik/value_pool.hpp>
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>

@@ -3,7 +3,6 @@
 #include <sorvik/value.hpp>
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 #include <vector>
 

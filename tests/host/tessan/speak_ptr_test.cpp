@@ -5,7 +5,6 @@
 
 namespace {
 
-using korl::test::RecordedReports;
 using Tessan::SpeakPtr;
 
 TEST(SpeakPtr, ReportsOnStandardErrorUnlessReplaced) {

@@ -7,7 +7,6 @@
 #include <sorvik/vprintf.hpp>
 
 #include <cstdio>
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <stdexcept>
 #include <string>

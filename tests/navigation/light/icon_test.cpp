@@ -2,7 +2,6 @@
 
 #include "tests/support/temporary_folder.hpp"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <gmock/gmock.h>

@@ -7,7 +7,6 @@
 #include <doltra/renderable.hpp>
 #include <sorvik/creator.hpp>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +14,6 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <set>
-#include <string>
 #include <thread>
 #include <vector>
 

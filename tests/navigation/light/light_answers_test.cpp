@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <functional>
 #include <gmock/gmock.h>
-#include <map>
 #include <span>
 #include <type_traits>
 

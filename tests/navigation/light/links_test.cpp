@@ -4,8 +4,6 @@
 
 #include "shell/plugins/elf_file.hpp"
 
-#include <algorithm>
-#include <dlfcn.h>
 #include <elf.h>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -13,7 +11,6 @@
 #include <map>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace {
 

@@ -13,7 +13,6 @@ namespace {
 
 using korl::test::LoadedModule;
 using Qelt::VCreatorBase;
-using Tessan::StrongPtr;
 
 /// The memory of this process that is in use, in bytes: what the allocator has handed out, and what is
 /// resident.

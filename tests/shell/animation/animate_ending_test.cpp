@@ -15,7 +15,6 @@ using korl::test::bytesOf;
 using korl::test::ProgramResult;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 /// With a number that goes into its own file as soon as a worker is at work.

@@ -1,7 +1,6 @@
 #include "tests/shell/animation/animate_support.hpp"
 #include "tests/support/read_picture.hpp"
 
-#include <algorithm>
 #include <set>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "tests/support/plain_object.hpp"
 
 #include <gtest/gtest.h>
-#include <sorvik/value_creator.hpp>
 
 namespace {
 

@@ -2,8 +2,6 @@
 
 #include "tests/support/run_program.hpp"
 
-#include <algorithm>
-#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <unistd.h>

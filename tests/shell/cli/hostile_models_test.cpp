@@ -2,7 +2,6 @@
 
 #include "tests/support/run_program.hpp"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>

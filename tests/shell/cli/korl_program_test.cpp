@@ -3,7 +3,6 @@
 
 #include <array>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <regex>
 #include <sstream>

@@ -20,7 +20,6 @@
 
 namespace {
 
-using korl::ExplainSettings;
 using korl::Explanation;
 using korl::FindingKind;
 using korl::LightExplanation;

@@ -7,9 +7,7 @@
 #include "shell/base/error.hpp"
 #include "shell/session/shell.hpp"
 
-#include <algorithm>
 #include <gmock/gmock.h>
-#include <regex>
 #include <set>
 
 namespace {

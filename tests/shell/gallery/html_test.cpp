@@ -2,7 +2,6 @@
 
 #include "shell/gallery/gallery_page.hpp"
 
-#include <array>
 #include <gmock/gmock.h>
 
 namespace {

@@ -5,7 +5,6 @@
 #include "shell/base/error.hpp"
 
 #include <cstdint>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>

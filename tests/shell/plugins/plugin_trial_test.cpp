@@ -19,7 +19,6 @@ namespace korl {
 namespace {
 
 using namespace plugin_files;
-using testing::MatchesRegex;
 
 const std::string remedy = "\nFix the plug-in; if it worked before, build it or copy it again.";
 

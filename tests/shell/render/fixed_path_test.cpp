@@ -1,8 +1,5 @@
 #include "tests/support/rendered_scene.hpp"
 
-#include "shell/base/error.hpp"
-
-#include <cmath>
 #include <gmock/gmock.h>
 
 namespace {
@@ -11,7 +8,6 @@ using korl::RenderPath;
 using korl::test::Pixel;
 using korl::test::SetUpLight;
 using korl::test::shineDown;
-using korl::test::side;
 using testing::ElementsAre;
 
 /// An object that is no light.

@@ -9,7 +9,6 @@
 
 namespace {
 
-using korl::Image;
 using korl::RenderPath;
 
 /// A piece of OpenGL state that a module's light may leave behind.

@@ -2,7 +2,6 @@
 
 #include "shell/base/error.hpp"
 
-#include <cmath>
 #include <gmock/gmock.h>
 
 namespace {

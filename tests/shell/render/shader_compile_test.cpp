@@ -9,7 +9,6 @@
 #include <glm/glm.hpp>
 #include <gmock/gmock.h>
 #include <random>
-#include <span>
 #include <vector>
 
 namespace korl {

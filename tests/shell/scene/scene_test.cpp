@@ -6,7 +6,6 @@
 #include "shell/scene/scene.hpp"
 
 #include <gmock/gmock.h>
-#include <limits>
 
 namespace {
 
