@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <iterator>
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -173,6 +174,8 @@ TEST(Resource, IsWithdrawnAsItWasRegistered) {
     {
         const LoadedModule module;
         ASSERT_EQ(calls.size(), 1u);
+        EXPECT_TRUE(std::equal(std::begin(tovek::tree), std::end(tovek::tree), calls[0].tree));
+        EXPECT_TRUE(std::equal(std::begin(tovek::names), std::end(tovek::names), calls[0].names));
     }
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].name, "register");

@@ -105,6 +105,13 @@ TEST_F(SceneChecksumTest, DiffersWithWhateverPicturesDependOn) {
         [](Scene& scene) { scene.addMesh(changedModel([](Mesh& mesh) { mesh.colors[0].r = 0; })); },
         [](Scene& scene) {
             scene.addMesh(changedModel([](Mesh& mesh) { mesh.triangles = {0, 2, 1}; }));
+        },
+        [](Scene& scene) { scene.addMesh(changedModel([](Mesh& mesh) { mesh.colors = {}; })); },
+        [](Scene& scene) {
+            scene.addMesh(changedModel([](Mesh& mesh) {
+                mesh.colors = {};
+                mesh.positions[1].z = 1;
+            }));
         }};
     std::set<std::uint32_t> found;
     for (const auto& change : changes)
