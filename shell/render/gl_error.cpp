@@ -34,7 +34,7 @@ void requireNoGLError(const char* what, const std::string& name) {
     if (const GLenum error = glGetError(); error != GL_NO_ERROR)
         throw Error(std::string(what) + " " + inQuotes(name) + " has made OpenGL report " + errorName(error) +
                     (error == GL_OUT_OF_MEMORY ? "; ask for a smaller picture or model"
-                                               : "; report it to the author of its module"));
+                                               : "; report it to the author of the module"));
 }
 
 } // namespace korl

@@ -119,9 +119,9 @@ TEST_F(RendererGLTest, ErrorInALightsCallsIsReported) {
             render(path);
             ADD_FAILURE() << "the light's error went unnoticed";
         } catch (const korl::Error& error) {
-            EXPECT_STREQ(error.what(),
-                         "light \"SetUpLight\" has made OpenGL report GL_INVALID_VALUE; its module has to be "
-                         "mended");
+            EXPECT_STREQ(error.what(), "light \"SetUpLight\" has made OpenGL report GL_INVALID_VALUE; report "
+                                       "it to the author of the "
+                                       "module");
         }
     }
 }
