@@ -45,12 +45,15 @@ using UniformValue = std::variant<int,                                          
 /// keep their literal "$$", which the renderer replaces.
 using UniformMap = std::map<std::string, UniformValue, std::less<>>;
 
+/// A colour as the map holds it: red, green, blue, alpha.
+using FloatColor = Orvid::FixedArray<float, 4>;
+
 /// A value as the map takes it: colours and vectors turn into the arrays that stand for them.
 template <class Value>
 decltype(auto) asUniform(Value&& value) {
     using Given = std::remove_cvref_t<Value>;
     if constexpr (std::is_same_v<Given, Orvid::rgba_float_t>)
-        return Orvid::FixedArray<float, 4>{value.r, value.g, value.b, value.a};
+        return FloatColor{value.r, value.g, value.b, value.a};
     else if constexpr (std::is_same_v<Given, Orvid::PhysicalSpace::vector>)
         return Orvid::FixedArray<double, 3>{value.x, value.y, value.z};
     else

@@ -8,6 +8,8 @@
 #include <doltra/light_source.hpp>
 #include <doltra/vlight_source.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/module.hpp>
+#include <sorvik/slot_access.hpp>
 
 #include <memory>
 #include <string>

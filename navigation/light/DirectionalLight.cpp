@@ -4,8 +4,9 @@
 #include "light_contract.hpp"
 #include "unit.hpp"
 
-#include <doltra/shader_light_source.hpp>
+#include <doltra/shader_light.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/module.hpp>
 
 #include <memory>
 #include <string>
@@ -68,12 +69,10 @@ vec3	d = DirectionalLightDirection$$;
 
 // The light.
 
-class DirectionalLight final : public ShaderLightSource {
+class DirectionalLight final : public ShaderLight {
 public:
     DirectionalLight(const std::string& name, const VCreationPreferences& preferences)
-        : ShaderLightSource(name, light_priority, preferences) {}
-
-    void illuminate(const VRenderContext& context) const override { enableLightSourceOf(*this, context); }
+        : ShaderLight(name, light_priority, preferences) {}
 
     std::string lightSnippet() const override { return directional_snippet; }
 
@@ -123,7 +122,7 @@ public:
         glEnable(GL_LIGHTING);
         return true;
     }
-    using ShaderLightSource::environment_render;
+    using ShaderLight::environment_render;
 
 private:
     TypedSlot<double> my_intensity{this, intensity_name, intensity_default};

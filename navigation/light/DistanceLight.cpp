@@ -4,8 +4,9 @@
 #include "light_contract.hpp"
 #include "unit.hpp"
 
-#include <doltra/shader_light_source.hpp>
+#include <doltra/shader_light.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/module.hpp>
 
 #include <memory>
 #include <string>
@@ -71,12 +72,10 @@ void	getLight_$$(in vec3 vertex,
 
 // The light.
 
-class MyLightSource final : public ShaderLightSource {
+class MyLightSource final : public ShaderLight {
 public:
     MyLightSource(const std::string& name, const VCreationPreferences& preferences)
-        : ShaderLightSource(name, light_priority, preferences) {}
-
-    void illuminate(const VRenderContext& context) const override { enableLightSourceOf(*this, context); }
+        : ShaderLight(name, light_priority, preferences) {}
 
     std::string lightSnippet() const override { return distance_snippet; }
 
@@ -128,7 +127,7 @@ public:
         glEnable(GL_LIGHTING);
         return true;
     }
-    using ShaderLightSource::environment_render;
+    using ShaderLight::environment_render;
 
 private:
     TypedSlot<double> my_intensity{this, intensity_name, strength_default};

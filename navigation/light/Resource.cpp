@@ -6,6 +6,7 @@
 
 #include "unit.hpp"
 
+#include <memory>
 #include <QtCore/qglobal.h>
 
 // Qt exports these for the code that its resource compiler writes, and declares them in no public header.

@@ -5,8 +5,9 @@
 #include "light_contract.hpp"
 #include "unit.hpp"
 
-#include <doltra/shader_light_source.hpp>
+#include <doltra/shader_light.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/module.hpp>
 
 #include <cmath>
 #include <memory>
@@ -76,16 +77,14 @@ vec3	d = SunDirection$$;
 // The light. Its class has the name of the directional light's, from which it differs in where the direction
 // comes from; each is private to its file.
 
-class DirectionalLight final : public ShaderLightSource {
+class DirectionalLight final : public ShaderLight {
 public:
     DirectionalLight(const std::string& name, const VCreationPreferences& preferences)
-        : ShaderLightSource(name, light_priority, preferences) {
+        : ShaderLight(name, light_priority, preferences) {
         setProperty(my_latitude, "min", latitude_min);
         setProperty(my_latitude, "max", latitude_max);
         setProperty(my_time_of_day, "max", time_of_day_max);
     }
-
-    void illuminate(const VRenderContext& context) const override { enableLightSourceOf(*this, context); }
 
     std::string lightSnippet() const override { return sun_snippet; }
 
@@ -123,7 +122,7 @@ public:
         glEnable(GL_LIGHTING);
         return true;
     }
-    using ShaderLightSource::environment_render;
+    using ShaderLight::environment_render;
 
 private:
     /// The way the light travels: the midnight direction (0, sin φ, cos φ) turned by the hour angle t about

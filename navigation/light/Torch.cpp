@@ -5,8 +5,9 @@
 #include "light_contract.hpp"
 #include "unit.hpp"
 
-#include <doltra/shader_light_source.hpp>
+#include <doltra/shader_light.hpp>
 #include <palune/geometry_traits.hpp>
+#include <sorvik/module.hpp>
 
 #include <memory>
 #include <string>
@@ -98,15 +99,13 @@ constexpr const char* resource_path = ":/light/Torch.png";
 
 // The light.
 
-class Torch final : public ShaderLightSource {
+class Torch final : public ShaderLight {
 public:
     Torch(const std::string& name, const VCreationPreferences& preferences)
-        : ShaderLightSource(name, light_priority, preferences) {
+        : ShaderLight(name, light_priority, preferences) {
         setProperty(my_elevation, "max", elevation_max);
         setProperty(my_scale_distance, "max", scale_distance_max);
     }
-
-    void illuminate(const VRenderContext& context) const override { enableLightSourceOf(*this, context); }
 
     std::string lightSnippet() const override { return torch_snippet; }
 

@@ -2,8 +2,8 @@
 // tells.
 
 #include <doltra/renderable.hpp>
-#include <sorvik/creator.hpp>
-#include <sorvik/typed_slot.hpp>
+#include <sorvik/module.hpp>
+#include <sorvik/slot_access.hpp>
 #include <sorvik/value_pool.hpp>
 
 #include <csignal>
@@ -45,15 +45,11 @@ void writeToPipe() {
 struct Moody : Qelt::RenderAble {
     Moody(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : RenderAble(name, 0, preferences) {
-        Qelt::slot_creators_registered<double> = true;
         enableRequestProcessing();
     }
 
     bool update(Qelt::VRequest& request, double) override {
-        double value = 0;
-        if (const auto* const held =
-                dynamic_cast<const Qelt::VTypedValueBase<double>*>(mood.getValueBase(request.pool())))
-            held->getValue(value);
+        const double value = Qelt::readTypedOr(good, mood, request.pool());
         if (value == throwing)
             throw std::runtime_error("in no mood for it");
         if (value == deadly || (value == deadly_once && isFirst()))
@@ -72,11 +68,8 @@ struct Moody : Qelt::RenderAble {
 };
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "failing_frames", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "failing_frames", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"failing_frames"};
+    Qelt::ValueType<double> numbers;
     Qelt::VCreator<Moody, void> moody{std::string("Moody"), 0};
 };
 
@@ -84,7 +77,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__failing_frames(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(failing_frames);

@@ -1,9 +1,8 @@
 // A module with lights that end badly: in the operation that the environment variable KORL_TEST_OPERATION
 // names, in the way that KORL_TEST_END tells.
 
-#include <doltra/render_context.hpp>
-#include <doltra/shader_light_source.hpp>
-#include <sorvik/creator.hpp>
+#include <doltra/shader_light.hpp>
+#include <sorvik/module.hpp>
 
 #include <csignal>
 #include <cstdlib>
@@ -47,9 +46,9 @@ constexpr const char* text =
     "{ incidence = vec3(0); intensity = vec3(0.5, 0, 0); specular = vec3(0); }\n";
 
 /// Lights from everywhere, by a snippet.
-struct OddLight : ShaderLightSource {
+struct OddLight : ShaderLight {
     OddLight(const std::string& name, const VCreationPreferences& preferences)
-        : ShaderLightSource(name, 0, preferences) {
+        : ShaderLight(name, 0, preferences) {
         during("creation");
         enableRequestProcessing();
     }
@@ -60,8 +59,7 @@ struct OddLight : ShaderLightSource {
     }
     void illuminate(const VRenderContext& context) const override {
         during("illuminate");
-        context.enableLightSource(
-            static_cast<const LightState&>(*myState(context.pool()).get()).lightSource());
+        ShaderLight::illuminate(context);
     }
     std::string lightSnippet() const override { return text; }
     void fillUniforms(RenderNamespace::UniformMap&, VRenderContext&) const override {
@@ -89,11 +87,7 @@ struct OddDirectLight : VLightSource {
 };
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "odd_lights", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "odd_lights", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    ModuleAnnouncement announcement{"odd_lights"};
     VCreator<OddLight, void> odd{std::string("OddLight"), 0};
     VCreator<OddDirectLight, void> direct{std::string("OddDirectLight"), 0};
 };
@@ -102,7 +96,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__odd_lights(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(odd_lights);

@@ -1,8 +1,7 @@
 // A module with a type of a name that another module has too: Sun, or what KORL_TEST_RIVAL names.
 
 #include <doltra/vlight_source.hpp>
-#include <sorvik/creator.hpp>
-#include <sorvik/typed_slot.hpp>
+#include <sorvik/module.hpp>
 
 #include <cstdlib>
 #include <string>
@@ -11,9 +10,7 @@ namespace {
 
 struct RivalSun : Qelt::VLightSource {
     RivalSun(const std::string& name, const Qelt::VCreationPreferences& preferences)
-        : VLightSource(name, 0, preferences) {
-        Qelt::slot_creators_registered<double> = true;
-    }
+        : VLightSource(name, 0, preferences) {}
     const char* const* xpm_icon() const override {
         static constexpr const char* dot[] = {"1 1 1 1", ". c #ff8000", "."};
         return dot;
@@ -28,11 +25,8 @@ std::string rivalName() {
 }
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "rival_sun", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "rival_sun", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"rival_sun"};
+    Qelt::ValueType<double> numbers;
     Qelt::VCreator<RivalSun, void> sun{rivalName(), 0};
 };
 
@@ -40,7 +34,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__rival_sun(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(rival_sun);

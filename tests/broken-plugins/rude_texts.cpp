@@ -1,8 +1,7 @@
 // A module that writes to standard output while it is loaded, and whose texts are full of control characters.
 
 #include <doltra/renderable.hpp>
-#include <sorvik/creator.hpp>
-#include <sorvik/typed_slot.hpp>
+#include <sorvik/module.hpp>
 
 #include <cstdio>
 #include <stdexcept>
@@ -18,7 +17,6 @@ std::string rude(const std::string& word) {
 struct Rude : Qelt::RenderAble {
     Rude(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : RenderAble(name, 0, preferences) {
-        Qelt::slot_creators_registered<double> = true;
         enableRequestProcessing();
     }
     std::string help() const override { return rude("help"); }
@@ -31,14 +29,10 @@ struct Rude : Qelt::RenderAble {
 using Property = Qelt::VCreatorPropertyBase;
 
 struct Module {
-    Module() {
-        VInitialization::initPlugin(0, "rude_texts", VInitialization::interfaceKey);
-        std::printf("printed while loading\n");
-    }
-    ~Module() { VInitialization::initPlugin(1, "rude_texts", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
+    Module() { std::printf("printed while loading\n"); }
 
+    Qelt::ModuleAnnouncement announcement{"rude_texts"};
+    Qelt::ValueType<double> numbers;
     Qelt::VCreator<Rude, void> rude_type{
         Qelt::VCreatorProperties(Property(Property::Kind::name, rude("Type"))) +
             Property(Property::Kind::category, rude("Category")) +
@@ -50,7 +44,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__rude_texts(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(rude_texts);

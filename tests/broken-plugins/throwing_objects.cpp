@@ -1,7 +1,7 @@
 // A module whose objects throw an exception of the module's own while they are made, or something else
 // entirely.
 
-#include <sorvik/creator.hpp>
+#include <sorvik/module.hpp>
 
 #include <exception>
 
@@ -26,11 +26,7 @@ struct Odd : Qelt::VObject {
 };
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "throwing_objects", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "throwing_objects", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"throwing_objects"};
     Qelt::VCreator<Reluctant, void> reluctant{std::string("Reluctant"), 0};
     Qelt::VCreator<Odd, void> odd{std::string("Odd"), 0};
 };
@@ -39,7 +35,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__throwing_objects(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(throwing_objects);

@@ -1,6 +1,6 @@
 // A module of types whose icons cannot be used, and one whose icon can.
 
-#include <sorvik/creator.hpp>
+#include <sorvik/module.hpp>
 
 #include <string>
 
@@ -31,11 +31,7 @@ struct Missing : Plain {
 };
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "unusable_icons", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "unusable_icons", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"unusable_icons"};
     Qelt::VCreator<Misshapen, void> misshapen{std::string("Misshapen"), 1};
     Qelt::VCreator<NoPicture, void> no_picture{std::string("NoPicture"), 2};
     Qelt::VCreator<Missing, void> missing{std::string("Missing"), 3};
@@ -47,7 +43,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__unusable_icons(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(unusable_icons);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <doltra/render_context.hpp>
-#include <doltra/shader_light_source.hpp>
+#include <doltra/shader_light.hpp>
 
 #include <string>
 #include <utility>
@@ -9,18 +8,14 @@
 namespace korl::test {
 
 /// A shader light of the tests' own: a snippet given at its making, and one uniform.
-class CountedLight : public Qelt::ShaderLightSource {
+class CountedLight : public Qelt::ShaderLight {
 public:
     explicit CountedLight(const std::string& name, std::string snippet_text = "void getLight_$$() {}",
                           int priority = 0)
-        : ShaderLightSource(name, priority, {}), text(std::move(snippet_text)) {
+        : ShaderLight(name, priority, {}), text(std::move(snippet_text)) {
         enableRequestProcessing();
     }
 
-    void illuminate(const Qelt::VRenderContext& context) const override {
-        context.enableLightSource(
-            static_cast<const LightState&>(*myState(context.pool()).get()).lightSource());
-    }
     std::string lightSnippet() const override {
         ++snippets_fetched;
         return text;

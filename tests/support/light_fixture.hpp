@@ -21,7 +21,7 @@
 
 namespace korl::test {
 
-using FloatColor = Orvid::FixedArray<float, 4>;
+using Qelt::RenderNamespace::FloatColor;
 using DoubleTriple = Orvid::FixedArray<double, 3>;
 
 /// A row of a light type's table of parameters: name, kind, default, expert level, properties as "min=-90

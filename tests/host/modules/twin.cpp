@@ -4,7 +4,7 @@
 #include <doltra/light_source.hpp>
 #include <doltra/vlight_source.hpp>
 #include <palune/geometry_traits.hpp>
-#include <sorvik/creator.hpp>
+#include <sorvik/module.hpp>
 
 #include <string>
 
@@ -31,37 +31,15 @@ private:
     const StrongPtr<RenderNamespace::LightSource> my_source{new Source};
 };
 
-/// The slot creators of a type, as long as this lives.
-template <class T>
-class SlotType {
-public:
-    SlotType() {
-        TypedSlotCreator::registerTypedSlotCreator(typeid(T), my_creator, Tessan::Typename(typeid(T)));
-        slot_creators_registered<T> = true;
-    }
-    ~SlotType() {
-        TypedSlotCreator::unregisterTypedSlotCreator(typeid(T), my_creator, Tessan::Typename(typeid(T)));
-    }
-    SlotType(const SlotType&) = delete;
-    SlotType& operator=(const SlotType&) = delete;
-
-private:
-    TypedSlotCreatorOf<T> my_creator;
-};
-
 namespace {
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, MODULE_NAME, VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, MODULE_NAME, VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
-    SlotType<double> numbers;
+    ModuleAnnouncement announcement{MODULE_NAME};
+    ValueType<double> numbers;
 #ifndef FORGETS_POINTS
-    SlotType<Orvid::PhysicalSpace::point> points;
+    ValueType<Orvid::PhysicalSpace::point> points;
 #endif
-    const Lamp::Source source_without_pointers; ///< goes after the creators, and nobody holds it
+    const Lamp::Source source_without_pointers{}; ///< goes after the creators, and nobody holds it
     VCreator<Lamp, void> lamp{std::string(MODULE_NAME), 0};
     VCreator<Lamp, void> lamp_again{std::string(MODULE_NAME) + "_again", 0};
 };
@@ -72,7 +50,4 @@ const Module the_module;
 
 } // namespace twin
 
-extern "C" __attribute__((visibility("default"))) bool MODULE_ENTRY(VInitialization* shell);
-extern "C" bool MODULE_ENTRY(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(MODULE);

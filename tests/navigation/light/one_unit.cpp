@@ -2,7 +2,7 @@
 
 #include <navigation/light/unit.hpp>
 
-#include <sorvik/initialization.hpp>
+#include <sorvik/module.hpp>
 
 #include <memory>
 
@@ -16,11 +16,7 @@ std::unique_ptr<Unit> REGISTER(UNIT_NAME)();
 namespace {
 
 struct LoadedModule {
-    LoadedModule() { VInitialization::initPlugin(0, "one_unit", VInitialization::interfaceKey); }
-    ~LoadedModule() { VInitialization::initPlugin(1, "one_unit", VInitialization::interfaceKey); }
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"one_unit"};
     std::unique_ptr<Unit> unit = REGISTER(UNIT_NAME)();
 };
 

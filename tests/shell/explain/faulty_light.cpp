@@ -1,21 +1,17 @@
 // A module with one light, whose snippet no driver takes.
 
-#include <doltra/shader_light_source.hpp>
-#include <sorvik/creator.hpp>
+#include <doltra/shader_light.hpp>
+#include <sorvik/module.hpp>
 
 #include <string>
 
 namespace {
 
-class FaultyLight : public Qelt::ShaderLightSource {
+class FaultyLight : public Qelt::ShaderLight {
 public:
     FaultyLight(const std::string& name, const Qelt::VCreationPreferences& preferences)
-        : ShaderLightSource(name, 0, preferences) {}
+        : ShaderLight(name, 0, preferences) {}
 
-    void illuminate(const Qelt::VRenderContext& context) const override {
-        context.enableLightSource(
-            static_cast<const LightState&>(*myState(context.pool()).get()).lightSource());
-    }
     std::string lightSnippet() const override {
         return "void getLight_$$(in vec3 vertex, out vec3 incidence, out vec3 intensity, out vec3 specular)\n"
                "{\n"
@@ -26,11 +22,7 @@ public:
 };
 
 struct Module {
-    Module() { VInitialization::initPlugin(0, "faulty_light", VInitialization::interfaceKey); }
-    ~Module() { VInitialization::initPlugin(1, "faulty_light", VInitialization::interfaceKey); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
+    Qelt::ModuleAnnouncement announcement{"faulty_light"};
     Qelt::VCreator<FaultyLight, void> creator{std::string("FaultyLight"), 0};
 };
 
@@ -38,7 +30,4 @@ const Module module_of_this_library;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) bool
-KORL_API_2026_JAN_22__faulty_light(VInitialization* shell) {
-    return shell->IsCompatible(VInitialization::interfaceKey);
-}
+KORL_MODULE_ENTRY(faulty_light);
