@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <dlfcn.h>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -8,10 +9,24 @@
 
 namespace korl::test {
 
+/// Where another build of the module is to be tested: KORL_TEST_MODULE_FOLDER names a folder that holds it,
+/// its list of units, and the tests of the lights that this program does not know. Empty for the build that
+/// the program was built for.
+inline std::string otherModuleFolder() {
+    const char* const folder = std::getenv("KORL_TEST_MODULE_FOLDER");
+    return folder ? folder : "";
+}
+
+/// The library of the module under test.
+inline std::string moduleFile() {
+    const std::string folder = otherModuleFolder();
+    return folder.empty() ? TOVEK_LIGHT_MODULE : folder + "/libtovek_light.so";
+}
+
 /// The module, loaded as a shell loads it, as long as this lives.
 class LoadedModule {
 public:
-    LoadedModule() : my_handle(dlopen(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_LOCAL)) {
+    LoadedModule() : my_handle(dlopen(moduleFile().c_str(), RTLD_NOW | RTLD_LOCAL)) {
         EXPECT_NE(my_handle, nullptr) << dlerror();
     }
     ~LoadedModule() { unload(); }
@@ -36,7 +51,7 @@ public:
 
     /// Whether any of the module is in the process, as the loader and the process's memory map see it.
     static bool isInProcess() {
-        if (void* const handle = dlopen(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_NOLOAD)) {
+        if (void* const handle = dlopen(moduleFile().c_str(), RTLD_NOW | RTLD_NOLOAD)) {
             dlclose(handle);
             return true;
         }

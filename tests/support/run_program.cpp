@@ -21,7 +21,11 @@ ProgramResult runProgram(const std::filesystem::path& program, const std::vector
     if (child < 0)
         throw std::runtime_error("cannot start a process");
     if (child == 0) {
-        unsetenv("KORL_PLUGIN_PATH"); // whatever the caller's shell has
+        // The module under test, whatever the caller's shell has.
+        if (const char* const module = getenv("KORL_TEST_MODULE_FOLDER"))
+            setenv("KORL_PLUGIN_PATH", module, 1);
+        else
+            unsetenv("KORL_PLUGIN_PATH");
         for (const auto& [name, value] : environment)
             setenv(name.c_str(), value.c_str(), 1);
         dup2(open(output.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);

@@ -66,7 +66,7 @@ TEST(Links, TakeSevenFunctionsOfOpenGLAndTwoOfQt) {
     const LoadedModule module;
     const auto libraries = neededLibraries(module);
     std::map<std::string, Names> taken; // by library
-    for (const auto& symbol : ElfFile(TOVEK_LIGHT_MODULE).dynamicSymbols())
+    for (const auto& symbol : ElfFile(korl::test::moduleFile()).dynamicSymbols())
         if (!symbol.defined && symbol.global) // a weak one may stay undefined
             taken["none"].insert(symbol.name);
     for (const auto& [name, path] : libraries)

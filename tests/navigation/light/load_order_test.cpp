@@ -1,6 +1,7 @@
 // What the module asks of the shell at load and unload, call by call. The functions of the shell that are
 // defined here stand before those of its libraries, write down that they were called, and do nothing else.
 
+#include "load_order.hpp"
 #include "tests/support/loaded_module.hpp"
 
 #include <orvid/rgba_float.hpp>
@@ -9,12 +10,14 @@
 #include <sorvik/slot_creator.hpp>
 #include <sorvik/value_creator.hpp>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,6 +25,8 @@
 #include <vector>
 
 namespace {
+
+using Tessan::StrongPtr;
 
 std::vector<std::string> calls;
 bool unloading_throws = false;
@@ -51,7 +56,7 @@ void runHook(void* hook) {
 
 bool isOfTheModule(const void* library) {
     Dl_info found{};
-    return library && dladdr(library, &found) != 0 && std::string_view(found.dli_fname) == TOVEK_LIGHT_MODULE;
+    return library && dladdr(library, &found) != 0 && korl::test::moduleFile() == found.dli_fname;
 }
 
 } // namespace
@@ -126,35 +131,52 @@ struct Step {
     std::string call, withdrawal;
 };
 
-std::vector<Step> steps() {
-    const auto creator = [](const std::string& key, const std::string& type, int creators) {
-        return Step{"Vprintf 100 VCreator::VCreator(" + key + ")\n",
-                    "deleteAllInstances " + type + " of " + std::to_string(creators) + " creators"};
-    };
-    const auto values = [](const std::string& type) { return Step{"registerCreator " + type, ""}; };
-    const auto slots = [](const std::string& type) {
-        return Step{"registerTypedSlotCreator " + type + " " + type,
-                    "unregisterTypedSlotCreator " + type + " " + type};
-    };
-    const std::string color = "Orvid::rgba_float_t", point = "Orvid::PhysicalSpace::point",
-                      vector = "Orvid::PhysicalSpace::vector";
-    return {
-        {"initPlugin 0 tovek_light KORL_API_VERSION", "initPlugin 1 tovek_light KORL_API_VERSION"},
-        creator("Headlight,-3000", "Headlight", 1),
-        creator("Scenery/Headlight,2000", "Headlight", 2),
-        values("double"),
-        slots("double"),
-        slots(point),
-        creator("Scenery/Torch,0", "Torch", 3),
-        slots(vector),
-        creator("Scenery/Sun,0", "DirectionalLight", 4), // the class of the Sun
-        creator("Scenery/DistanceLight,0", "MyLightSource", 5),
-        values(color),
-        slots(color),
-        creator("Scenery/DirectionalLight,0", "DirectionalLight", 6),
-        {"qRegisterResourceData 3", "qUnregisterResourceData 3"},
-        creator("Scenery/AmbientLight,0", "AmbientLight", 7),
-    };
+/// The steps for the types of a unit's parameters that no unit before it has.
+void addTypes(std::vector<Step>& steps, const Qelt::VObject& light, std::set<std::string>& known) {
+    for (const auto& entry : light.parameters()) {
+        const std::string type = Tessan::Typename(entry.parameter->type());
+        if (!known.insert(type).second)
+            continue;
+        if (type == "double" || type == "Orvid::rgba_float_t")
+            steps.push_back({"registerCreator " + type, ""});
+        steps.push_back({"registerTypedSlotCreator " + type + " " + type,
+                         "unregisterTypedSlotCreator " + type + " " + type});
+    }
+}
+
+/// The steps as the list of units and the lights themselves have them.
+std::vector<Step> stepsOfTheUnits() {
+    const korl::test::LoadedModule module;
+    std::vector<Step> steps{
+        {"initPlugin 0 tovek_light KORL_API_VERSION", "initPlugin 1 tovek_light KORL_API_VERSION"}};
+    std::set<std::string> known;
+    int creators = 0;
+    const auto all = korl::test::creatorsInLoadOrder();
+    for (const std::string& unit : korl::test::unitsInLoadOrder()) {
+        if (unit == "Resource")
+            steps.push_back({"qRegisterResourceData 3", "qUnregisterResourceData 3"});
+        StrongPtr<Qelt::VObject> light;
+        for (Qelt::VCreatorBase* const creator : all)
+            if (creator->Name() == unit) {
+                light = creator->create("light");
+                const std::string type = Tessan::Typename(creator->type());
+                steps.push_back({"Vprintf 100 " + korl::test::traceOfMaking(*creator),
+                                 "deleteAllInstances " + type.substr(type.rfind(':') + 1) + " of " +
+                                     std::to_string(++creators) + " creators"});
+            }
+        if (light)
+            addTypes(steps, *light, known);
+    }
+    return steps;
+}
+
+const std::vector<Step>& steps() {
+    static const std::vector<Step> found = [] {
+        std::vector<Step> all = stepsOfTheUnits();
+        calls.clear(); // those that finding out took
+        return all;
+    }();
+    return found;
 }
 
 /// What takes back the first steps, in reverse.
@@ -166,12 +188,22 @@ std::vector<std::string> withdrawalOf(std::size_t count) {
     return withdrawal;
 }
 
+TEST(LoadOrder, UnitsComeInTheirOrder) {
+    const std::vector<std::string> expected{"Headlight",        "Torch",    "Sun",         "DistanceLight",
+                                            "DirectionalLight", "Resource", "AmbientLight"};
+    std::vector<std::string> units = korl::test::unitsInLoadOrder();
+    std::erase_if(units, [&](const std::string& unit) { // others may stand anywhere
+        return std::find(expected.begin(), expected.end(), unit) == expected.end();
+    });
+    EXPECT_EQ(units, expected);
+}
+
 TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
-    hooks = 0;
-    korl::test::LoadedModule module;
     std::vector<std::string> expected{"registered: hook 1"}; // which is empty
     for (const Step& step : steps())
         expected.push_back(step.call);
+    hooks = 0;
+    korl::test::LoadedModule module;
     expected.emplace_back("registered: hook 2");
     EXPECT_EQ(std::exchange(calls, {}), expected);
 
@@ -190,7 +222,7 @@ TEST(LoadOrder, AnnouncesThenRegistersAndWithdrawsInReverse) {
     // It is declared as a function that doesn't throw, but lets exceptions of initialisers through.
     void* (*const volatile load)(const char*, int) = &dlopen;
     try {
-        load(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_LOCAL);
+        load(korl::test::moduleFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "%s\n", error.what());
         bool after = false;

@@ -39,7 +39,7 @@ TEST(Unload, RenderContextsLetGoOfLightSourcesAndStates) {
             illuminate(lights.back(), context);
             illuminate(lights.back(), other);
         }
-        EXPECT_EQ(context.enabledLightSources().size(), 7u);
+        EXPECT_EQ(context.enabledLightSources().size(), lights.size());
     }
     EXPECT_FALSE(LoadedModule::isInProcess());
     EXPECT_THAT(context.enabledLightSources(), IsEmpty());

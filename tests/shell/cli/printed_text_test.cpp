@@ -1,5 +1,6 @@
 // What the program prints of texts that come from modules and files, and where.
 
+#include "tests/support/module_types.hpp"
 #include "tests/support/run_program.hpp"
 
 #include <gmock/gmock.h>
@@ -59,11 +60,9 @@ TEST_F(PrintedTextTest, DescribeKeepsTheLinesOfHelpAlone) {
 }
 
 TEST_F(PrintedTextTest, MessagesEscapeNamesAndExceptions) {
-    EXPECT_EQ(
-        withoutLoading(korl({"describe", "Nothing" + raw}).errors),
-        "korl: unknown type \"Nothing" + shown + "\": did you mean \"Type" + shown +
-            "\"? There are: Headlight, Torch, Sun, DistanceLight, DirectionalLight, AmbientLight, Type" +
-            shown + ".\n");
+    EXPECT_EQ(withoutLoading(korl({"describe", "Nothing" + raw}).errors),
+              "korl: unknown type \"Nothing" + shown + "\": did you mean \"Type" + shown +
+                  "\"? There are: " + korl::test::listOfModuleTypes() + ", Type" + shown + ".\n");
     EXPECT_EQ(
         withoutLoading(
             korl({"save", "-o", folder / "s", "--light", "AmbientLight:a" + raw, "--set", "b.c=1"}).errors),

@@ -1,6 +1,7 @@
 #include "shell/gallery/gallery.hpp"
 
 #include "tests/support/gl_test.hpp"
+#include "tests/support/module_types.hpp"
 #include "tests/support/read_picture.hpp"
 #include "tests/support/run_program.hpp"
 
@@ -18,13 +19,11 @@ using korl::test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::Not;
 
-const std::vector<std::string> types{"AmbientLight", "DirectionalLight", "DistanceLight", "Headlight", "Sun",
-                                     "Torch"};
-
 class GalleryGLTest : public korl::test::GLTest {
 protected:
     std::string page() { return bytesOf(korl::writeGallery(shell, folder / "deep" / "inside")); }
 
+    const std::vector<std::string> types = korl::test::moduleTypes();
     const TemporaryFolder folder;
     korl::Shell shell;
 };
@@ -37,7 +36,7 @@ std::size_t countOf(const std::string& part, const std::string& text) {
 }
 
 TEST_F(GalleryGLTest, ShowsEveryTypeOnBothPaths) {
-    shell.plugins().load(TOVEK_LIGHT_MODULE);
+    shell.plugins().load(korl::test::moduleFile());
     const std::string html = page();
     EXPECT_EQ(countOf("<section ", html), types.size());
     for (const std::string& type : types) {
@@ -60,7 +59,7 @@ TEST_F(GalleryGLTest, ShowsEveryTypeOnBothPaths) {
 }
 
 TEST_F(GalleryGLTest, TakesNothingFromElsewhere) {
-    shell.plugins().load(TOVEK_LIGHT_MODULE);
+    shell.plugins().load(korl::test::moduleFile());
     const std::string html = page();
     EXPECT_THAT(html, Not(HasSubstr("http")));
     EXPECT_THAT(html, Not(HasSubstr("url(")));
@@ -70,7 +69,7 @@ TEST_F(GalleryGLTest, TakesNothingFromElsewhere) {
 }
 
 TEST_F(GalleryGLTest, TypeThatFailsSaysSoAndTheOthersAreThere) {
-    shell.plugins().load(TOVEK_LIGHT_MODULE);
+    shell.plugins().load(korl::test::moduleFile());
     shell.plugins().load(FAULTY_LIGHT_MODULE);
     const std::string html = page();
     EXPECT_THAT(html, HasSubstr("Not all of it can be shown: the GLSL snippet of the light "

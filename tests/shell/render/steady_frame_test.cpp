@@ -2,7 +2,7 @@
 
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/gl_test.hpp"
-#include "tests/support/loaded_module.hpp"
+#include "tests/support/module_types.hpp"
 
 #include "shell/render/fixed_path.hpp"
 #include "shell/render/offscreen_target.hpp"
@@ -53,8 +53,12 @@ protected:
     SteadyFrameGLTest() {
         target.bind();
         korl::test::makeFlat(scene);
-        for (const char* const type : module_lights)
-            scene.create(type);
+    }
+
+    void addModulesLights(int of_each_type) {
+        for (const std::string& type : types)
+            for (int i = 0; i < of_each_type; ++i)
+                scene.create(type);
     }
 
     /// Lights of the tests' own beside those of the module, more than OpenGL holds.
@@ -88,15 +92,11 @@ protected:
         });
     }
 
-    /// Those of the module. All that set up an OpenGL light find one to hold.
-    static constexpr const char* module_lights[] = {
-        "AmbientLight", "DirectionalLight", "DistanceLight", "Sun",
-        "Torch",        "Headlight",        "Sun",           "DistanceLight"};
-
     std::vector<std::string> told;
     korl::Reports reports{[this](const std::string& text) { told.push_back(text); }};
     korl::GLContext& gl_context = context();
     const korl::OffscreenTarget target{16, 16};
+    const std::vector<std::string> types = korl::test::moduleTypes();
     const korl::test::LoadedModule module;
     const korl::test::TestLightCreators creators;
     korl::Scene scene;
@@ -111,13 +111,26 @@ TEST_F(SteadyFrameGLTest, CountingWorks) {
     EXPECT_GT(allocations, before);
 }
 
-TEST_F(SteadyFrameGLTest, ModulesOwnLightsAllocateNothingOnEitherPath) {
-    EXPECT_EQ(allocationsOnShaderPath(), 0);
-    EXPECT_EQ(allocationsOnFixedPath(), 0);
+TEST_F(SteadyFrameGLTest, LightsOfEachTypeAllocateNothingOnEitherPath) {
+    for (const std::string& type : types) {
+        for (int i = 0; i < 3; ++i)
+            scene.create(type, "light" + std::to_string(i));
+        EXPECT_EQ(allocationsOnShaderPath(), 0) << type;
+        EXPECT_EQ(allocationsOnFixedPath(), 0) << type;
+        for (int i = 0; i < 3; ++i)
+            scene.remove("light" + std::to_string(i));
+    }
     EXPECT_TRUE(told.empty()) << told.front(); // none was left out
 }
 
+TEST_F(SteadyFrameGLTest, LightsOfAllTypesAllocateNothingOnEitherPath) {
+    addModulesLights(1);
+    EXPECT_EQ(allocationsOnShaderPath(), 0);
+    EXPECT_EQ(allocationsOnFixedPath(), 0);
+}
+
 TEST_F(SteadyFrameGLTest, MoreLightsThanOpenGLHoldsAllocateNothingOnEitherPath) {
+    addModulesLights(2);
     addTestLights();
     EXPECT_EQ(allocationsOnShaderPath(), 0);
     EXPECT_EQ(allocationsOnFixedPath(), 0);
