@@ -10,7 +10,7 @@ namespace korl::test {
 /// back to the same bits; `glLightfv` is always given four.
 ///
 /// Link gl_recorder.cpp into a program that exports its symbols: the functions then stand before the
-/// library's.
-std::vector<std::string> takeRecordedCalls();
+/// library's, which they call.
+[[gnu::visibility("default")]] std::vector<std::string> takeRecordedCalls();
 
 } // namespace korl::test

@@ -37,24 +37,34 @@ TEST_F(AmbientLight, SnippetIsExact) {
                   325);
 }
 
-const LightAnswers ambient{
-    "AmbientLight",
+const DeclaredLight ambient({
+    .type = "AmbientLight",
     // Alpha goes to the uniform, but not to OpenGL. Only a held colour counts.
-    {{"Color",
-      "0.2 0.4 0.8 0.3",
-      {{"AmbientIntensity$$", "13: 0.5 0.5 0.5 1"}, {"glLightfv LIGHT2 AMBIENT", "0.5 0.5 0.5 1"}},
-      true}},
-    {{"AmbientIntensity$$", "13: 0.2 0.4 0.8 0.3"},
-     {"glLightfv LIGHT2 AMBIENT", "0.2 0.4 0.8 1"},
-     {"glLightfv LIGHT2 DIFFUSE", "0 0 0 0"},
-     {"glLightfv LIGHT2 SPECULAR", "0 0 0 0"},
-     {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 0 0"},
-     {"glLightfv LIGHT2 POSITION", "0 0 0 0"},
-     {"glLightf LIGHT2 SPOT_CUTOFF", "0"},
-     {"glEnable LIGHT2", ""},
-     {"glEnable LIGHTING", ""}}};
-
-INSTANTIATE_TEST_SUITE_P(AmbientLight, EveryLight, testing::Values(ambient));
+    .parameters = {{"Color",
+                    "0.2 0.4 0.8 0.3",
+                    {{"AmbientIntensity$$", "13: 0.5 0.5 0.5 1"},
+                     {"glLightfv LIGHT2 AMBIENT", "0.5 0.5 0.5 1"}},
+                    true}},
+    .answers = {{"AmbientIntensity$$", "13: 0.2 0.4 0.8 0.3"},
+                {"glLightfv LIGHT2 AMBIENT", "0.2 0.4 0.8 1"},
+                {"glLightfv LIGHT2 DIFFUSE", "0 0 0 0"},
+                {"glLightfv LIGHT2 SPECULAR", "0 0 0 0"},
+                {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 0 0"},
+                {"glLightfv LIGHT2 POSITION", "0 0 0 0"},
+                {"glLightf LIGHT2 SPOT_CUTOFF", "0"},
+                {"glEnable LIGHT2", ""},
+                {"glEnable LIGHTING", ""}},
+    .formula =
+        [](const glm::dvec3&) {
+            return Lighting{glm::dvec3(0), {0.2, 0.4, 0.8}, glm::dvec3(0)};
+        },
+    .formula_as_declared =
+        [](const glm::dvec3&) {
+            return Lighting{glm::dvec3(0), glm::dvec3(1), glm::dvec3(0)};
+        },
+    .lighting = {{"Color", "0.2 0.4 0.6 1"}},
+    .agreements = {{{}, 2}},
+});
 
 TEST_F(AmbientLight, NewOneIsWhite) {
     EXPECT_EQ(light.source().uniforms().size(), 1u);

@@ -78,40 +78,53 @@ TEST_F(DirectionalLight, DefaultsGiveTheirUniforms) {
 
 /// A strength and a colour for which it makes a difference in each component whether the strength is rounded
 /// before it is multiplied, as in the uniform, or the product, as for OpenGL.
-const LightAnswers directional{
-    "DirectionalLight",
-    {{"Intensity",
-      "0.3",
-      {{"DirectionalLightIntensity$$", "13: 0.17 0.41 0.85 0.54"}, // full strength, not the default
-       {"glLightfv LIGHT2 DIFFUSE", "0.17 0.41 0.85 1"}}},
-     {"Specular",
-      "0.123456789",
-      {{"DirectionalLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
-     {"direction",
-      "1 -2 2.5",
-      {{"DirectionalLightDirection$$", "11: 0 0 -1"},
-       {"glLightfv LIGHT2 POSITION", "-0 -0 1 0"},
-       {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"}}},
-     {"color",
-      "0.17 0.41 0.85 0.54",
-      {{"DirectionalLightIntensity$$", "13: 0.21000001 0.21000001 0.21000001 0.3"}, // the default colour
-       {"glLightfv LIGHT2 DIFFUSE", "0.21 0.21 0.21 1"}}}},
-    {{"DirectionalLightDirection$$", "11: 0.29814239699997 -0.59628479399994 0.74535599249993"},
-     {"DirectionalLightIntensity$$", "13: 0.051000003 0.123 0.25500003 0.16200002"}, // alpha as well
-     {"DirectionalLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
-     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
-     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
-     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
-     {"glLightfv LIGHT2 DIFFUSE", "0.051 0.122999996 0.255 1"},
-     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
-     {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
-     {"glLightfv LIGHT2 POSITION", "-0.2981424 0.5962848 -0.74535596 0"},
-     {"glLightfv LIGHT2 SPOT_DIRECTION", "0.2981424 -0.5962848 0.74535596 0"},
-     {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
-     {"glEnable LIGHT2", ""},
-     {"glEnable LIGHTING", ""}}};
-
-INSTANTIATE_TEST_SUITE_P(DirectionalLight, EveryLight, testing::Values(directional));
+const DeclaredLight directional({
+    .type = "DirectionalLight",
+    .parameters =
+        {{"Intensity",
+          "0.3",
+          {{"DirectionalLightIntensity$$", "13: 0.17 0.41 0.85 0.54"}, // full strength, not the default
+           {"glLightfv LIGHT2 DIFFUSE", "0.17 0.41 0.85 1"}}},
+         {"Specular",
+          "0.123456789",
+          {{"DirectionalLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+         {"direction",
+          "1 -2 2.5",
+          {{"DirectionalLightDirection$$", "11: 0 0 -1"},
+           {"glLightfv LIGHT2 POSITION", "-0 -0 1 0"},
+           {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"}}},
+         {"color",
+          "0.17 0.41 0.85 0.54",
+          {{"DirectionalLightIntensity$$", "13: 0.21000001 0.21000001 0.21000001 0.3"}, // the default colour
+           {"glLightfv LIGHT2 DIFFUSE", "0.21 0.21 0.21 1"}}}},
+    .answers = {{"DirectionalLightDirection$$", "11: 0.29814239699997 -0.59628479399994 0.74535599249993"},
+                {"DirectionalLightIntensity$$",
+                 "13: 0.051000003 0.123 0.25500003 0.16200002"}, // alpha as well
+                {"DirectionalLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
+                {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+                {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+                {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+                {"glLightfv LIGHT2 DIFFUSE", "0.051 0.122999996 0.255 1"},
+                {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+                {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
+                {"glLightfv LIGHT2 POSITION", "-0.2981424 0.5962848 -0.74535596 0"},
+                {"glLightfv LIGHT2 SPOT_DIRECTION", "0.2981424 -0.5962848 0.74535596 0"},
+                {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
+                {"glEnable LIGHT2", ""},
+                {"glEnable LIGHTING", ""}},
+    .formula =
+        [](const glm::dvec3&) {
+            return Lighting{glm::normalize(glm::dvec3(1, -2, 2.5)), 0.3 * glm::dvec3(0.17, 0.41, 0.85),
+                            glm::dvec3(0.123456789)};
+        },
+    .formula_as_declared =
+        [](const glm::dvec3&) {
+            return Lighting{{0, 0, -1}, glm::dvec3(1), glm::dvec3(1)};
+        },
+    .lighting = {{"direction", "-0.6 -1 -0.8"}, {"color", "1 0.9 0.5 1"}},
+    .agreements = {{{{"direction", "-1 -2 -2"}, {"Specular", "0"}}, 2},
+                   {{{"direction", "-1 -2 -2"}, {"Specular", "1"}}, 4}},
+});
 
 TEST_F(DirectionalLight, DefaultFixedFunctionLightStandsAbove) {
     EXPECT_EQ(call("POSITION"), "-0 -0 1 0");

@@ -73,40 +73,52 @@ TEST_F(DistanceLight, DefaultsGiveTheirUniforms) {
 /// A strength and a colour for which it makes a difference in each component whether the strength is rounded
 /// before it is multiplied, as in the uniform, or the product, as for OpenGL. The position falls back to
 /// (0, 0, 10) in the uniform and to (0, 0, 1) in OpenGL.
-const LightAnswers distance{
-    "DistanceLight",
-    {{"Intensity",
-      "0.65",
-      {{"DistanceLightIntensity$$", "13: 0.21 0.44 0.79 0.57"}, // full strength, not the default
-       {"glLightfv LIGHT2 DIFFUSE", "0.21 0.44 0.79 1"}}},
-     {"Specular",
-      "0.123456789",
-      {{"DistanceLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
-     {"lightposition",
-      "3.1 -4.2 5.6",
-      {{"DistanceLightDirection$$", "11: 0.34793873004788 0.29074332236877 -0.89129510299936"},
-       {"glLightfv LIGHT2 POSITION", "0 0 1 1"},
-       {"glLightfv LIGHT2 SPOT_DIRECTION", "7.3 6.1 -9.7 0"}}},
-     {"shineat",
-      "7.3 6.1 -8.7",
-      {{"DistanceLightDirection$$", "11: -0.40492615827205 0.54860963378794 -0.73147951171725"},
-       {"glLightfv LIGHT2 SPOT_DIRECTION", "-3.1 4.2 -5.6 0"}}},
-     {"color",
-      "0.21 0.44 0.79 0.57",
-      {{"DistanceLightIntensity$$", "13: 0.65 0.65 0.65 0.65"},
-       {"glLightfv LIGHT2 DIFFUSE", "0.65 0.65 0.65 1"}}}},
-    {{"DistanceLightDirection$$", "11: 0.23182847043682 0.56853172511887 -0.78932074458251"},
-     {"DistanceLightIntensity$$", "13: 0.13649999 0.28599998 0.5135 0.37049997"}, // alpha as well
-     {"DistanceLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
-     // Nothing of attenuation, ambient colour and cut-off.
-     {"glLightfv LIGHT2 DIFFUSE", "0.1365 0.286 0.51350003 1"},
-     {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
-     {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.6 1"},
-     {"glLightfv LIGHT2 SPOT_DIRECTION", "4.2 10.3 -14.3 0"}, // of any length
-     {"glEnable LIGHT2", ""},
-     {"glEnable LIGHTING", ""}}};
-
-INSTANTIATE_TEST_SUITE_P(DistanceLight, EveryLight, testing::Values(distance));
+const DeclaredLight distance({
+    .type = "DistanceLight",
+    .parameters =
+        {{"Intensity",
+          "0.65",
+          {{"DistanceLightIntensity$$", "13: 0.21 0.44 0.79 0.57"}, // full strength, not the default
+           {"glLightfv LIGHT2 DIFFUSE", "0.21 0.44 0.79 1"}}},
+         {"Specular",
+          "0.123456789",
+          {{"DistanceLightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+         {"lightposition",
+          "3.1 -4.2 5.6",
+          {{"DistanceLightDirection$$", "11: 0.34793873004788 0.29074332236877 -0.89129510299936"},
+           {"glLightfv LIGHT2 POSITION", "0 0 1 1"},
+           {"glLightfv LIGHT2 SPOT_DIRECTION", "7.3 6.1 -9.7 0"}}},
+         {"shineat",
+          "7.3 6.1 -8.7",
+          {{"DistanceLightDirection$$", "11: -0.40492615827205 0.54860963378794 -0.73147951171725"},
+           {"glLightfv LIGHT2 SPOT_DIRECTION", "-3.1 4.2 -5.6 0"}}},
+         {"color",
+          "0.21 0.44 0.79 0.57",
+          {{"DistanceLightIntensity$$", "13: 0.65 0.65 0.65 0.65"},
+           {"glLightfv LIGHT2 DIFFUSE", "0.65 0.65 0.65 1"}}}},
+    .answers = {{"DistanceLightDirection$$", "11: 0.23182847043682 0.56853172511887 -0.78932074458251"},
+                {"DistanceLightIntensity$$", "13: 0.13649999 0.28599998 0.5135 0.37049997"}, // alpha as well
+                {"DistanceLightSpecularIntensity$$", "13: 0.12345679 0.12345679 0.12345679 1"},
+                // Nothing of attenuation, ambient colour and cut-off.
+                {"glLightfv LIGHT2 DIFFUSE", "0.1365 0.286 0.51350003 1"},
+                {"glLightfv LIGHT2 SPECULAR", "0.12345679 0.12345679 0.12345679 1"},
+                {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.6 1"},
+                {"glLightfv LIGHT2 SPOT_DIRECTION", "4.2 10.3 -14.3 0"}, // of any length
+                {"glEnable LIGHT2", ""},
+                {"glEnable LIGHTING", ""}},
+    .formula =
+        [](const glm::dvec3&) {
+            return Lighting{glm::normalize(glm::dvec3(7.3, 6.1, -8.7) - glm::dvec3(3.1, -4.2, 5.6)),
+                            0.65 * glm::dvec3(0.21, 0.44, 0.79), glm::dvec3(0.123456789)};
+        },
+    .formula_as_declared =
+        [](const glm::dvec3&) {
+            return Lighting{{0, 0, -1}, glm::dvec3(1), glm::dvec3(1)};
+        },
+    .lighting = {{"lightposition", "0.6 1 1"}},
+    // Parallel in the snippet and all around in OpenGL: alike from far away.
+    .agreements = {{{{"lightposition", "1000 2000 2000"}, {"Specular", "0"}}, 2}},
+});
 
 TEST_F(DistanceLight, DefaultFixedFunctionLight) {
     EXPECT_EQ(call("POSITION"), "0 0 1 1");

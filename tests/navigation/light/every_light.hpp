@@ -1,13 +1,16 @@
 #pragma once
 
-// Tests that hold for every light type of the module. The test file of a type runs them with
+// Tests that hold for every light type of the module, on both paths. The test file of a type declares what
+// they have to know of it, all of it written out:
 //
-//     INSTANTIATE_TEST_SUITE_P(Sun, EveryLight, testing::Values(sun));
+//     const DeclaredLight sun({.type = "Sun", ...});
 //
-// where `sun` says which values the type's parameters get and what it answers to them, all of it written out.
+// A type of the module that nobody declares fails EveryType.IsDeclared.
 
 #include "tests/support/module_light.hpp"
 
+#include <functional>
+#include <glm/glm.hpp>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string>
@@ -22,6 +25,9 @@ namespace korl::test {
 using Answer = std::pair<std::string, std::string>;
 using Answers = std::vector<Answer>;
 
+/// Parameters and their values.
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
 /// A value for a parameter, and what the light answers otherwise where it cannot read that parameter.
 struct ParameterAnswers {
     std::string name;
@@ -30,21 +36,76 @@ struct ParameterAnswers {
     bool must_be_held = false; ///< A computed value counts as one that cannot be read.
 };
 
-/// What a light answers as the context's third one while all its parameters have their values.
-struct LightAnswers {
-    std::string type;
-    std::vector<ParameterAnswers> parameters;
-    Answers
-        answers; ///< The uniforms in the order of the map, then the calls in the order in which they come.
+/// What a lighting function gives for a vertex.
+struct Lighting {
+    glm::dvec3 incidence, intensity, specular;
 };
 
-inline void PrintTo(const LightAnswers& light, std::ostream* stream) {
+/// What a lighting function should give, by a formula of the test's own.
+using LightingFormula = std::function<Lighting(const glm::dvec3& vertex)>;
+
+/// Where the viewer stands when lighting functions are evaluated.
+constexpr glm::dvec3 eye(1, 2, 3);
+
+/// Settings with which both paths show the same, and by how much the pictures differ at most, in units of
+/// 1/255.
+struct Agreement {
+    Settings settings;
+    double max_difference;
+};
+
+struct LightDeclaration {
+    std::string type;
+
+    std::vector<ParameterAnswers> parameters; ///< All of them, in order.
+    /// What the light answers as the context's third one while all its parameters have these values: the
+    /// uniforms in the order of the map, then the calls in the order in which they come.
+    Answers answers;
+    /// What its snippet gives with these values,
+    LightingFormula formula;
+    /// and before any uniform has been set.
+    LightingFormula formula_as_declared;
+
+    /// Settings with which it lights the built-in scene well.
+    Settings lighting;
+    /// Empty for a type whose paths differ on purpose.
+    std::vector<Agreement> agreements;
+
+    /// One light source serves all contexts.
+    bool has_one_source = false;
+
+    /// Whether it sets up an OpenGL light.
+    bool hasOpenGLLight() const {
+        for (const Answer& answer : answers)
+            if (answer.first == "glEnable LIGHT2")
+                return true;
+        return false;
+    }
+};
+
+inline void PrintTo(const LightDeclaration& light, std::ostream* stream) {
     *stream << light.type;
 }
 
-class EveryLight : public testing::TestWithParam<LightAnswers> {
+/// All that have been declared. Tests of lights may lie in a library of their own, so that this is shown to
+/// it.
+[[gnu::visibility("default")]] std::vector<LightDeclaration>& declaredLights();
+
+struct DeclaredLight {
+    explicit DeclaredLight(LightDeclaration light) { declaredLights().push_back(std::move(light)); }
+};
+
+/// Gives a light the values that its answers are for.
+void setValues(ModuleLight& light, const LightDeclaration& declared, const std::string& except = "");
+
+class EveryLight : public testing::TestWithParam<LightDeclaration> {
 protected:
     ModuleLight light{GetParam().type};
 };
+
+/// Runs the tests of a suite for every type that is declared.
+#define FOR_EVERY_LIGHT(SUITE)                                                                               \
+    INSTANTIATE_TEST_SUITE_P(Module, SUITE, testing::ValuesIn(korl::test::declaredLights()),                 \
+                             [](const auto& light) { return light.param.type; })
 
 } // namespace korl::test

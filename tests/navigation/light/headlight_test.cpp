@@ -87,33 +87,44 @@ TEST_F(Headlight, WritesItsUniformsWhileItSetsUpOpenGL) {
     EXPECT_EQ(light.source().uniforms().at(intensity).index(), 13u);
 }
 
-const LightAnswers headlight{
-    "Headlight",
-    {{"intensity",
-      "0.3",
-      {{"HeadlightIntensity$$", "13: 1 1 1 1"}, // not the default 0.8
-       {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}},
-     {"specular",
-      "0.7",
-      {{"HeadlightSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 0"}}},
-     {"positionmv", "3.1 -4.2 5.3", {{"glLightfv LIGHT2 POSITION", "0 0 1 1"}}}},
-    {{"HeadlightIntensity$$", "13: 0.3 0.3 0.3 1"},
-     {"HeadlightSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
-     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
-     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
-     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
-     {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
-     {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 0"}, // alpha 0 here, 1 in the uniform
-     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
-     {"glMatrixMode MODELVIEW", ""},
-     {"glPushMatrix", ""},
-     {"glLoadIdentity", ""},
-     {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.3 1"},
-     {"glPopMatrix", ""},
-     {"glEnable LIGHT2", ""},
-     {"glEnable LIGHTING", ""}}};
-
-INSTANTIATE_TEST_SUITE_P(Headlight, EveryLight, testing::Values(headlight));
+const DeclaredLight headlight({
+    .type = "Headlight",
+    .parameters = {{"intensity",
+                    "0.3",
+                    {{"HeadlightIntensity$$", "13: 1 1 1 1"}, // not the default 0.8
+                     {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}},
+                   {"specular",
+                    "0.7",
+                    {{"HeadlightSpecularIntensity$$", "13: 1 1 1 1"},
+                     {"glLightfv LIGHT2 SPECULAR", "1 1 1 0"}}},
+                   {"positionmv", "3.1 -4.2 5.3", {{"glLightfv LIGHT2 POSITION", "0 0 1 1"}}}},
+    .answers = {{"HeadlightIntensity$$", "13: 0.3 0.3 0.3 1"},
+                {"HeadlightSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
+                {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+                {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+                {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+                {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
+                {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 0"}, // alpha 0 here, 1 in the uniform
+                {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+                {"glMatrixMode MODELVIEW", ""},
+                {"glPushMatrix", ""},
+                {"glLoadIdentity", ""},
+                {"glLightfv LIGHT2 POSITION", "3.1 -4.2 5.3 1"},
+                {"glPopMatrix", ""},
+                {"glEnable LIGHT2", ""},
+                {"glEnable LIGHTING", ""}},
+    .formula =
+        [](const glm::dvec3& vertex) {
+            return Lighting{glm::normalize(vertex - eye), glm::dvec3(0.3), glm::dvec3(0.7)};
+        },
+    .formula_as_declared =
+        [](const glm::dvec3& vertex) {
+            return Lighting{glm::normalize(vertex - eye), glm::dvec3(1), glm::dvec3(1)};
+        },
+    .lighting = {{"specular", "0.5"}},
+    .agreements = {{{{"positionmv", "0 0 0"}, {"specular", "0"}}, 2}, {{{"positionmv", "0 0 0"}}, 4}},
+    .has_one_source = true,
+});
 
 TEST_F(Headlight, DefaultFixedFunctionLight) {
     EXPECT_EQ(call("DIFFUSE"), "0.8 0.8 0.8 1");

@@ -1,6 +1,7 @@
 // The light sources of all types: how they are numbered, who keeps them, and what happens to those that still
 // live when the process ends.
 
+#include "every_light.hpp"
 #include "tests/support/loaded_module.hpp"
 
 #include <doltra/render_context.hpp>
@@ -117,11 +118,18 @@ TEST(LightSource, IsKeptByTheContextWhenItsObjectHasGone) {
     }
 }
 
+bool hasOneSource(const std::string& type) {
+    const auto& lights = korl::test::declaredLights();
+    return std::any_of(lights.begin(), lights.end(), [&](const korl::test::LightDeclaration& light) {
+        return light.type == type && light.has_one_source;
+    });
+}
+
 TEST(LightSource, OfAContextGoesWithTheObjectOrThePool) {
     const LoadedModule module;
     for (VCreatorBase* const creator : VCreatorBase::catalogue()) {
-        if (creator->Name() == "Headlight")
-            continue; // its source goes with the object alone
+        if (hasOneSource(creator->Name()))
+            continue; // it goes with the object alone
         auto light = creator->create("");
         const auto sourceIn = [&](const StrongPtr<ValuePool>& pool) {
             const VRenderContext context(pool);
@@ -149,7 +157,7 @@ TEST(LightSource, OfAContextGoesWithTheObjectOrThePool) {
     });
     static std::vector<StrongPtr<VObject>> lights;
     static const auto contexts = someContexts(2);
-    dlopen(TOVEK_LIGHT_MODULE, RTLD_NOW | RTLD_LOCAL); // which stays loaded
+    dlopen(korl::test::moduleFile().c_str(), RTLD_NOW | RTLD_LOCAL); // which stays loaded
     lights = allLights();
     static const auto late_contexts = someContexts(1);
     static const auto late_lights = allLights();

@@ -99,14 +99,6 @@ Answers withChanges(Answers answers, const Answers& changes) {
     return answers;
 }
 
-void setValues(ModuleLight& light, const LightAnswers& expected, const std::string& except = "") {
-    for (const ParameterAnswers& parameter : expected.parameters)
-        if (parameter.name != except) {
-            EXPECT_TRUE(light.parameter(parameter.name).setGlobalValueFromText(parameter.value))
-                << parameter.name << " = " << parameter.value;
-        }
-}
-
 /// Calls `action` with a value of the type, for the four types that parameters have.
 template <class Action>
 void forEachType(Action action) {

@@ -4,7 +4,6 @@
 
 #include <tessan/ageable.hpp>
 
-#include <set>
 #include <string>
 
 namespace korl::test {
@@ -55,30 +54,17 @@ TEST_P(EveryLight, LightSourceTakesTheTimeOfItsMaking) {
     EXPECT_EQ(young.source().age(), Tessan::Ageable::GlobalTime.load());
 }
 
-TEST_P(EveryLight, EachContextHasItsOwnLightSourceButForTheHeadlight) {
+TEST_P(EveryLight, EachContextHasItsOwnLightSourceUnlessDeclaredOtherwise) {
     auto& source = light.source();
     auto& other = light.otherSource();
     EXPECT_EQ(&light.source(), &source); // from frame to frame
     source.uniforms()["Own$$"] = 7;
-    const bool has_one_for_all = GetParam().type == "Headlight";
-    EXPECT_EQ(&source == &other, has_one_for_all);
-    EXPECT_EQ(source.serialNumber() == other.serialNumber(), has_one_for_all);
-    EXPECT_EQ(other.uniforms().contains("Own$$"), has_one_for_all);
+    EXPECT_EQ(&source == &other, GetParam().has_one_source);
+    EXPECT_EQ(source.serialNumber() == other.serialNumber(), GetParam().has_one_source);
+    EXPECT_EQ(other.uniforms().contains("Own$$"), GetParam().has_one_source);
 }
 
-TEST(EveryType, IsTestedAsEveryLight) {
-    const LoadedModule module;
-    std::set<std::string> types, tested;
-    for (const Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue())
-        types.insert(creator->Name());
-    const testing::UnitTest& tests = *testing::UnitTest::GetInstance();
-    for (int i = 0; i < tests.total_test_suite_count(); ++i) {
-        const std::string suite = tests.GetTestSuite(i)->name();
-        if (const std::size_t end = suite.find("/EveryLight"); end != std::string::npos)
-            tested.insert(suite.substr(0, end));
-    }
-    EXPECT_EQ(tested, types);
-}
+FOR_EVERY_LIGHT(EveryLight);
 
 } // namespace
 

@@ -1,29 +1,25 @@
 // The fixed-function lights as a real context stores them.
 
+#include "every_light.hpp"
 #include "tests/support/gl_test.hpp"
-#include "tests/support/module_light.hpp"
 
 #include <array>
 #include <epoxy/gl.h>
-#include <gmock/gmock.h>
+#include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
 using korl::test::ModuleLight;
 using Quad = std::array<GLfloat, 4>;
-using Triple = std::array<GLfloat, 3>;
 
 Quad state(GLenum name) {
     Quad values{};
     glGetLightfv(GL_LIGHT2, name, values.data());
     return values;
-}
-
-Triple spotDirection() {
-    Quad values = state(GL_SPOT_DIRECTION);
-    return {values[0], values[1], values[2]};
 }
 
 class LightStateGLTest : public korl::test::GLTest {
@@ -44,12 +40,6 @@ protected:
             ASSERT_TRUE(light.parameter(parameter).setGlobalValueFromText(text)) << parameter;
     }
 
-    static void expectNoAttenuation() {
-        EXPECT_EQ(state(GL_CONSTANT_ATTENUATION)[0], 1);
-        EXPECT_EQ(state(GL_LINEAR_ATTENUATION)[0], 0);
-        EXPECT_EQ(state(GL_QUADRATIC_ATTENUATION)[0], 0);
-    }
-
     void setUp(ModuleLight& light) {
         light.context.setLightNumber(3);
         EXPECT_TRUE(light.light.environment_render(light.context));
@@ -58,59 +48,65 @@ protected:
     }
 };
 
-TEST_F(LightStateGLTest, DirectionalLight) {
-    ModuleLight light("DirectionalLight");
-    set(light,
-        {{"Intensity", "0.5"}, {"Specular", "0.1"}, {"direction", "1 -2 -2"}, {"color", "0.2 0.4 0.8 0.3"}});
-    setUp(light);
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.1f, 0.2f, 0.4f, 1}));
-    EXPECT_EQ(state(GL_AMBIENT), (Quad{0, 0, 0, 1}));
-    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.1f, 0.1f, 0.1f, 1}));
-    EXPECT_EQ(state(GL_POSITION), (Quad{-1 / 3.0f, 2 / 3.0f, 2 / 3.0f, 0}));
-    EXPECT_EQ(spotDirection(), (Triple{1 / 3.0f, -2 / 3.0f, -2 / 3.0f}));
-    EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 180);
-    expectNoAttenuation();
+class EveryLightsStateGLTest : public LightStateGLTest,
+                               public testing::WithParamInterface<korl::test::LightDeclaration> {};
+
+/// The numbers of the call of a light's answers that sets a value, such as "DIFFUSE"; empty if none does.
+std::vector<GLfloat> numbersFor(const korl::test::LightDeclaration& light, const std::string& name) {
+    for (const auto& [call, text] : light.answers)
+        if (call.starts_with("glLight") && call.ends_with(" " + name)) {
+            std::istringstream stream(text);
+            return {std::istream_iterator<GLfloat>(stream), {}};
+        }
+    return {};
 }
 
-TEST_F(LightStateGLTest, Sun) {
-    ModuleLight light("Sun");
-    set(light, {{"Intensity", "0.3"}, {"Specular", "0.7"}, {"latitude", "10"}, {"timeofday", "8"}});
-    setUp(light);
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.3f, 0.3f, 0.3f, 1}));
-    EXPECT_EQ(state(GL_AMBIENT), (Quad{0, 0, 0, 1}));
-    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.7f, 0.7f, 0.7f, 1}));
-    EXPECT_EQ(state(GL_POSITION), (Quad{0, 0, 1, 0}));
-    EXPECT_EQ(spotDirection(), (Triple{0, 0, -1}));
-    EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 180);
-    expectNoAttenuation();
+TEST_P(EveryLightsStateGLTest, HoldsWhatTheLightSetsAndNothingElse) {
+    struct Value {
+        GLenum name;
+        std::string text;
+        std::vector<GLfloat> before;
+    };
+    const Value values[]{{GL_AMBIENT, "AMBIENT", {0.1f, 0.2f, 0.3f, 0.4f}},
+                         {GL_DIFFUSE, "DIFFUSE", {0.2f, 0.3f, 0.4f, 0.5f}},
+                         {GL_SPECULAR, "SPECULAR", {0.3f, 0.4f, 0.5f, 0.6f}},
+                         {GL_POSITION, "POSITION", {7, 8, 9, 1}},
+                         {GL_SPOT_DIRECTION, "SPOT_DIRECTION", {4, 5, 6}},
+                         {GL_SPOT_EXPONENT, "SPOT_EXPONENT", {3}},
+                         {GL_SPOT_CUTOFF, "SPOT_CUTOFF", {33}},
+                         {GL_CONSTANT_ATTENUATION, "CONSTANT_ATTENUATION", {0.5f}},
+                         {GL_LINEAR_ATTENUATION, "LINEAR_ATTENUATION", {0.25f}},
+                         {GL_QUADRATIC_ATTENUATION, "QUADRATIC_ATTENUATION", {0.125f}}};
+    for (const Value& value : values)
+        glLightfv(GL_LIGHT2, value.name, value.before.data());
+    glDisable(GL_LIGHTING);
+    glDisable(GL_LIGHT2);
+    ModuleLight light(GetParam().type);
+    setValues(light, GetParam());
+    light.context.setLightNumber(3);
+    EXPECT_TRUE(light.light.environment_render(light.context));
+    EXPECT_EQ(glIsEnabled(GL_LIGHT2) == GL_TRUE, GetParam().hasOpenGLLight());
+    EXPECT_EQ(glIsEnabled(GL_LIGHTING) == GL_TRUE, GetParam().hasOpenGLLight());
+    for (const Value& value : values) {
+        std::vector<GLfloat> expected = numbersFor(GetParam(), value.text);
+        if (expected.empty())
+            expected = value.before;
+        expected.resize(value.before.size()); // of a direction, the fourth number does not count
+        const Quad found = state(value.name);
+        EXPECT_EQ(
+            std::vector<GLfloat>(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(expected.size())),
+            expected)
+            << value.text;
+    }
 }
+
+FOR_EVERY_LIGHT(EveryLightsStateGLTest);
 
 TEST_F(LightStateGLTest, SunIsTakenInTheCurrentMatrix) {
     ModuleLight light("Sun");
     glRotatef(90, 1, 0, 0); // z becomes -y
     setUp(light);
     EXPECT_NEAR(state(GL_POSITION)[1], -1, 1e-6);
-}
-
-TEST_F(LightStateGLTest, DistanceLightLeavesWhatItDoesNotSet) {
-    ModuleLight light("DistanceLight");
-    constexpr Quad odd{0.1f, 0.2f, 0.3f, 0.4f};
-    glLightfv(GL_LIGHT2, GL_AMBIENT, odd.data());
-    glLightf(GL_LIGHT2, GL_SPOT_CUTOFF, 33);
-    glLightf(GL_LIGHT2, GL_LINEAR_ATTENUATION, 0.25f);
-    set(light, {{"Intensity", "0.5"},
-                {"Specular", "0.7"},
-                {"lightposition", "1 2 3"},
-                {"shineat", "5 4 -3"},
-                {"color", "0.2 0.4 0.8 0.3"}});
-    setUp(light);
-    EXPECT_EQ(state(GL_AMBIENT), odd);
-    EXPECT_EQ(state(GL_SPOT_CUTOFF)[0], 33);
-    EXPECT_EQ(state(GL_LINEAR_ATTENUATION)[0], 0.25f);
-    EXPECT_EQ(state(GL_POSITION), (Quad{1, 2, 3, 1}));
-    EXPECT_EQ(spotDirection(), (Triple{4, 2, -6}));
-    EXPECT_EQ(state(GL_DIFFUSE), (Quad{0.1f, 0.2f, 0.4f, 1}));
-    EXPECT_EQ(state(GL_SPECULAR), (Quad{0.7f, 0.7f, 0.7f, 1}));
 }
 
 TEST_F(LightStateGLTest, HeadlightStandsInEyeSpaceWhateverTheScene) {
@@ -132,14 +128,6 @@ TEST_F(LightStateGLTest, HeadlightStandsInEyeSpaceWhateverTheScene) {
     GLint mode = 0;
     glGetIntegerv(GL_MATRIX_MODE, &mode);
     EXPECT_EQ(mode, GL_MODELVIEW); // not restored, on purpose
-}
-
-TEST_F(LightStateGLTest, TorchEnablesNothing) {
-    ModuleLight light("Torch");
-    glDisable(GL_LIGHTING);
-    EXPECT_TRUE(light.light.environment_render(light.context));
-    EXPECT_FALSE(glIsEnabled(GL_LIGHT0));
-    EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // The lights' snippets in the driver: compiled alone and together, and evaluated against references in C++.
 
+#include "every_light.hpp"
 #include "tests/support/gl_test.hpp"
-#include "tests/support/module_light.hpp"
+#include "tests/support/module_types.hpp"
 
 #include "shell/render/gl_objects.hpp"
 #include "shell/render/lighting_program.hpp"
@@ -11,9 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <glm/glm.hpp>
-#include <map>
 #include <random>
 #include <span>
 #include <string>
@@ -21,10 +20,9 @@
 
 namespace {
 
+using korl::test::Lighting;
+using korl::test::LightingFormula;
 using korl::test::ModuleLight;
-
-const std::vector<std::string> light_types{"AmbientLight", "DirectionalLight", "DistanceLight", "Sun",
-                                           "Torch",        "Headlight"};
 
 class SnippetGLTest : public korl::test::GLTest {};
 
@@ -35,7 +33,7 @@ std::string snippetOf(const std::string& type) {
 
 TEST_F(SnippetGLTest, CompileAloneTogetherAndTwiceInEveryVersion) {
     std::vector<korl::LightSnippet> snippets;
-    for (const std::string& type : light_types)
+    for (const std::string& type : korl::test::moduleTypes())
         snippets.push_back({type, snippetOf(type)});
     for (const int version : korl::glsl_versions) {
         const auto build = [&](const std::vector<korl::LightSnippet>& some) {
@@ -51,11 +49,6 @@ TEST_F(SnippetGLTest, CompileAloneTogetherAndTwiceInEveryVersion) {
         build(snippets);
     }
 }
-
-/// What a lighting function says of a vertex.
-struct Light {
-    glm::dvec3 incidence, intensity, specular;
-};
 
 constexpr int side = 128; // 16384 vertices
 
@@ -82,8 +75,9 @@ public:
                              "uniform sampler2D vertices;\n"
                              "uniform int output_index;\n"
                              "out vec4 result;\n"
+                             "uniform vec3 eye;\n"
                              "vec3 getViewDir() { return normalize(texelFetch(vertices, "
-                             "ivec2(gl_FragCoord.xy), 0).xyz - vec3(1, 2, 3)); }\n" +
+                             "ivec2(gl_FragCoord.xy), 0).xyz - eye); }\n" +
                              korl::applySuffix(snippet, "L1") +
                              "void main() {\n"
                              "  vec3 outputs[3];\n"
@@ -101,6 +95,8 @@ public:
             if (const GLint location = program.uniformLocation(korl::applySuffix(name, "L1")); location >= 0)
                 korl::uploadUniform(location, value);
         glUniform1i(program.uniformLocation("output_index"), output);
+        const glm::vec3 eye(korl::test::eye);
+        glUniform3f(program.uniformLocation("eye"), eye.x, eye.y, eye.z);
         my_target.bind();
         glDisable(GL_DEPTH_TEST);
         const korl::VertexArray no_arrays;
@@ -140,24 +136,15 @@ protected:
         return made;
     }
 
-    using Reference = std::function<Light(const glm::dvec3&)>;
-
-    /// Compares what the driver makes of a light with a reference.
-    void expectLight(ModuleLight& light, const Reference& reference) {
-        light.light.environment_render(light.context); // where some lights write their uniforms
-        const auto& source = light.source();
-        expectLight(source.snippet(), source.uniforms(), reference);
-    }
-
-    /// The same for a snippet with some of its uniforms. The difference counts relative to the length of each
-    /// output.
+    /// Compares what the driver makes of a snippet with a formula. The difference counts relative to the
+    /// length of each output.
     void expectLight(const std::string& snippet, const Qelt::RenderNamespace::UniformMap& uniforms,
-                     const Reference& reference) {
+                     const LightingFormula& formula) {
         for (int output = 0; output < 3; ++output) {
             const auto found = evaluator.evaluate(snippet, uniforms, output);
             double largest = 0;
             for (std::size_t i = 0; i < found.size(); ++i) {
-                const Light expected = reference(glm::dvec3(vertices()[i]));
+                const Lighting expected = formula(glm::dvec3(vertices()[i]));
                 const glm::dvec3 wanted = output == 0   ? expected.incidence
                                           : output == 1 ? expected.intensity
                                                         : expected.specular;
@@ -173,79 +160,25 @@ protected:
     Evaluator evaluator;
 };
 
+class EveryLightsSnippetGLTest : public SnippetValueGLTest,
+                                 public testing::WithParamInterface<korl::test::LightDeclaration> {};
+
+TEST_P(EveryLightsSnippetGLTest, SnippetGivesWhatTheFormulaSays) {
+    ModuleLight light(GetParam().type);
+    setValues(light, GetParam());
+    light.light.environment_render(light.context); // where some lights write their uniforms
+    const auto& source = light.source();
+    expectLight(source.snippet(), source.uniforms(), GetParam().formula);
+}
+
+TEST_P(EveryLightsSnippetGLTest, DeclaredDefaultsHoldBeforeAnyUpload) {
+    expectLight(ModuleLight(GetParam().type).source().snippet(), {}, GetParam().formula_as_declared);
+}
+
+FOR_EVERY_LIGHT(EveryLightsSnippetGLTest);
+
 void set(ModuleLight& light, const std::string& parameter, const std::string& text) {
     ASSERT_TRUE(light.parameter(parameter).setGlobalValueFromText(text));
-}
-
-TEST_F(SnippetValueGLTest, AmbientLight) {
-    ModuleLight light("AmbientLight");
-    set(light, "Color", "0.2 0.4 0.8 0.3");
-    expectLight(light, [](const glm::dvec3&) { return Light{{0, 0, 0}, {0.2, 0.4, 0.8}, {0, 0, 0}}; });
-}
-
-TEST_F(SnippetValueGLTest, DirectionalLight) {
-    ModuleLight light("DirectionalLight");
-    set(light, "direction", "1 -2 -2");
-    set(light, "color", "0.2 0.4 0.8 0.6");
-    set(light, "Intensity", "1.5");
-    set(light, "Specular", "0.3");
-    expectLight(light, [](const glm::dvec3&) {
-        return Light{{1 / 3.0, -2 / 3.0, -2 / 3.0}, {0.3, 0.6, 1.2}, {0.3, 0.3, 0.3}};
-    });
-}
-
-TEST_F(SnippetValueGLTest, DistanceLight) {
-    ModuleLight light("DistanceLight");
-    set(light, "lightposition", "1 1 3");
-    set(light, "shineat", "2 -1 1");
-    set(light, "color", "1 0.5 0.25 0.3");
-    set(light, "Specular", "0.3");
-    expectLight(light, [](const glm::dvec3&) {
-        return Light{{1 / 3.0, -2 / 3.0, -2 / 3.0}, {0.8, 0.4, 0.2}, {0.3, 0.3, 0.3}};
-    });
-}
-
-TEST_F(SnippetValueGLTest, Sun) {
-    ModuleLight light("Sun");
-    set(light, "Intensity", "0.6");
-    set(light, "latitude", "52");
-    set(light, "timeofday", "9");
-    expectLight(light, [](const glm::dvec3&) {
-        const double phi = glm::radians(52.0), t = glm::radians(135.0);
-        return Light{{-std::sin(t), std::cos(t) * std::sin(phi), std::cos(t) * std::cos(phi)},
-                     {0.6, 0.6, 0.6},
-                     {0.1, 0.1, 0.1}};
-    });
-}
-
-TEST_F(SnippetValueGLTest, Headlight) {
-    ModuleLight light("Headlight");
-    set(light, "specular", "0.25");
-    expectLight(light, [](const glm::dvec3& vertex) {
-        return Light{glm::normalize(vertex - glm::dvec3(1, 2, 3)), {0.8, 0.8, 0.8}, {0.25, 0.25, 0.25}};
-    });
-}
-
-Light torchAt(const glm::dvec3& place, double scale_distance, double strength, double specular,
-              const glm::dvec3& vertex) {
-    const glm::dvec3 way = vertex - place;
-    // OpenGL's form of the same fall-off: constant 1, quadratic 1/s², of the inverse distance.
-    const double attenuation = 1 / (1 + glm::dot(way, way) / (scale_distance * scale_distance));
-    return {glm::normalize(way), glm::dvec3(strength * attenuation), glm::dvec3(specular * attenuation)};
-}
-
-TEST_F(SnippetValueGLTest, Torch) {
-    ModuleLight light("Torch");
-    set(light, "location", "1 2 3");
-    set(light, "elevation", "0.5");
-    set(light, "scaleDistance", "30");
-    set(light, "intensity", "2");
-    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({1, 2, 3.5}, 30, 2, 0.8, vertex); });
-}
-
-TEST_F(SnippetValueGLTest, TorchByDefault) {
-    ModuleLight light("Torch");
-    expectLight(light, [](const glm::dvec3& vertex) { return torchAt({0, 0, 100}, 1000, 0.8, 0.8, vertex); });
 }
 
 TEST_F(SnippetValueGLTest, TorchByDefaultLightsTheOriginWithAHundredOfAHundredAndOne) {
@@ -286,30 +219,6 @@ TEST_F(SnippetValueGLTest, TorchAtTheVertexIsNotFinite) {
     Evaluator there(std::vector<glm::vec3>(side * side, glm::vec3(0)));
     const auto incidence = there.evaluate(light.source().snippet(), light.source().uniforms(), 0);
     EXPECT_FALSE(std::isfinite(incidence[0].x));
-}
-
-TEST_F(SnippetValueGLTest, DeclaredDefaultsHoldBeforeAnyUpload) {
-    constexpr glm::dvec3 white(1), black(0), down(0, 0, -1);
-    const Reference straight_down = [&](const glm::dvec3&) { return Light{down, white, white}; };
-    const std::map<std::string, Reference> references{
-        {"AmbientLight",
-         [&](const glm::dvec3&) {
-             return Light{black, white, black};
-         }},
-        {"DirectionalLight", straight_down},
-        {"DistanceLight", straight_down},
-        {"Sun", straight_down},
-        {"Torch",
-         [](const glm::dvec3& vertex) {
-             return torchAt({0, 0, 100}, 1000, 1, 1, vertex);
-         }},
-        {"Headlight", [&](const glm::dvec3& vertex) {
-             return Light{glm::normalize(vertex - glm::dvec3(1, 2, 3)), white, white};
-         }}};
-    for (const std::string& type : light_types) {
-        const testing::ScopedTrace trace(__FILE__, __LINE__, type);
-        expectLight(snippetOf(type), {}, references.at(type));
-    }
 }
 
 } // namespace

@@ -158,39 +158,54 @@ TEST_F(Sun, AgreesWithALongDoubleReference) {
     EXPECT_LE(largest, 4 * ulp);
 }
 
-const LightAnswers sun{
-    "Sun",
-    {{"Intensity",
-      "0.3",
-      {{"SunIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}}, // not the default 0.9
-     {"Specular",
-      "0.7",
-      {{"SunSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
-     // The strengths may be computed, but the sky must be held.
-     {"latitude",
-      "-20",
-      {{"SunDirection$$", "11: -0.92387953251129 -0.2705980500731 -0.2705980500731"}}, // 45 degrees
-      true},
-     {"timeofday",
-      "7.5",
-      {{"SunDirection$$", "11: -1.2246467991474e-16 0.34202014332567 -0.93969262078591"}}, // noon
-      true}},
-    {{"SunDirection$$", "11: -0.92387953251129 0.13088544238587 -0.3596047974905"},
-     {"SunIntensity$$", "13: 0.3 0.3 0.3 0.3"},
-     {"SunSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
-     {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
-     {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
-     {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
-     {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
-     {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
-     {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 1"},
-     {"glLightfv LIGHT2 POSITION", "0 0 1 0"}, // whatever the latitude and the time
-     {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"},
-     {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
-     {"glEnable LIGHT2", ""},
-     {"glEnable LIGHTING", ""}}};
-
-INSTANTIATE_TEST_SUITE_P(Sun, EveryLight, testing::Values(sun));
+const DeclaredLight sun({
+    .type = "Sun",
+    .parameters =
+        {{"Intensity",
+          "0.3",
+          {{"SunIntensity$$", "13: 1 1 1 1"},
+           {"glLightfv LIGHT2 DIFFUSE", "1 1 1 1"}}}, // not the default 0.9
+         {"Specular",
+          "0.7",
+          {{"SunSpecularIntensity$$", "13: 1 1 1 1"}, {"glLightfv LIGHT2 SPECULAR", "1 1 1 1"}}},
+         // The strengths may be computed, but the sky must be held.
+         {"latitude",
+          "-20",
+          {{"SunDirection$$", "11: -0.92387953251129 -0.2705980500731 -0.2705980500731"}}, // 45 degrees
+          true},
+         {"timeofday",
+          "7.5",
+          {{"SunDirection$$", "11: -1.2246467991474e-16 0.34202014332567 -0.93969262078591"}}, // noon
+          true}},
+    .answers = {{"SunDirection$$", "11: -0.92387953251129 0.13088544238587 -0.3596047974905"},
+                {"SunIntensity$$", "13: 0.3 0.3 0.3 0.3"},
+                {"SunSpecularIntensity$$", "13: 0.7 0.7 0.7 1"},
+                {"glLightf LIGHT2 CONSTANT_ATTENUATION", "1"},
+                {"glLightf LIGHT2 LINEAR_ATTENUATION", "0"},
+                {"glLightf LIGHT2 QUADRATIC_ATTENUATION", "0"},
+                {"glLightfv LIGHT2 DIFFUSE", "0.3 0.3 0.3 1"},
+                {"glLightfv LIGHT2 AMBIENT", "0 0 0 1"},
+                {"glLightfv LIGHT2 SPECULAR", "0.7 0.7 0.7 1"},
+                {"glLightfv LIGHT2 POSITION", "0 0 1 0"}, // whatever the latitude and the time
+                {"glLightfv LIGHT2 SPOT_DIRECTION", "0 0 -1 0"},
+                {"glLightf LIGHT2 SPOT_CUTOFF", "180"},
+                {"glEnable LIGHT2", ""},
+                {"glEnable LIGHTING", ""}},
+    .formula =
+        [](const glm::dvec3&) {
+            const double phi = glm::radians(-20.0), t = glm::radians(7.5 * 15);
+            return Lighting{{-std::sin(t), std::cos(t) * std::sin(phi), std::cos(t) * std::cos(phi)},
+                            glm::dvec3(0.3),
+                            glm::dvec3(0.7)};
+        },
+    .formula_as_declared =
+        [](const glm::dvec3&) {
+            return Lighting{{0, 0, -1}, glm::dvec3(1), glm::dvec3(1)};
+        },
+    .lighting = {{"timeofday", "10"}},
+    // In OpenGL it always stands in the zenith.
+    .agreements = {{{{"latitude", "0"}, {"Specular", "0"}}, 2}, {{{"latitude", "0"}, {"Specular", "1"}}, 4}},
+});
 
 TEST_F(Sun, NoStrengthLeavesTheOpenGLAlpha) {
     set("Intensity", "0");

@@ -104,21 +104,40 @@ TEST_F(Torch, DefaultsGiveTheirUniforms) {
     EXPECT_EQ(number(scale_distance), 1000);
 }
 
-/// No fixed-function light: the uniforms are all there is.
-const LightAnswers torch{"Torch",
-                         {{"intensity", "0.3", {{"TorchIntensity$$", "13: 1 1 1 1"}}}, // not the default 0.8
-                          {"specular", "0.7", {{"TorchSpecularIntensity$$", "13: 1 1 1 1"}}},
-                          {"elevation", "7.1", {{"TorchElevation$$", "11: 0 0 100"}}},
-                          {"scaleDistance", "20.3", {{"TorchScaleDistance$$", "2: 1000"}}},
-                          {"up", "1 0.5 0.25", {}}, // never read
-                          {"location", "3.1 -4.2 5.3", {{"TorchLocation$$", "10: 0 0 0"}}}},
-                         {{"TorchElevation$$", "11: 0 0 7.1"},
-                          {"TorchIntensity$$", "13: 0.3 0.3 0.3 1"},
-                          {"TorchLocation$$", "10: 3.1 -4.2 5.3"},
-                          {"TorchScaleDistance$$", "2: 20.3"},
-                          {"TorchSpecularIntensity$$", "13: 0.7 0.7 0.7 1"}}};
+/// OpenGL's form of the fall-off: constant 1, quadratic 1/s², of the inverse distance.
+Lighting lightOfATorch(const glm::dvec3& place, double scale, double strength, double specular_strength,
+                       const glm::dvec3& vertex) {
+    const glm::dvec3 way = vertex - place;
+    const double attenuation = 1 / (1 + glm::dot(way, way) / (scale * scale));
+    return {glm::normalize(way), glm::dvec3(strength * attenuation),
+            glm::dvec3(specular_strength * attenuation)};
+}
 
-INSTANTIATE_TEST_SUITE_P(Torch, EveryLight, testing::Values(torch));
+/// No fixed-function light: the uniforms are all there is.
+const DeclaredLight torch({
+    .type = "Torch",
+    .parameters = {{"intensity", "0.3", {{"TorchIntensity$$", "13: 1 1 1 1"}}}, // not the default 0.8
+                   {"specular", "0.7", {{"TorchSpecularIntensity$$", "13: 1 1 1 1"}}},
+                   {"elevation", "7.1", {{"TorchElevation$$", "11: 0 0 100"}}},
+                   {"scaleDistance", "20.3", {{"TorchScaleDistance$$", "2: 1000"}}},
+                   {"up", "1 0.5 0.25", {}}, // never read
+                   {"location", "3.1 -4.2 5.3", {{"TorchLocation$$", "10: 0 0 0"}}}},
+    .answers = {{"TorchElevation$$", "11: 0 0 7.1"},
+                {"TorchIntensity$$", "13: 0.3 0.3 0.3 1"},
+                {"TorchLocation$$", "10: 3.1 -4.2 5.3"},
+                {"TorchScaleDistance$$", "2: 20.3"},
+                {"TorchSpecularIntensity$$", "13: 0.7 0.7 0.7 1"}},
+    .formula =
+        [](const glm::dvec3& vertex) {
+            return lightOfATorch({3.1, -4.2, 5.3 + 7.1}, 20.3, 0.3, 0.7, vertex);
+        },
+    .formula_as_declared =
+        [](const glm::dvec3& vertex) {
+            return lightOfATorch({0, 0, 100}, 1000, 1, 1, vertex);
+        },
+    .lighting = {{"location", "0.2 0.55 0"}, {"elevation", "0.5"}, {"scaleDistance", "0.6"}},
+    .agreements = {}, // it has no OpenGL light
+});
 
 TEST_F(Torch, ElevationActsAlongZWhateverUpSays) {
     set("elevation", "7");

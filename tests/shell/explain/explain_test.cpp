@@ -65,19 +65,6 @@ protected:
         return korl::explain(shell, {width, height, path, pixel, view});
     }
 
-    /// The largest difference, in 255ths, between a pixel and the sum of what the lights are said to give it.
-    double differenceAt(RenderPath path, int x, int y) {
-        const Explanation explanation = explain(path, std::pair(x, y));
-        EXPECT_TRUE(explanation.pixel->surface) << x << "," << y << " shows no mesh";
-        double difference = 0;
-        for (int i = 0; i < 3; ++i) {
-            const double told = std::clamp(static_cast<double>(explanation.pixel->sum[i]), 0.0, 1.0) * 255;
-            difference =
-                std::max(difference, std::abs(told - explanation.pixel->color[static_cast<std::size_t>(i)]));
-        }
-        return difference;
-    }
-
     korl::Shell shell;
 };
 
@@ -86,49 +73,6 @@ std::vector<FindingKind> kindsOf(const LightExplanation& light) {
     for (const korl::Finding& finding : light.findings)
         kinds.push_back(finding.kind);
     return kinds;
-}
-
-/// Pixels inside the sphere, the column and the landscape of the built-in scene.
-const std::vector<std::pair<int, int>> inner_pixels{{112, 44}, {117, 49}, {76, 75}, {100, 90}};
-
-TEST_F(ExplainGLTest, ContributionsAddUpToThePixelOfEachType) {
-    useBuiltinScene();
-    const std::vector<std::pair<std::string, std::vector<std::pair<std::string, std::string>>>> lights{
-        {"AmbientLight", {{"Color", "0.2 0.4 0.6 1"}}},
-        {"DirectionalLight", {{"direction", "-0.6 -1 -0.8"}, {"color", "1 0.9 0.5 1"}}},
-        {"DistanceLight", {{"lightposition", "0.6 1 1"}}},
-        {"Sun", {{"timeofday", "10"}}},
-        {"Torch", {{"location", "0.2 0.55 0"}, {"elevation", "0.5"}, {"scaleDistance", "0.6"}}},
-        {"Headlight", {{"specular", "0.5"}}},
-    };
-    for (const auto& [type, parameters] : lights) {
-        add(type, "light", parameters);
-        for (const auto& [x, y] : inner_pixels)
-            EXPECT_LT(differenceAt(RenderPath::shader, x, y), 2.0) << type << " at " << x << "," << y;
-        shell.scene().remove("light");
-    }
-}
-
-TEST_F(ExplainGLTest, ContributionsOfManyLightsAddUp) {
-    useBuiltinScene();
-    add("AmbientLight", "fill", {{"Color", "0.1 0.1 0.2 1"}});
-    add("Sun", "sun", {{"timeofday", "9"}, {"Intensity", "0.3"}});
-    add("Torch", "torch", {{"elevation", "1"}, {"scaleDistance", "1"}, {"intensity", "0.3"}});
-    add("Headlight", "lamp", {{"intensity", "0.2"}});
-    for (const auto& [x, y] : inner_pixels)
-        EXPECT_LT(differenceAt(RenderPath::shader, x, y), 2.0) << x << "," << y;
-}
-
-TEST_F(ExplainGLTest, FixedPathAddsUpWhereTheMeshIsFine) {
-    useBuiltinScene();
-    for (const char* const type : {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Headlight"}) {
-        add(type, "light");
-        if (std::string(type) == "DistanceLight")
-            shell.scene().setParameterText("light", "lightposition", "0.6 1 1");
-        // OpenGL lights the corners and interpolates, so that highlights differ a little.
-        EXPECT_LT(differenceAt(RenderPath::fixed, 112, 44), 6.0) << type;
-        shell.scene().remove("light");
-    }
 }
 
 TEST_F(ExplainGLTest, AttenuationIsThatOfTheTorchsFormula) {

@@ -1,14 +1,19 @@
 // Lights that answer on both paths look alike on both: the mean difference of the pictures over the model.
 
+#include "every_light.hpp"
 #include "tests/support/gl_test.hpp"
-#include "tests/support/loaded_module.hpp"
 
 #include "shell/mesh/builtin_scene.hpp"
 #include "shell/render/renderer.hpp"
 
+#include <orvid/rgba_float.hpp>
+
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <string>
 #include <typeinfo>
+#include <vector>
 
 namespace {
 
@@ -48,65 +53,57 @@ protected:
     korl::test::LoadedModule module;
     korl::Scene scene;
     korl::View view;
-    korl::Renderer renderer{context()};
+    std::vector<std::string> reports;
+    korl::Renderer renderer{context(), [this](const std::string& report) { reports.push_back(report); }};
 };
 
-TEST_F(PathAgreementGLTest, AmbientLight) {
-    scene.create("AmbientLight");
-    EXPECT_LT(meanDifference(), 2);
-}
+class EveryLightsPathsGLTest : public PathAgreementGLTest,
+                               public testing::WithParamInterface<korl::test::LightDeclaration> {
+protected:
+    void add(const korl::test::Settings& settings) {
+        scene.create(GetParam().type, "light");
+        for (const auto& [parameter, value] : settings)
+            scene.setParameterText("light", parameter, value);
+    }
+};
 
-TEST_F(PathAgreementGLTest, DirectionalLightWithoutHighlights) {
-    scene.create("DirectionalLight", "d");
-    scene.setParameterText("d", "direction", "-1 -2 -2");
-    scene.setParameterText("d", "Specular", "0");
-    EXPECT_LT(meanDifference(), 2);
-}
-
-TEST_F(PathAgreementGLTest, DirectionalLightWithHighlights) {
-    scene.create("DirectionalLight", "d");
-    scene.setParameterText("d", "direction", "-1 -2 -2");
-    scene.setParameterText("d", "Specular", "1");
-    EXPECT_LT(meanDifference(), 4);
-}
-
-TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithoutHighlights) {
-    scene.create("Headlight", "h");
-    scene.setParameterText("h", "positionmv", "0 0 0");
-    scene.setParameterText("h", "specular", "0");
-    EXPECT_LT(meanDifference(), 2);
-}
-
-TEST_F(PathAgreementGLTest, HeadlightAtTheEyeWithHighlights) {
-    scene.create("Headlight", "h");
-    scene.setParameterText("h", "positionmv", "0 0 0");
-    EXPECT_LT(meanDifference(), 4);
-}
-
-TEST_F(PathAgreementGLTest, LightsInALoopGiveWhatThreeOfThemGiveUnrolled) {
-    for (const char* const type :
-         {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight"}) {
-        korl::Scene few, many;
-        for (korl::Scene* const each : {&few, &many}) {
-            for (korl::Mesh& mesh : korl::builtinScene())
-                each->addMesh(std::move(mesh));
-            for (int i = 0; i < 3; ++i)
-                each->create(type);
-        }
-        many.create(type, "dark"); // a fourth, which gives nothing
-        for (const auto& entry : many.object("dark").parameters()) {
-            const std::string& name = entry.parameter->Name();
-            if (name == "Color" || name == "color")
-                many.setParameterText("dark", name, "0 0 0 0");
-            else if (entry.parameter->type() == typeid(double))
-                many.setParameterText("dark", name, "0");
-        }
-        korl::View one, other;
-        EXPECT_EQ(renderer.render(few, one, {160, 120, RenderPath::shader}).pixels,
-                  renderer.render(many, other, {160, 120, RenderPath::shader}).pixels)
-            << type;
+TEST_P(EveryLightsPathsGLTest, AgreeWhereTheyAreMeantTo) {
+    for (const auto& [settings, max_difference] : GetParam().agreements) {
+        add(settings);
+        EXPECT_LT(meanDifference(), max_difference);
+        scene.remove("light");
     }
 }
+
+TEST_P(EveryLightsPathsGLTest, FixedPathSaysWhichTypesItDoesNotShow) {
+    add(GetParam().lighting);
+    renderer.render(scene, view, {32, 24, RenderPath::fixed});
+    const bool is_missing = std::any_of(reports.begin(), reports.end(), [](const std::string& report) {
+        return report.starts_with("light \"light\" adds nothing on the fixed-function path");
+    });
+    EXPECT_EQ(is_missing, !GetParam().hasOpenGLLight());
+}
+
+TEST_P(EveryLightsPathsGLTest, LightsInALoopGiveWhatThreeOfThemGiveUnrolled) {
+    korl::Scene few, many;
+    for (korl::Scene* const each : {&few, &many}) {
+        for (korl::Mesh& mesh : korl::builtinScene())
+            each->addMesh(std::move(mesh));
+        for (int i = 0; i < 3; ++i)
+            each->create(GetParam().type);
+    }
+    many.create(GetParam().type, "dark"); // a fourth, which gives nothing
+    for (const auto& entry : many.object("dark").parameters())
+        if (entry.parameter->type() == typeid(Orvid::rgba_float_t))
+            many.setParameterText("dark", entry.parameter->Name(), "0 0 0 0");
+        else if (entry.parameter->type() == typeid(double))
+            many.setParameterText("dark", entry.parameter->Name(), "0");
+    korl::View one, other;
+    EXPECT_EQ(renderer.render(few, one, {160, 120, RenderPath::shader}).pixels,
+              renderer.render(many, other, {160, 120, RenderPath::shader}).pixels);
+}
+
+FOR_EVERY_LIGHT(EveryLightsPathsGLTest);
 
 TEST_F(PathAgreementGLTest, HeadlightServesTwoContextsAtOnce) {
     scene.create("Headlight", "h");
@@ -132,15 +129,19 @@ TEST_F(PathAgreementGLTest, HeadlightServesTwoContextsAtOnce) {
 }
 
 TEST_F(PathAgreementGLTest, HundredObjectsOfEachTypeInTwoContextsGoWithTheModule) {
-    for (const char* const type :
-         {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight"})
+    std::size_t uniforms = 0;
+    for (const korl::test::LightDeclaration& light : korl::test::declaredLights()) {
+        uniforms += static_cast<std::size_t>(
+            std::count_if(light.answers.begin(), light.answers.end(),
+                          [](const auto& answer) { return answer.first.ends_with("$$"); }));
         for (int i = 0; i < 100; ++i)
-            scene.create(type);
+            scene.create(light.type);
+    }
     korl::View other;
     for (korl::View* const each : {&view, &other}) {
         for (const RenderPath path : {RenderPath::shader, RenderPath::fixed})
             renderer.render(scene, *each, {16, 16, path});
-        EXPECT_EQ(renderer.listUniforms(scene, *each).size(), 100u * (1 + 3 + 3 + 3 + 5 + 2));
+        EXPECT_EQ(renderer.listUniforms(scene, *each).size(), 100 * uniforms);
     }
     module.unload();
     EXPECT_FALSE(korl::test::LoadedModule::isInProcess());
