@@ -108,17 +108,17 @@ TEST_F(AddingALightGLTest, ModuleOfItsOwnIsBuiltListedAndRendered) {
 }
 
 #ifndef KORL_SANITIZED // the module's own sources are built with sanitizers for the tests of the module
-TEST_F(AddingALightGLTest, SeventhLightOfTheModuleIsOneFileAndOneLine) {
-    install();
-    const fs::path light = folder.path() / "navigation/light";
-    fs::create_directories(light);
-    for (const auto& entry : fs::directory_iterator(fs::path(PROJECT_SOURCE_DIR) / "navigation/light"))
-        if (entry.is_regular_file())
-            fs::copy_file(entry.path(), light / entry.path().filename());
-    follow("navigation/light/");
-    follow("tests/navigation/light/");
-    // In the place of this project's own build files, which would build all of it.
-    korl::test::writeBytes(folder.path() / "CMakeLists.txt", R"(
+class SeventhLightGLTest : public AddingALightGLTest {
+protected:
+    /// Builds the module with the light of the page, and the light's tests as a library.
+    void build() {
+        install();
+        fs::create_directories(folder / "navigation");
+        fs::copy(fs::path(PROJECT_SOURCE_DIR) / "navigation/light", folder / "navigation/light");
+        follow("navigation/light/");
+        follow("tests/navigation/light/");
+        // In the place of this project's own build files, which would build all of it.
+        korl::test::writeBytes(folder / "CMakeLists.txt", R"(
 cmake_minimum_required(VERSION 3.25)
 project(seven LANGUAGES CXX)
 find_package(korl REQUIRED)
@@ -127,21 +127,44 @@ find_package(Qt5Core REQUIRED)
 find_package(GTest REQUIRED)
 file(GLOB sources navigation/light/*.cpp)
 korl_module(tovek_light SOURCES ${sources} LINK OpenGL::OpenGL Qt5::Core)
-target_precompile_headers(tovek_light PRIVATE <doltra/shader_light_source.hpp> <palune/geometry_traits.hpp>)
+target_compile_options(tovek_light PRIVATE -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+target_compile_definitions(tovek_light PRIVATE QT_NO_VERSION_TAGGING)
+target_precompile_headers(tovek_light PRIVATE <doltra/shader_light.hpp> <palune/geometry_traits.hpp>)
 target_include_directories(tovek_light PRIVATE ${BUILT}/navigation/light)
-add_executable(lamp_test tests/navigation/light/lamp_test.cpp ${ORIGINAL}/tests/support/gl_recorder.cpp)
-target_include_directories(lamp_test PRIVATE ${ORIGINAL})
-target_link_libraries(lamp_test PRIVATE korl::doltra GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
-target_compile_definitions(lamp_test PRIVATE TOVEK_LIGHT_MODULE="$<TARGET_FILE:tovek_light>")
-set_target_properties(lamp_test PROPERTIES ENABLE_EXPORTS ON)
+# The tests that are built already take it in. They have GoogleTest in them.
+add_library(light_tests MODULE tests/navigation/light/lamp_test.cpp)
+set_target_properties(light_tests PROPERTIES PREFIX "" SUFFIX "")
+target_include_directories(light_tests PRIVATE
+    ${ORIGINAL} $<TARGET_PROPERTY:GTest::gtest,INTERFACE_INCLUDE_DIRECTORIES>)
+target_link_libraries(light_tests PRIVATE korl::doltra)
+target_compile_definitions(light_tests PRIVATE TOVEK_LIGHT_MODULE="$<TARGET_FILE:tovek_light>")
 )");
-    run("cmake -S . -B build -G Ninja -DCMAKE_PREFIX_PATH='" + installation +
-        "' -DORIGINAL='" PROJECT_SOURCE_DIR "' -DBUILT='" PROJECT_BINARY_DIR "'\ncmake --build build\n");
-    const std::string types = run("KORL_PLUGIN_PATH=build '" + installation + "/bin/korl' types\n");
-    for (const char* const type :
-         {"AmbientLight", "DirectionalLight", "DistanceLight", "Sun", "Torch", "Headlight", "Lamp"})
-        EXPECT_THAT(types, HasSubstr("\n" + std::string(type) + " "));
-    EXPECT_THAT(run("build/lamp_test\n"), HasSubstr("[  PASSED  ] 3 tests."));
+        run("cmake -S . -B build -G Ninja -DCMAKE_PREFIX_PATH='" + installation +
+            "' -DORIGINAL='" PROJECT_SOURCE_DIR "' -DBUILT='" PROJECT_BINARY_DIR "'\ncmake --build build\n");
+        fs::copy_file(folder / "navigation/light/load_order.inc", folder / "build/load_order.inc");
+    }
+
+    /// Runs tests of this project for that build. @returns what they print.
+    std::string test(const std::string& program, const std::string& filter = "*") {
+        return run("export KORL_TEST_MODULE_FOLDER=\"$PWD/build\" KORL_PLUGIN_PATH=\"$PWD/build\"\n'" +
+                   program + "' --gtest_brief=1 --gtest_filter='" + filter + "'\n");
+    }
+};
+
+TEST_F(SeventhLightGLTest, PassesEveryTestWithOneFileOneLineAndOneTest) {
+    build();
+    EXPECT_THAT(test(LIGHT_TEST), HasSubstr("[  PASSED  ]"));
+    EXPECT_THAT(run("KORL_TEST_MODULE_FOLDER=build '" LIGHT_TEST "' --gtest_list_tests\n"),
+                testing::AllOf(HasSubstr("\nLamp."), HasSubstr("/Lamp ")));
+    test(ORDER_TEST);
+    test(STEADY_FRAME_TEST);
+    test(PROGRAM_TEST, "KorlProgram.*:BadInput.*:PrintedTextTest.Messages*:ShadowedTypes.*");
+    test(GALLERY_TEST, "GalleryGLTest.*");
+    test(ROUND_TRIP_TEST);
+    run("export KORL_PLUGIN_PATH=\"$PWD/build\" PYTHONPATH='" PYTHON_PACKAGE "' PYTHONDONTWRITEBYTECODE=1 "
+        "KORL_PROGRAM='" KORL_PROGRAM "' KORL_README='" PROJECT_SOURCE_DIR "/README.md'\n"
+        "for test in objects documents; do " PYTHON " '" PROJECT_SOURCE_DIR
+        "'/tests/shell/python/test_$test.py; done\n");
 }
 #endif
 
