@@ -66,6 +66,8 @@ void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec
 
 glm::dvec3 pointIn(const Qelt::VObject& light, const char* name) {
     const std::vector<double> read = numbersOf(light.findParameter(name)->globalValue());
+    if (read.size() != 3)
+        throw InvalidValue("cannot aim " + inQuotes(light.Name()) + ": its " + name + " cannot be read");
     return {read[0], read[1], read[2]};
 }
 

@@ -168,10 +168,10 @@ void Scene::setParameter(const std::string& object_name, const std::string& para
         refuse(valueForm(changed.type()));
     if (!isFinite(value))
         refuse("finite numbers");
-    if (view_name.empty())
-        changed.setGlobalValue(value);
-    else
+    if (!view_name.empty())
         view(view_name)->createVariable(changed, value.clone());
+    else if (!changed.setGlobalValue(value))
+        refuse(valueForm(changed.type()));
 }
 
 void Scene::setParameterText(const std::string& object_name, const std::string& parameter_name,

@@ -6,12 +6,12 @@
 // with one of `trial_heaps` and the number of its own process, and reads what became of it from the file
 // that is its `shared_descriptor` (see `trial_words`).
 
-#include <shell/base/caught_exception.hpp>
-#include <shell/base/child_process.hpp>
-#include <shell/base/end_with_parent.hpp>
-#include <shell/base/error.hpp>
-#include <shell/plugins/plugin_handle.hpp>
-#include <shell/plugins/plugin_trial.hpp>
+#include "shell/base/caught_exception.hpp"
+#include "shell/base/child_process.hpp"
+#include "shell/base/end_with_parent.hpp"
+#include "shell/base/error.hpp"
+#include "shell/plugins/plugin_handle.hpp"
+#include "shell/plugins/plugin_trial.hpp"
 
 #include <algorithm>
 #include <csignal>
@@ -22,7 +22,6 @@
 #include <exception>
 #include <fstream>
 #include <link.h>
-#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -116,14 +115,14 @@ public:
                 my_pieces.push_back(newPiece(size));
         for (std::size_t i = 0; i < my_pieces.size(); ++i)
             if ((i + i / 32) % 2 == 0)
-                my_pieces[i].reset();
+                my_pieces[i].bytes.reset();
     }
 
     /// Whether nobody has written into the pieces that are in use.
     bool isIntact() const {
         return std::all_of(my_pieces.begin(), my_pieces.end(), [](const Piece& piece) {
-            return !piece || std::all_of(piece.get(), piece.get() + ::malloc_usable_size(piece.get()),
-                                         [](unsigned char byte) { return byte == filling; });
+            return !piece.bytes || std::all_of(piece.bytes.get(), piece.bytes.get() + piece.size,
+                                               [](unsigned char byte) { return byte == filling; });
         });
     }
 
@@ -131,14 +130,18 @@ private:
     struct Free {
         void operator()(unsigned char* piece) const noexcept { std::free(piece); }
     };
-    using Piece = std::unique_ptr<unsigned char, Free>;
+    struct Piece {
+        std::unique_ptr<unsigned char, Free> bytes;
+        std::size_t size;
+    };
     static constexpr unsigned char filling = 0xa5;
 
     static Piece newPiece(std::size_t size) {
-        auto* const piece = static_cast<unsigned char*>(std::malloc(size));
-        if (piece)
-            std::memset(piece, filling, ::malloc_usable_size(piece));
-        return Piece(piece);
+        Piece piece{std::unique_ptr<unsigned char, Free>(static_cast<unsigned char*>(std::malloc(size))),
+                    size};
+        if (piece.bytes)
+            std::memset(piece.bytes.get(), filling, size);
+        return piece;
     }
 
     std::vector<Piece> my_pieces;

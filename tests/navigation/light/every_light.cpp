@@ -1,5 +1,6 @@
 #include "every_light.hpp"
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <filesystem>
 #include <stdexcept>
