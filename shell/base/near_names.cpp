@@ -37,14 +37,14 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 std::string nearNames(std::string_view asked, const std::vector<std::string>& known, std::string_view none) {
     if (known.empty())
         return std::string(none);
-    constexpr std::size_t longest_list = 20;
+    constexpr std::size_t max_listed = 20;
     std::string list = "here are: ";
     const std::string* nearest = nullptr;
     // Nobody types such a long word; guessing what was meant would take too long.
-    constexpr std::size_t longest_word = 100;
-    std::size_t least = asked.size() > longest_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
+    constexpr std::size_t max_word = 100;
+    std::size_t least = asked.size() > max_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {
-        if (i < longest_list)
+        if (i < max_listed)
             list += (i == 0 ? "" : ", ") + printable(known[i]);
         if (known[i].size() >= asked.size() + least || asked.size() >= known[i].size() + least)
             continue;
@@ -53,8 +53,7 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
             nearest = &known[i];
         }
     }
-    list +=
-        known.size() > longest_list ? ", and " + std::to_string(known.size() - longest_list) + " more." : ".";
+    list += known.size() > max_listed ? ", and " + std::to_string(known.size() - max_listed) + " more." : ".";
     return nearest ? "did you mean " + inQuotes(*nearest) + "? T" + list : "t" + list;
 }
 

@@ -1,6 +1,6 @@
-#include <shell/plugins/elf_file.hpp>
+#include "shell/plugins/elf_file.hpp"
 
-#include <shell/plugins/plugin_error.hpp>
+#include "shell/plugins/plugin_error.hpp"
 
 #include <algorithm>
 #include <cerrno>

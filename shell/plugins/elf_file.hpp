@@ -1,6 +1,6 @@
 #pragma once
 
-#include <shell/base/descriptor.hpp>
+#include "shell/base/descriptor.hpp"
 
 #include <cstddef>
 #include <filesystem>

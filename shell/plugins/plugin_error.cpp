@@ -1,4 +1,4 @@
-#include <shell/plugins/plugin_error.hpp>
+#include "shell/plugins/plugin_error.hpp"
 
 #include "shell/base/printable.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <shell/base/error.hpp>
+#include "shell/base/error.hpp"
 
 #include <filesystem>
 #include <string_view>

@@ -1,10 +1,10 @@
-#include <shell/plugins/plugin_handle.hpp>
+#include "shell/plugins/plugin_handle.hpp"
 
-#include <shell/base/caught_exception.hpp>
-#include <shell/base/loaded_modules.hpp>
-#include <shell/base/module_call.hpp>
-#include <shell/base/printable.hpp>
-#include <shell/plugins/plugin_error.hpp>
+#include "shell/base/caught_exception.hpp"
+#include "shell/base/loaded_modules.hpp"
+#include "shell/base/module_call.hpp"
+#include "shell/base/printable.hpp"
+#include "shell/plugins/plugin_error.hpp"
 
 #include <sorvik/initialization.hpp>
 #include <sorvik/vprintf.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <shell/plugins/plugin_inspection.hpp>
+#include "shell/plugins/plugin_inspection.hpp"
 
 #include <memory>
 #include <string>

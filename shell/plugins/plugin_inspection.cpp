@@ -1,7 +1,7 @@
-#include <shell/plugins/plugin_inspection.hpp>
+#include "shell/plugins/plugin_inspection.hpp"
 
-#include <shell/plugins/elf_file.hpp>
-#include <shell/plugins/plugin_error.hpp>
+#include "shell/plugins/elf_file.hpp"
+#include "shell/plugins/plugin_error.hpp"
 
 #include <sorvik/initialization.hpp>
 

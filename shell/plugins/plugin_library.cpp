@@ -1,9 +1,9 @@
-#include <shell/plugins/plugin_library.hpp>
+#include "shell/plugins/plugin_library.hpp"
 
-#include <shell/base/module_call.hpp>
-#include <shell/base/own_programs.hpp>
-#include <shell/plugins/plugin_error.hpp>
-#include <shell/plugins/plugin_trial.hpp>
+#include "shell/base/module_call.hpp"
+#include "shell/base/own_programs.hpp"
+#include "shell/plugins/plugin_error.hpp"
+#include "shell/plugins/plugin_trial.hpp"
 
 #include <sorvik/initialization.hpp>
 #include <sorvik/vprintf.hpp>

@@ -1,9 +1,9 @@
-#include <shell/plugins/plugin_trial.hpp>
+#include "shell/plugins/plugin_trial.hpp"
 
-#include <shell/base/child_process.hpp>
-#include <shell/base/own_programs.hpp>
-#include <shell/base/written_text.hpp>
-#include <shell/plugins/plugin_error.hpp>
+#include "shell/base/child_process.hpp"
+#include "shell/base/own_programs.hpp"
+#include "shell/base/written_text.hpp"
+#include "shell/plugins/plugin_error.hpp"
 
 #include <optional>
 #include <set>

@@ -3,7 +3,7 @@
 #include "tests/support/error_of.hpp"
 #include "tests/support/temporary_folder.hpp"
 
-#include <shell/base/error.hpp>
+#include "shell/base/error.hpp"
 
 #include <filesystem>
 #include <string>

@@ -1,4 +1,4 @@
-#include <shell/plugins/plugin_inspection.hpp>
+#include "shell/plugins/plugin_inspection.hpp"
 
 #include "plugin_files.hpp"
 

@@ -1,4 +1,4 @@
-#include <shell/plugins/plugin_library.hpp>
+#include "shell/plugins/plugin_library.hpp"
 
 #include "plugin_files.hpp"
 

@@ -1,4 +1,4 @@
-#include <shell/plugins/plugin_search_path.hpp>
+#include "shell/plugins/plugin_search_path.hpp"
 
 #include "plugin_files.hpp"
 

@@ -1,6 +1,6 @@
-#include <shell/base/module_call.hpp>
-#include <shell/plugins/plugin_library.hpp>
-#include <shell/plugins/plugin_trial.hpp>
+#include "shell/base/module_call.hpp"
+#include "shell/plugins/plugin_library.hpp"
+#include "shell/plugins/plugin_trial.hpp"
 
 #include "plugin_files.hpp"
 
