@@ -1,6 +1,7 @@
 #include "shell/render/gl_state.hpp"
 
 #include <array>
+#include <initializer_list>
 
 namespace korl {
 
@@ -120,12 +121,15 @@ void setReadingState() {
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     for (const GLenum zero :
-         {GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST, GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS})
+         std::initializer_list<GLenum>{GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST, GL_PACK_ROW_LENGTH,
+                                       GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS})
         glPixelStorei(zero, 0);
     glPixelTransferi(GL_MAP_COLOR, GL_FALSE);
-    for (const GLenum scale : {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE})
+    for (const GLenum scale :
+         std::initializer_list<GLenum>{GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE})
         glPixelTransferf(scale, 1);
-    for (const GLenum bias : {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS})
+    for (const GLenum bias :
+         std::initializer_list<GLenum>{GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS})
         glPixelTransferf(bias, 0);
     // Without this a compatibility context may clamp floats to 0..1 on the way out.
     glClampColor(GL_CLAMP_READ_COLOR, GL_FALSE);
