@@ -13,8 +13,7 @@ class Scene;
 /// scene, the values, the size and the path that it was made with.
 inline constexpr const char* frame_stamp_keyword = "Korl-Frame";
 
-/// The stamp in a frame's file. Empty where there is no such file, where it has none, and where it is not
-/// whole.
+/// The stamp in a frame's file; empty for a file that is missing, has no stamp, or is incomplete.
 std::string frameStamp(const std::filesystem::path& png_file);
 
 /// A checksum of 32 bits (CRC-32), the same in every process.

@@ -39,7 +39,7 @@ public:
     };
 
     /// Opens the file for reading. Throws Error where it can't be opened, is not a regular file, is empty or
-    /// is no ELF file, and where its first header can't be read.
+    /// is not an ELF file, and where its first header can't be read.
     explicit ElfFile(const std::filesystem::path& file);
 
     Architecture architecture() const;

@@ -90,8 +90,7 @@ private:
     std::uint64_t my_latest = 0;                     ///< the number of the object created last
     std::map<std::string, std::vector<std::string>> my_unresolved_names; ///< by type
     struct Rollback;
-    std::unique_ptr<Rollback>
-        my_rollback; ///< what to come back to; nothing when there is no need to any more
+    std::unique_ptr<Rollback> my_rollback; ///< what to restore if reading fails; null once it has succeeded
 };
 
 } // namespace korl

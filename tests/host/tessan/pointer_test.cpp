@@ -122,7 +122,7 @@ TEST(StrongPtr, EveryPointerTakesTheNextSerialAsItIsMade) {
 TEST(StrongPtr, DereferencingNothingIsReported) {
     RecordedReports recorded;
     const StrongPtr<Thing> empty, none(static_cast<Thing*>(nullptr));
-    EXPECT_EQ(empty.get(), nullptr); // asking is no misuse
+    EXPECT_EQ(empty.get(), nullptr); // asking is not an error
     EXPECT_FALSE(none);
     EXPECT_THAT(recorded.places, IsEmpty());
     EXPECT_EQ(empty.operator->(), nullptr);

@@ -29,7 +29,7 @@ TEST(WeakPtr, SeesTheObjectGo) {
     EXPECT_FALSE(weak);
     EXPECT_EQ(weak.get(), nullptr);
     EXPECT_FALSE(weak.lock());
-    EXPECT_THAT(recorded.places, IsEmpty()); // asking is no misuse
+    EXPECT_THAT(recorded.places, IsEmpty()); // asking is not an error
     EXPECT_EQ(weak.operator->(), nullptr);
     EXPECT_THAT(recorded.places, ElementsAre("InvalidWeakPtr"));
     EXPECT_THAT(recorded.messages,
