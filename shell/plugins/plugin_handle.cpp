@@ -37,7 +37,8 @@ private:
 /// Part of the stack, filled with what can be no pointer.
 ///
 /// Damaged code may read below its own frame what others left there, or above it what they hold. Around the
-/// loader it is to find the same in the process that tries a module as in the one that loads it.
+/// loader it is to find the same in the process that tries a module as in the one that loads it. It begins on
+/// a page, because what the loader itself leaves where depends on how its frame is aligned.
 class LevelStack {
 public:
     LevelStack() noexcept {
@@ -46,7 +47,7 @@ public:
     }
 
 private:
-    volatile unsigned char my_bytes[64 * 1024];
+    alignas(4096) volatile unsigned char my_bytes[64 * 1024];
 };
 
 [[gnu::noinline]] void levelStackBelow() noexcept {
