@@ -21,7 +21,7 @@ public:
     VRenderContext& operator=(const VRenderContext&) = delete;
     virtual ~VRenderContext();
 
-    ValuePool& pool() const noexcept { return *my_pool.get(); }
+    ValuePool& pool() const noexcept { return *my_pool; }
 
     /// The number of the OpenGL light that is next to be set up, from 1: it stands for `GL_LIGHT0` + number
     /// − 1.

@@ -17,8 +17,7 @@ public:
     using ShaderLightSource::ShaderLightSource;
 
     void illuminate(const VRenderContext& context) const override {
-        context.enableLightSource(
-            static_cast<const LightState&>(*myState(context.pool()).get()).lightSource());
+        context.enableLightSource(static_cast<const LightState&>(*myState(context.pool())).lightSource());
     }
 };
 

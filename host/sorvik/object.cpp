@@ -108,7 +108,7 @@ bool VObject::request(VRequest& request, double time) {
 
 void VObject::iterateOutputs(const std::function<void(VParameter&)>& visit) const {
     for (const Entry& entry : parameters())
-        visit(*entry.parameter.get());
+        visit(*entry.parameter);
 }
 
 AcceptList VObject::getAcceptInfoList(const VObject& offered) const {

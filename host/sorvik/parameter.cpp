@@ -73,7 +73,7 @@ bool VParameter::setGlobalValue(const VValueBase& value) {
 
 bool VParameter::setGlobalValueFromText(const std::string& text) {
     const auto value = my_default->clone();
-    return value->setValueFromText(text) && setGlobalValue(*value.get());
+    return value->setValueFromText(text) && setGlobalValue(*value);
 }
 
 bool VParameter::setSource(const Tessan::StrongPtr<VParameter>& source) {

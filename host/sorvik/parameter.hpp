@@ -36,10 +36,10 @@ public:
     const std::type_info& type() const noexcept { return my_default->type(); }
 
     /// The value that the parameter had before anything was set.
-    const VValueBase& DefaultValue() const noexcept { return *my_default.get(); }
+    const VValueBase& DefaultValue() const noexcept { return *my_default; }
 
     /// The value that holds in every context that has none of its own.
-    const VValueBase& globalValue() const noexcept { return *my_value.get(); }
+    const VValueBase& globalValue() const noexcept { return *my_value; }
 
     /// Says which object the parameter belongs to.
     void setCreator(VObject* object) noexcept;

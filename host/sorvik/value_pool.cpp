@@ -39,7 +39,7 @@ ValuePool::~ValuePool() {
 VValueBase& ValuePool::createVariable(const VParameter& parameter, Tessan::StrongPtr<VValueBase> value) {
     if (!value)
         throw std::invalid_argument("ValuePool::createVariable: a variable needs a value, none was given");
-    VValueBase& variable = *value.get();
+    VValueBase& variable = *value;
     if (VValueBase* const former = my_variables.getValue(parameter); former && former != &variable)
         variable.replace(*former);
     my_variables.setValue(parameter, std::move(value));

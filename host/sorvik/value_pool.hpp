@@ -80,7 +80,7 @@ public:
     virtual ~VRequest();
 
     /// The pool of the context that asks.
-    ValuePool& pool() const noexcept { return *my_pool.get(); }
+    ValuePool& pool() const noexcept { return *my_pool; }
 
 private:
     Tessan::StrongPtr<ValuePool> my_pool;

@@ -113,7 +113,7 @@ private:
     }
 
     const StrongPtr<MyLightSource>& lightSource(ValuePool& pool) const {
-        return static_cast<const LightState&>(*myState(pool).get()).light_source;
+        return static_cast<const LightState&>(*myState(pool)).light_source;
     }
 
     TypedSlot<rgba_float_t> my_color{this, color_name, color_default, color_expert_level};

@@ -51,7 +51,7 @@ void validateEnd(const std::string& name, const Qelt::VParameter& parameter, con
     if (numberCount(parameter.type()) == 0 || !value->setValueFromText(text))
         throw Error("cannot vary " + inQuotes(name) + ": it takes " + valueForm(parameter.type()) +
                     ", found " + inQuotes(text));
-    if (!isFinite(*value.get()))
+    if (!isFinite(*value))
         throw Error("cannot vary " + inQuotes(name) + ": it takes finite numbers, found " + inQuotes(text));
 }
 
@@ -121,7 +121,7 @@ Variation parseVariation(const std::string& text) {
 Variation sunTime(const Scene& scene, const std::string& hours) {
     const auto& objects = scene.objects();
     const auto sun = std::find_if(objects.begin(), objects.end(),
-                                  [](const auto& object) { return hasSolarTime(*object.get()); });
+                                  [](const auto& object) { return hasSolarTime(*object); });
     if (sun == objects.end())
         throw Error("the time of the sun cannot be varied: the scene has no Sun; add one");
     Variation variation{(*sun)->Name(), sun_parameter, "", ""};

@@ -36,7 +36,7 @@ std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object) {
     const bool is_own = creator && moduleOf(*creator) == own_module;
     std::vector<ParameterInfo> described;
     for (const auto& [held, expert_level] : object.parameters()) {
-        const Qelt::VParameter& parameter = *held.get();
+        const Qelt::VParameter& parameter = *held;
         const ParameterNote note = is_own ? noteOn(creator->Name(), parameter.Name()) : ParameterNote();
         described.push_back({parameter.Name(), valueKind(parameter.type()), parameter.DefaultValue().Text(),
                              propertyText(parameter, "min"), propertyText(parameter, "max"),
@@ -58,7 +58,7 @@ std::vector<TypeInfo> knownTypes() {
         const Tessan::StrongPtr<Qelt::VObject> sample =
             ModuleCall(*creator, "creation").run([&] { return creator->create({}); });
         types.push_back({name, creator->properties().text(Kind::category),
-                         creator->properties().text(Kind::description), parametersOf(*sample.get())});
+                         creator->properties().text(Kind::description), parametersOf(*sample)});
     }
     return types;
 }

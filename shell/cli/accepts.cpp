@@ -27,7 +27,7 @@ void listAccepted(Shell& shell, const std::string& type) {
     std::vector<std::vector<std::string>> rows{{"VALUE", "INPUTS", "OFFERED"}};
     std::vector<const std::type_info*> kinds;
     for (const auto& entry : sample.parameters()) {
-        const Qelt::VParameter& parameter = *entry.parameter.get();
+        const Qelt::VParameter& parameter = *entry.parameter;
         const auto same = [&](const std::type_info* kind) { return *kind == parameter.type(); };
         if (std::any_of(kinds.begin(), kinds.end(), same))
             continue;

@@ -69,7 +69,7 @@ std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
         if (with_file && creator.Name().find('/') != std::string::npos)
             throw Error("a name with \"/\" cannot be that of its icon's file");
         const auto object = ModuleCall(creator, "creation").run([&] { return creator.create(""); });
-        return iconOf(*object.get(), with_file);
+        return iconOf(*object, with_file);
     } catch (const std::exception& error) {
         note(type + error.what());
     }

@@ -170,15 +170,15 @@ void explainLights(const LitScene& at, Explanation& explanation) {
     const FixedLights fixed = setUpFixedLights(at);
     const bool on_fixed = at.path == RenderPath::fixed;
     for (const auto& object : at.scene.objects()) {
-        if (!isLight(*object.get()))
+        if (!isLight(*object))
             continue;
         LightExplanation light;
         light.name = object->Name();
-        light.type = object->creator() ? typeName(*object->creator().get()) : "";
+        light.type = object->creator() ? typeName(*object->creator()) : "";
         const auto member = std::find_if(at.view.members().begin(), at.view.members().end(),
                                          [&](const auto& one) { return one.object == object.get(); });
         if (member == at.view.members().end()) {
-            addDisabled(light, at.scene, *object.get());
+            addDisabled(light, at.scene, *object);
             explanation.lights.push_back(std::move(light));
             continue;
         }
@@ -195,7 +195,7 @@ void explainLights(const LitScene& at, Explanation& explanation) {
             nameBadUniforms(light, source);
             noteUniforms(light, source);
         }
-        nameZeroParameters(light, *object.get(), at.view.pool());
+        nameZeroParameters(light, *object, at.view.pool());
         std::stable_sort(light.findings.begin(), light.findings.end(), [](const auto& a, const auto& b) {
             return a.is_cause != b.is_cause ? a.is_cause : a.kind < b.kind;
         });

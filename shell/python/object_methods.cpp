@@ -66,7 +66,7 @@ void setValue(Shell& shell, const Handle& object, const std::string& name, const
     if (!made)
         throw InvalidValue(inQuotes(owner + "." + name) + " takes another count of numbers than " +
                            std::to_string(numbers.size()));
-    scene.setParameter(owner, name, *made.get(), view);
+    scene.setParameter(owner, name, *made, view);
 }
 
 std::optional<std::pair<Handle, std::string>> sourceOf(Shell& shell, const Handle& object,
@@ -90,7 +90,7 @@ std::string typeOf(const Qelt::VObject& object) {
 std::vector<std::pair<Handle, std::string>> objects(Shell& shell) {
     std::vector<std::pair<Handle, std::string>> listed;
     for (const auto& object : shell.scene().objects())
-        listed.emplace_back(handleOf(*object.get()), typeOf(*object.get()));
+        listed.emplace_back(handleOf(*object), typeOf(*object));
     return listed;
 }
 

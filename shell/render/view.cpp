@@ -20,7 +20,7 @@ void View::gatherMembers(const Scene& scene) {
     my_members.clear();
     for (const auto& object : scene.objects())
         if (auto* const renderable = dynamic_cast<Qelt::RenderAble*>(object.get());
-            renderable && scene.isEnabled(*object.get()))
+            renderable && scene.isEnabled(*object))
             my_members.push_back(
                 {renderable, dynamic_cast<const Qelt::ShaderLightSource*>(renderable), 0, 0});
     std::stable_sort(my_members.begin(), my_members.end(), [](const Member& a, const Member& b) {

@@ -79,7 +79,7 @@ VObject& Scene::create(const std::string& type, const std::string& name) {
     my_objects.push_back(object);
     my_objects_by_name.insert_or_assign(object->Name(), object);
     my_revision = nextRevision();
-    return *object.get();
+    return *object;
 }
 
 VObject* Scene::find(const std::string& name) const {
@@ -181,14 +181,14 @@ void Scene::setParameterText(const std::string& object_name, const std::string& 
     const StrongPtr<Qelt::VValueBase> value = call.run([&] { return changed.DefaultValue().clone(); });
     if (!call.run([&] { return value->setValueFromText(text); }))
         refuseValue(object_name, changed, view_name, valueForm(changed.type()), text);
-    setParameter(object_name, parameter_name, *value.get(), view_name);
+    setParameter(object_name, parameter_name, *value, view_name);
 }
 
 void Scene::refuseValue(const std::string& object_name, const VParameter& changed,
                         const std::string& view_name, const std::string& expected,
                         const std::string& found) const {
     const Qelt::VValueBase* const kept =
-        view_name.empty() ? &changed.globalValue() : changed.getLocalValue(*view(view_name).get());
+        view_name.empty() ? &changed.globalValue() : changed.getLocalValue(*view(view_name));
     throw InvalidValue(inQuotes(object_name + "." + changed.Name()) + " takes " + expected + ", found " +
                        inQuotes(found) + (kept ? "; it keeps " + inQuotes(kept->Text()) : ""));
 }
@@ -272,7 +272,7 @@ const std::vector<StrongPtr<VObject>>& Scene::objects() const {
 bool Scene::hasLight() const {
     const auto& living = objects();
     return std::any_of(living.begin(), living.end(),
-                       [](const StrongPtr<VObject>& object) { return isLight(*object.get()); });
+                       [](const StrongPtr<VObject>& object) { return isLight(*object); });
 }
 
 unsigned long Scene::revision() const {

@@ -13,7 +13,7 @@ namespace {
 void removeLights(Scene& scene) {
     std::vector<std::string> lights;
     for (const auto& object : scene.objects())
-        if (isLight(*object.get()))
+        if (isLight(*object))
             lights.push_back(object->Name());
     for (const std::string& light : lights)
         scene.remove(light);

@@ -98,9 +98,9 @@ public:
         for (const auto& [name, ignored] : my_scene.views())
             line(variable("view " + name, name) + " = shell.add_view(" + quoted(name) + ")");
         for (const auto& object : my_scene.objects())
-            create(*object.get());
+            create(*object);
         for (const auto& object : my_scene.objects())
-            follow(*object.get());
+            follow(*object);
         for (const UnresolvedObjects::Object& kept : my_scene.unresolved().objects())
             line("# " + quoted(kept.name) + " is left out: no loaded module has the type " +
                  quoted(kept.type));
@@ -147,11 +147,11 @@ private:
         std::string arguments = quoted(creator ? typeName(*creator) : "") + ", " + quoted(object.Name());
         std::vector<std::string> settings;
         for (const auto& [parameter, ignored] : object.parameters()) {
-            const auto saved = savedValue(object, *parameter.get());
+            const auto saved = savedValue(object, *parameter);
             if (saved && isIdentifier(parameter->Name()))
                 arguments += ", " + parameter->Name() + "=" + python(*saved);
             else if (saved)
-                settings.push_back(own + item(*parameter.get()) + " = " + python(*saved));
+                settings.push_back(own + item(*parameter) + " = " + python(*saved));
         }
         line(own + " = shell.create(" + arguments + ")");
         for (const std::string& setting : settings)
@@ -160,7 +160,7 @@ private:
             line(own + ".enabled = False");
         for (const auto& [view, pool] : my_scene.views())
             for (const auto& [parameter, ignored] : object.parameters())
-                if (const auto value = savedValue(object, *parameter.get(), *pool.get()))
+                if (const auto value = savedValue(object, *parameter, *pool))
                     line(own + ".set(" + quoted(parameter->Name()) + ", " + python(*value) +
                          ", view=" + my_variables.at("view " + view) + ")");
     }
@@ -170,8 +170,7 @@ private:
             const VParameter* const source = parameter->source();
             const VObject* const owner = source ? source->creator() : nullptr;
             if (owner && my_scene.find(owner->Name()) == owner)
-                line(nameOf(object) + item(*parameter.get()) + ".follow(" + nameOf(*owner) + item(*source) +
-                     ")");
+                line(nameOf(object) + item(*parameter) + ".follow(" + nameOf(*owner) + item(*source) + ")");
         }
     }
 

@@ -92,9 +92,9 @@ bool SceneWriter::takes(const VObject& object) const {
 
 bool SceneWriter::hasLightValues(const Qelt::ValuePool& view) const {
     for (const auto& object : my_scene.objects())
-        if (isLight(*object.get()))
+        if (isLight(*object))
             for (const auto& [parameter, ignored] : object->parameters())
-                if (view.ownsVariable(*parameter.get()))
+                if (view.ownsVariable(*parameter))
                     return true;
     return false;
 }
@@ -113,7 +113,7 @@ std::string SceneWriter::text() const {
         members.emplace_back("camera", cameraJson(*my_scene.camera));
     std::vector<std::string> views;
     for (const Scene::NamedView& view : my_scene.views())
-        if (whole || hasLightValues(*view.second.get()))
+        if (whole || hasLightValues(*view.second))
             views.push_back(jsonQuoted(view.first));
     addList("views", views);
     const VObject* const alone = my_scene.soloLight();
@@ -130,8 +130,7 @@ std::string SceneWriter::text() const {
 std::vector<std::string> SceneWriter::plugins() const {
     std::map<const Qelt::VCreatorBase*, std::string> modules;
     for (const auto& object : my_scene.objects())
-        if (const Qelt::VCreatorBase* const creator = object->creator().get();
-            creator && takes(*object.get()))
+        if (const Qelt::VCreatorBase* const creator = object->creator().get(); creator && takes(*object))
             if (const auto [entry, is_new] = modules.try_emplace(creator); is_new)
                 entry->second = moduleOf(*creator);
     std::set<std::string> names;
@@ -157,8 +156,8 @@ std::vector<std::string> SceneWriter::objects() const {
     };
     for (const auto& held : my_scene.objects()) {
         addKeptBefore(held->number());
-        if (takes(*held.get()))
-            list.push_back(object(*held.get()));
+        if (takes(*held))
+            list.push_back(object(*held));
     }
     addKeptBefore(UINT64_MAX);
     return list;
@@ -172,8 +171,8 @@ std::string SceneWriter::object(const VObject& object) const {
         members.emplace_back("muted", "true");
     Members parameters;
     for (const auto& [parameter, ignored] : object.parameters())
-        if (const auto text = savedValue(object, *parameter.get()))
-            parameters.emplace_back(parameter->Name(), valueJson(*parameter.get(), *text));
+        if (const auto text = savedValue(object, *parameter))
+            parameters.emplace_back(parameter->Name(), valueJson(*parameter, *text));
     if (!parameters.empty())
         members.emplace_back("parameters", jsonObject(parameters, object_indent + 2));
     if (const Members list = connections(object); !list.empty())
@@ -182,8 +181,8 @@ std::string SceneWriter::object(const VObject& object) const {
     for (const auto& [name, pool] : my_scene.views()) {
         Members values;
         for (const auto& [parameter, ignored] : object.parameters())
-            if (const auto text = savedValue(object, *parameter.get(), *pool.get()))
-                values.emplace_back(parameter->Name(), valueJson(*parameter.get(), *text));
+            if (const auto text = savedValue(object, *parameter, *pool))
+                values.emplace_back(parameter->Name(), valueJson(*parameter, *text));
         if (!values.empty())
             views.emplace_back(name, jsonObject(values, object_indent + 4));
     }
@@ -203,10 +202,10 @@ SceneWriter::Members SceneWriter::connections(const VObject& object) const {
         const VParameter* const source = parameter->source();
         const VObject* const owner = source ? source->creator() : nullptr;
         if (owner && my_scene.find(owner->Name()) == owner && takes(*owner))
-            add(*parameter.get(), owner->Name(), source->Name());
+            add(*parameter, owner->Name(), source->Name());
         else if (const auto* const kept = my_scene.unresolved().sourceOf(object.number(), parameter->Name());
                  kept && my_part == Part::everything)
-            add(*parameter.get(), kept->object, kept->parameter);
+            add(*parameter, kept->object, kept->parameter);
         else if ((parameter->hasSource() || kept) && my_warn)
             my_warn(inQuotes(object.Name() + "." + parameter->Name()) +
                     " follows something that is left out; it is written with its own value");

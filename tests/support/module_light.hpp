@@ -19,7 +19,7 @@ public:
 
     explicit ModuleLight(const std::string& its_type)
         : type(its_type), my_object(Qelt::VCreatorBase::find(type)->create("light")),
-          light(dynamic_cast<Qelt::RenderAble&>(*my_object.get())) {}
+          light(dynamic_cast<Qelt::RenderAble&>(*my_object)) {}
 
     /// The light source of the first or the other context after a frame in it, its uniforms filled.
     LightSource& source() { return sourceAfterFrame(context, pool); }

@@ -142,8 +142,8 @@ TEST(VLightSource, KeepsWhatItIsGivenAndAnEmptyState) {
     EXPECT_EQ(light.Name(), "lamp");
     EXPECT_EQ(*light.preferences().find("Intensity"), "0.25");
     const auto pool = Tessan::makeStrong<Qelt::ValuePool>();
-    EXPECT_TRUE(light.myState(*pool.get()));
-    EXPECT_EQ(light.myState(*pool.get()), light.myState(*pool.get()));
+    EXPECT_TRUE(light.myState(*pool));
+    EXPECT_EQ(light.myState(*pool), light.myState(*pool));
 }
 
 } // namespace

@@ -39,7 +39,7 @@ struct PrintingObject : PlainObject {
 
 struct PrintingNotifier : VActionNotifier {
     void objectCreated(const StrongPtr<VObject>& object, VContext* context, VCreatorBase& creator) override {
-        const auto& printing = static_cast<const PrintingObject&>(*object.get());
+        const auto& printing = static_cast<const PrintingObject&>(*object);
         std::printf("told of %s by %s, %s, %s\n", object->Name().c_str(), creator.Name().c_str(),
                     printing.requests(), context ? "asked for" : "not asked for");
     }

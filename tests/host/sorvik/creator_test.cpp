@@ -313,7 +313,7 @@ TEST(Sink, AddsTheInputsOfTheDeclaredType) {
     };
     const Pointer offered;
     const auto object = creator.create("o", nullptr, {});
-    EXPECT_EQ(creator.acceptedInputs(offered, *object.get()).size(), 1u); // the other way round
+    EXPECT_EQ(creator.acceptedInputs(offered, *object).size(), 1u); // the other way round
     EXPECT_EQ(object->accept(offered),
               (AcceptList{{"strength", "double"}, {"place", "Orvid::PhysicalSpace::point"}}));
 }
@@ -344,7 +344,7 @@ TEST(AcceptList, EntriesDifferInInputOrType) {
 TEST(Sink, MergesWithoutRepeating) {
     VCreator<PlainObject, PhysicalSpace::point> creator(someProperties("Plain"), 0);
     const auto object = creator.create("o", nullptr, {});
-    EXPECT_EQ(object->accept(*object.get()), object->getAcceptInfoList(*object.get()));
+    EXPECT_EQ(object->accept(*object), object->getAcceptInfoList(*object));
 }
 
 TEST(Sink, OfATypeMadeFromNothingAddsNone) {

@@ -188,37 +188,37 @@ TEST(Parameter, PropertyClampsNothing) {
 TEST(Parameter, PoolsValueGoesBeforeTheGlobalOne) {
     VValueParameter<double> parameter(1, "p");
     const StrongPtr<ValuePool> pool(new ValuePool), other(new ValuePool);
-    EXPECT_EQ(localText(parameter, *pool.get()), "1");
+    EXPECT_EQ(localText(parameter, *pool), "1");
     pool->createVariable(parameter, StrongPtr<VValueBase>(new VValue<double>(2)));
-    EXPECT_EQ(localText(parameter, *pool.get()), "2");
-    EXPECT_EQ(localText(parameter, *other.get()), "1");
+    EXPECT_EQ(localText(parameter, *pool), "2");
+    EXPECT_EQ(localText(parameter, *other), "1");
     parameter.setGlobalValueFromText("3");
-    EXPECT_EQ(localText(parameter, *pool.get()), "2");
-    EXPECT_EQ(localText(parameter, *other.get()), "3");
+    EXPECT_EQ(localText(parameter, *pool), "2");
+    EXPECT_EQ(localText(parameter, *other), "3");
     EXPECT_TRUE(pool->removeVariable(parameter));
-    EXPECT_EQ(localText(parameter, *pool.get()), "3");
+    EXPECT_EQ(localText(parameter, *pool), "3");
 }
 
 TEST(Parameter, MakesAPoolsOwnValueWhereAskedTo) {
     VValueParameter<double> parameter(1, "p");
     const StrongPtr<ValuePool> pool(new ValuePool);
-    VValueBase* const own = parameter.getLocalValue(*pool.get(), "", true);
+    VValueBase* const own = parameter.getLocalValue(*pool, "", true);
     EXPECT_EQ(own->Text(), "1");
     own->setValueFromText("4");
-    EXPECT_EQ(localText(parameter, *pool.get()), "4");
+    EXPECT_EQ(localText(parameter, *pool), "4");
     EXPECT_EQ(parameter.globalValue().Text(), "1");
-    EXPECT_EQ(parameter.getLocalValue(*pool.get(), "", true), own); // made once
+    EXPECT_EQ(parameter.getLocalValue(*pool, "", true), own); // made once
 }
 
 TEST(Parameter, UnknownComponentReadsAsNothing) {
     const StrongPtr<VParameter> parameter(new VValueParameter<double>(1, "p"));
     VValueParameter<double> follower(2, "follower");
     const StrongPtr<ValuePool> pool(new ValuePool);
-    EXPECT_EQ(parameter->getLocalValue(*pool.get(), "x"), nullptr);
+    EXPECT_EQ(parameter->getLocalValue(*pool, "x"), nullptr);
     ASSERT_TRUE(follower.setSource(parameter));
-    EXPECT_EQ(follower.getLocalValue(*pool.get(), "x"), nullptr);
+    EXPECT_EQ(follower.getLocalValue(*pool, "x"), nullptr);
     pool->createVariable(follower, StrongPtr<VValueBase>(new VValue<double>(2)));
-    EXPECT_EQ(follower.getLocalValue(*pool.get(), "x"), nullptr);
+    EXPECT_EQ(follower.getLocalValue(*pool, "x"), nullptr);
 }
 
 TEST(Parameter, ReadsAPartOfItsValue) {
@@ -228,11 +228,11 @@ TEST(Parameter, ReadsAPartOfItsValue) {
     };
     const StrongPtr<VParameter> parameter(new VParameter(StrongPtr<VValueBase>(new TwoParts), "p"));
     const StrongPtr<ValuePool> pool(new ValuePool);
-    EXPECT_EQ(parameter->getLocalValue(*pool.get(), "part")->Text(), "7");
-    EXPECT_EQ(parameter->getLocalValue(*pool.get())->Text(), "0");
+    EXPECT_EQ(parameter->getLocalValue(*pool, "part")->Text(), "7");
+    EXPECT_EQ(parameter->getLocalValue(*pool)->Text(), "0");
     VValueParameter<double> follower(2, "follower");
     ASSERT_TRUE(follower.setSource(parameter));
-    EXPECT_EQ(follower.getLocalValue(*pool.get(), "part")->Text(), "7");
+    EXPECT_EQ(follower.getLocalValue(*pool, "part")->Text(), "7");
 }
 
 TEST(Parameter, OwnValueStartsAsWhatTheContextReads) {
@@ -240,14 +240,14 @@ TEST(Parameter, OwnValueStartsAsWhatTheContextReads) {
     VValueParameter<double> follower(1, "follower");
     follower.setGlobalValueFromText("3");
     const StrongPtr<ValuePool> below(new ValuePool), above(new ValuePool(below)), beside(new ValuePool);
-    EXPECT_EQ(follower.getLocalValue(*beside.get(), "", true)->Text(),
+    EXPECT_EQ(follower.getLocalValue(*beside, "", true)->Text(),
               "3"); // the global value, not the default
     ASSERT_TRUE(follower.setSource(source));
-    EXPECT_EQ(follower.getLocalValue(*below.get(), "", true)->Text(), "2");
+    EXPECT_EQ(follower.getLocalValue(*below, "", true)->Text(), "2");
     below->retrieveValue(follower)->setValueFromText("5");
-    EXPECT_EQ(follower.getLocalValue(*above.get())->Text(), "5");
+    EXPECT_EQ(follower.getLocalValue(*above)->Text(), "5");
     EXPECT_FALSE(above->ownsVariable(follower)); // not asked for
-    VValueBase* const own = follower.getLocalValue(*above.get(), "", true);
+    VValueBase* const own = follower.getLocalValue(*above, "", true);
     EXPECT_EQ(own->Text(), "5");
     EXPECT_TRUE(above->ownsVariable(follower));
     EXPECT_NE(own, below->retrieveValue(follower));
@@ -258,13 +258,13 @@ TEST(Parameter, FollowsAnotherContextByContext) {
     const StrongPtr<VParameter> source(new VValueParameter<double>(2, "source"));
     const StrongPtr<ValuePool> pool(new ValuePool), other(new ValuePool);
     ASSERT_TRUE(follower.setSource(source));
-    source->getLocalValue(*pool.get(), "", true)->setValueFromText("7");
-    EXPECT_EQ(localText(follower, *pool.get()), "7");
-    EXPECT_EQ(localText(follower, *other.get()), "2");
-    follower.getLocalValue(*other.get(), "", true)->setValueFromText("8");
-    EXPECT_EQ(localText(follower, *other.get()), "8"); // a value of its own in a pool goes before the source
+    source->getLocalValue(*pool, "", true)->setValueFromText("7");
+    EXPECT_EQ(localText(follower, *pool), "7");
+    EXPECT_EQ(localText(follower, *other), "2");
+    follower.getLocalValue(*other, "", true)->setValueFromText("8");
+    EXPECT_EQ(localText(follower, *other), "8"); // a value of its own in a pool goes before the source
     ASSERT_TRUE(follower.setSource({}));
-    EXPECT_EQ(localText(follower, *pool.get()), "1");
+    EXPECT_EQ(localText(follower, *pool), "1");
 }
 
 TEST(Parameter, CannotBeReadOnceItsSourceHasGone) {
@@ -276,12 +276,12 @@ TEST(Parameter, CannotBeReadOnceItsSourceHasGone) {
     const StrongPtr<ValuePool> pool(new ValuePool);
     EXPECT_TRUE(follower.hasSource());
     EXPECT_EQ(follower.source(), nullptr);
-    EXPECT_EQ(follower.getLocalValue(*pool.get()), nullptr);
-    EXPECT_EQ(follower.getLocalValue(*pool.get(), "", true), nullptr);
+    EXPECT_EQ(follower.getLocalValue(*pool), nullptr);
+    EXPECT_EQ(follower.getLocalValue(*pool, "", true), nullptr);
     EXPECT_FALSE(pool->ownsVariable(follower));
     ASSERT_TRUE(follower.setSource({}));
     EXPECT_FALSE(follower.hasSource());
-    EXPECT_EQ(localText(follower, *pool.get()), "1");
+    EXPECT_EQ(localText(follower, *pool), "1");
 }
 
 TEST(Parameter, FollowsAChainAndGoesOverToANewSource) {
@@ -290,7 +290,7 @@ TEST(Parameter, FollowsAChainAndGoesOverToANewSource) {
     const StrongPtr<ValuePool> pool(new ValuePool);
     ASSERT_TRUE(first->setSource(second));
     ASSERT_TRUE(second->setSource(third));
-    EXPECT_EQ(localText(*first.get(), *pool.get()), "3");
+    EXPECT_EQ(localText(*first, *pool), "3");
     EXPECT_FALSE(third->setSource(first)); // a circle of three
     EXPECT_EQ(third->source(), nullptr);
     ASSERT_TRUE(first->setSource(third));

@@ -38,10 +38,10 @@ TEST(TypedSlot, GivesTheObjectAParameter) {
 TEST(TypedSlot, ReadsItsValueInAPool) {
     PlainObject object("o");
     const StrongPtr<ValuePool> pool(new ValuePool);
-    EXPECT_EQ(object.strength.getValueBase(*pool.get())->Text(), "0.5");
+    EXPECT_EQ(object.strength.getValueBase(*pool)->Text(), "0.5");
     object.removeParameter("strength");
     EXPECT_EQ(object.strength.parameter(), nullptr);
-    EXPECT_EQ(object.strength.getValueBase(*pool.get()), nullptr);
+    EXPECT_EQ(object.strength.getValueBase(*pool), nullptr);
     EXPECT_FALSE(object.removeParameter("strength"));
 }
 
@@ -173,11 +173,11 @@ TEST(Slot, ConnectsToAnotherObjectsParameter) {
     EXPECT_FALSE(to.strength.connect(from.parameters()[1].parameter)); // a colour
     ASSERT_TRUE(to.strength.connect(from.parameters()[0].parameter));
     from.findParameter("strength")->setGlobalValueFromText("0.25");
-    EXPECT_EQ(to.strength.getValueBase(*pool.get())->Text(), "0.25");
+    EXPECT_EQ(to.strength.getValueBase(*pool)->Text(), "0.25");
     from.removeParameter("strength");
-    EXPECT_EQ(to.strength.getValueBase(*pool.get()), nullptr);
+    EXPECT_EQ(to.strength.getValueBase(*pool), nullptr);
     EXPECT_EQ(to.adjustConnections(), 1u); // lets go of what has gone
-    EXPECT_EQ(to.strength.getValueBase(*pool.get())->Text(), "0.5");
+    EXPECT_EQ(to.strength.getValueBase(*pool)->Text(), "0.5");
     EXPECT_EQ(to.adjustConnections(), 0u);
     EXPECT_TRUE(to.tint.connect(from.parameters()[0].parameter)); // the colour has moved up
     EXPECT_TRUE(to.tint.connect({}));

@@ -92,7 +92,7 @@ TEST(ValuePool, OwnValueOverAPoolBelowThatHasOne) {
     const VValueParameter<double> parameter(1, "p");
     const StrongPtr<ValuePool> below(new ValuePool), above(new ValuePool(below));
     below->createVariable(parameter, number(2));
-    parameter.getLocalValue(*above.get(), "", true)->setValueFromText("4");
+    parameter.getLocalValue(*above, "", true)->setValueFromText("4");
     EXPECT_EQ(below->retrieveValue(parameter)->Text(), "2");
     EXPECT_EQ(above->retrieveValue(parameter)->Text(), "4");
 }
@@ -186,33 +186,33 @@ public:
 TEST(StateCreator, MakesOneStateForEachPool) {
     const CountingStates object;
     const StrongPtr<ValuePool> pool(new ValuePool), other(new ValuePool);
-    const auto first = object.myState(*pool.get());
-    EXPECT_EQ(object.myState(*pool.get()), first);
-    EXPECT_NE(object.myState(*other.get()).get(), first.get());
+    const auto first = object.myState(*pool);
+    EXPECT_EQ(object.myState(*pool), first);
+    EXPECT_NE(object.myState(*other).get(), first.get());
     EXPECT_EQ(object.made, 2);
 }
 
 TEST(StateCreator, BaseMakesAnEmptyState) {
     const VStateCreatorBase object;
     const StrongPtr<ValuePool> pool(new ValuePool);
-    EXPECT_TRUE(object.myState(*pool.get()));
+    EXPECT_TRUE(object.myState(*pool));
 }
 
 TEST(ValuePool, KeepsTheStatesOfObjectsApart) {
     const CountingStates first, second, third;
     const StrongPtr<ValuePool> pool(new ValuePool);
     EXPECT_EQ(pool->findState(first), nullptr);
-    const auto of_first = first.myState(*pool.get()), of_second = second.myState(*pool.get());
+    const auto of_first = first.myState(*pool), of_second = second.myState(*pool);
     EXPECT_FALSE(of_first == of_second);
-    EXPECT_EQ(first.myState(*pool.get()), of_first);
-    EXPECT_EQ(second.myState(*pool.get()), of_second);
+    EXPECT_EQ(first.myState(*pool), of_first);
+    EXPECT_EQ(second.myState(*pool), of_second);
     ASSERT_NE(pool->findState(second), nullptr);
     EXPECT_EQ(*pool->findState(second), of_second);
     EXPECT_EQ(pool->findState(third), nullptr);
     const auto other = Tessan::makeStrong<VStateCreatorBase::State>();
     EXPECT_EQ(pool->keepState(first, other), other); // in place of the former
-    EXPECT_EQ(first.myState(*pool.get()), other);
-    EXPECT_EQ(second.myState(*pool.get()), of_second);
+    EXPECT_EQ(first.myState(*pool), other);
+    EXPECT_EQ(second.myState(*pool), of_second);
 }
 
 TEST(StateCreator, StatesGoWithTheObject) {
@@ -224,8 +224,8 @@ TEST(StateCreator, StatesGoWithTheObject) {
     {
         const CountingStates object;
         for (const auto& pool : pools) {
-            states.emplace_back(object.myState(*pool.get()));
-            lasting_states.emplace_back(lasting.myState(*pool.get()));
+            states.emplace_back(object.myState(*pool));
+            lasting_states.emplace_back(lasting.myState(*pool));
             EXPECT_TRUE(states.back());
         }
     }
@@ -240,7 +240,7 @@ TEST(StateCreator, StateGoesWithThePool) {
     Tessan::WeakPtr<VStateCreatorBase::State> state;
     {
         const StrongPtr<ValuePool> pool(new ValuePool);
-        state = object.myState(*pool.get());
+        state = object.myState(*pool);
     }
     EXPECT_FALSE(state);
 }
@@ -257,10 +257,9 @@ TEST(StateCreator, StateMayHoldWhatPoolsForgetInTurn) {
     const StrongPtr<ValuePool> pool(new ValuePool);
     {
         const Nested object;
-        auto& own =
-            const_cast<Nested::Own&>(static_cast<const Nested::Own&>(*object.myState(*pool.get()).get()));
-        own.inner.myState(*pool.get());
-        own.parameter.getLocalValue(*pool.get(), "", true);
+        auto& own = const_cast<Nested::Own&>(static_cast<const Nested::Own&>(*object.myState(*pool)));
+        own.inner.myState(*pool);
+        own.parameter.getLocalValue(*pool, "", true);
     }
 }
 

@@ -201,7 +201,7 @@ TEST(Value, EveryChangeIsOneTickOfTheClock) {
     expectTick(value);
     EXPECT_TRUE(value.setValueFromText("4"));
     expectTick(value);
-    EXPECT_TRUE(value.setContainerValue(*source.get()));
+    EXPECT_TRUE(value.setContainerValue(*source));
     expectTick(value);
     EXPECT_TRUE(value.setSource(source));
     expectTick(value);
@@ -294,7 +294,7 @@ TEST(Value, FollowersGoOverToTheValueThatReplacesTheirSource) {
     follower_of_another.setSource(other);
     latter->notifiers().addShadow(follower_of_another); // is told, but follows another value
     const auto before = Tessan::Ageable::GlobalTime.load();
-    latter->replace(*former.get());
+    latter->replace(*former);
     EXPECT_EQ(read(follower), 2);
     EXPECT_EQ(read(second_follower), 2);
     EXPECT_EQ(read(follower_of_another), 3);

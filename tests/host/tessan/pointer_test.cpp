@@ -263,12 +263,12 @@ TEST(StrongPtr, NeverDeletesAnObjectThatOwnsItself) {
 
 TEST(Counted, CopyIsAnObjectOfItsOwn) {
     const StrongPtr<Thing> original(new Thing);
-    const StrongPtr<Thing> copy(new Thing(*original.get()));
+    const StrongPtr<Thing> copy(new Thing(*original));
     const Tessan::ControlBlock& block = copy->controlBlock();
     EXPECT_NE(&block, &original->controlBlock());
     EXPECT_EQ(block.object(), copy.get());
     EXPECT_EQ(block.strongCount(), 1);
-    *copy.get() = *original.get();
+    *copy = *original;
     EXPECT_EQ(&copy->controlBlock(), &block);
 }
 

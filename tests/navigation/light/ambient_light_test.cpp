@@ -80,9 +80,7 @@ TEST_F(AmbientLight, ChangesShowAtTheNextUpdateUnclamped) {
 }
 
 TEST_F(AmbientLight, OpenGLHasTheColorOfItsContext) {
-    light.parameter("Color")
-        .getLocalValue(*light.other_pool.get(), "", true)
-        ->setValueFromText("0.2 0.4 0.8 1");
+    light.parameter("Color").getLocalValue(*light.other_pool, "", true)->setValueFromText("0.2 0.4 0.8 1");
     EXPECT_EQ(call("AMBIENT"), "1 1 1 1");
     takeRecordedCalls();
     light.light.environment_render(light.other_context);

@@ -45,7 +45,7 @@ TEST_F(Headlight, IsRegisteredTwice) {
 TEST_F(Headlight, EitherCreatorMakesTheSameKindOfObject) {
     const auto catalogue = Qelt::VCreatorBase::catalogue();
     const auto one = catalogue.front()->create("one"), other = catalogue.back()->create("other");
-    const Qelt::VObject &made_by_one = *one.get(), &made_by_other = *other.get();
+    const Qelt::VObject &made_by_one = *one, &made_by_other = *other;
     EXPECT_TRUE(typeid(made_by_one) == typeid(made_by_other));
     for (const auto& [name, text] :
          {std::pair("intensity", "0.8"), {"specular", "0.8"}, {"positionmv", "0 0 1"}})
@@ -147,7 +147,7 @@ TEST_F(Headlight, OneLightSourceServesAllContexts) {
     auto& source = light.source();
     auto& other = light.otherSource();
     EXPECT_EQ(&source, &other);
-    light.parameter("intensity").getLocalValue(*light.other_pool.get(), "", true)->setValueFromText("0.25");
+    light.parameter("intensity").getLocalValue(*light.other_pool, "", true)->setValueFromText("0.25");
     light.light.environment_render(light.context);
     EXPECT_EQ(std::get<FloatColor>(source.uniforms().at(intensity))[0], 0.8f);
     light.light.environment_render(light.other_context); // the rendering that came last

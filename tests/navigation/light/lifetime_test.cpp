@@ -38,7 +38,7 @@ std::vector<StrongPtr<VObject>> allLights() {
 
 void illuminate(const std::vector<StrongPtr<VObject>>& lights, const VRenderContext& context) {
     for (const StrongPtr<VObject>& light : lights)
-        dynamic_cast<const RenderAble&>(*light.get()).illuminate(context);
+        dynamic_cast<const RenderAble&>(*light).illuminate(context);
 }
 
 /// The contexts that lights are looked at in; each has a pool of its own.
@@ -100,7 +100,7 @@ TEST(LightSource, IsKeptByTheContextWhenItsObjectHasGone) {
     for (VCreatorBase* const creator : VCreatorBase::catalogue()) {
         VRenderContext context(Tessan::makeStrong<ValuePool>());
         auto light = creator->create("");
-        dynamic_cast<const RenderAble&>(*light.get()).illuminate(context);
+        dynamic_cast<const RenderAble&>(*light).illuminate(context);
         const Tessan::WeakPtr<Qelt::RenderNamespace::LightSource> source(
             context.enabledLightSources()[0].get());
         const std::uint64_t serial = source->serialNumber();
@@ -133,7 +133,7 @@ TEST(LightSource, OfAContextGoesWithTheObjectOrThePool) {
         auto light = creator->create("");
         const auto sourceIn = [&](const StrongPtr<ValuePool>& pool) {
             const VRenderContext context(pool);
-            dynamic_cast<const RenderAble&>(*light.get()).illuminate(context);
+            dynamic_cast<const RenderAble&>(*light).illuminate(context);
             return Tessan::WeakPtr<Qelt::RenderNamespace::LightSource>(
                 context.enabledLightSources()[0].get());
         };

@@ -30,7 +30,7 @@ void useModuleOnce() {
     const LoadedModule module;
     Qelt::VRenderContext context(Tessan::makeStrong<Qelt::ValuePool>());
     const auto light = VCreatorBase::find("AmbientLight")->create("lamp");
-    dynamic_cast<Qelt::RenderAble&>(*light.get()).illuminate(context);
+    dynamic_cast<Qelt::RenderAble&>(*light).illuminate(context);
     context.beginRendering();
 }
 
@@ -58,7 +58,7 @@ TEST(Reload, SerialNumbersOfLightSourcesGoOn) {
         const LoadedModule module;
         Qelt::VRenderContext context(Tessan::makeStrong<Qelt::ValuePool>());
         const auto light = VCreatorBase::find("AmbientLight")->create("lamp");
-        dynamic_cast<Qelt::RenderAble&>(*light.get()).illuminate(context);
+        dynamic_cast<Qelt::RenderAble&>(*light).illuminate(context);
         EXPECT_GT(context.enabledLightSources()[0]->serialNumber(), latest);
         latest = context.enabledLightSources()[0]->serialNumber();
         context.beginRendering();

@@ -69,7 +69,7 @@ TEST(ParameterValueTest, IsFiniteWhereAllItsNumbersAre) {
     EXPECT_FALSE(korl::isFinite(VValue<rgba_float_t>({0, 0, 0, none})));
     EXPECT_TRUE(korl::isFinite(VValue<std::string>("infinite")));
     const auto beyond = korl::makeValue(typeid(rgba_float_t), std::vector<double>{1e39, 0, 0, 1});
-    EXPECT_FALSE(korl::isFinite(*beyond.get())) << "no float holds 1e39";
+    EXPECT_FALSE(korl::isFinite(*beyond)) << "no float holds 1e39";
 }
 
 } // namespace

@@ -58,8 +58,8 @@ TEST_F(SceneRoundTripGLTest, EveryTypeWithValuesAtTheExtremes) {
             const bool is_color = parameter->type() == typeid(Orvid::rgba_float_t);
             for (const char* const number : {is_color ? "1e-37" : "1e-300", is_color ? "1e37" : "1e300", "-0",
                                              is_color ? "1e-45" : "5e-324", "0.3"}) {
-                scene.setParameterText("light", parameter->Name(), textFor(*parameter.get(), number));
-                scene.setParameterText("light", parameter->Name(), textFor(*parameter.get(), "0.7"), "left");
+                scene.setParameterText("light", parameter->Name(), textFor(*parameter, number));
+                scene.setParameterText("light", parameter->Name(), textFor(*parameter, "0.7"), "left");
                 expectSame(scene);
             }
             scene.resetParameter("light", parameter->Name());
