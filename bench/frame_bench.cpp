@@ -36,14 +36,14 @@ void steadyFrame(benchmark::State& state, RenderPath path) {
     fill(scene, state.range(0));
     View view;
     Renderer renderer(context());
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(renderer.render(scene, view, {640, 480, path}));
 }
 
 void firstFrame(benchmark::State& state) {
     Scene scene;
     fill(scene, state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         View view;
         Renderer renderer(context()); // compiles its programs anew
         benchmark::DoNotOptimize(renderer.render(scene, view, {640, 480, RenderPath::shader}));
@@ -55,7 +55,7 @@ void collectLights(benchmark::State& state) {
     Scene scene;
     fill(scene, state.range(0));
     View view;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         view.beginFrame(scene, 0);
         view.endFrame();
     }
@@ -69,7 +69,7 @@ void loadScene(benchmark::State& state) {
                 R"(", "parameters": {"latitude": "2"}, )" +
                 R"("connections": {"timeofday": {"object": "sun0", "parameter": "timeofday"}}})";
     text += "]}";
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto scene = std::make_unique<Scene>();
         korl::readSceneText(text, "scene.json", *scene);
         state.PauseTiming();
