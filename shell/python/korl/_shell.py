@@ -17,7 +17,7 @@ from ._strict import Names, Strict, checked, strict, strict_tuple
 from ._values import numbers_in, parts_of, path_of, text_in, text_of, to_shell, whole
 
 _PATHS = _korl.RenderPath.__members__
-_MOST = 10**9  # the largest limit of time or memory
+_MAX_LIMIT = 10**9  # the largest limit of time or memory
 
 
 @strict_tuple
@@ -66,7 +66,7 @@ class Shell(Strict):
         if isinstance(plugins, (str, bytes)) or not hasattr(plugins, "__iter__"):
             raise WrongTypeError(f"plugins takes a list of files, found {plugins!r}")
         object.__setattr__(self, "_session", _korl.open_session([path_of(file) for file in plugins]))
-        self._tell()
+        self._warn()
 
     def __enter__(self):
         if self.closed:
@@ -87,7 +87,7 @@ class Shell(Strict):
     def load(self, file):
         """Loads one more module from a library file."""
         self._session.load(path_of(file))
-        self._tell()
+        self._warn()
 
     @property
     def plugins(self):
@@ -194,7 +194,7 @@ class Shell(Strict):
             if normals is not None or colors is not None:
                 raise WrongTypeError("vertices without triangles make no mesh; give triangles too")
             self._session.add_model(path_of(mesh), text_in(up, "the model's axis that is up"))
-            self._tell()
+            self._warn()
             return
         vertices = rows("vertices", mesh, numpy.float32)
         none = numpy.empty((0, 3), numpy.float32)
@@ -214,7 +214,7 @@ class Shell(Strict):
     @model_timeout.setter
     def model_timeout(self, seconds):
         (seconds,) = numbers_in(seconds, 1, "model_timeout takes a number of seconds")
-        if not 0.001 <= seconds <= _MOST:
+        if not 0.001 <= seconds <= _MAX_LIMIT:
             raise InvalidValueError(f"model_timeout takes 0.001 to 1e9 seconds, found {seconds!r}")
         self._session.set_model_limits(seconds, *self._session.model_limits()[1:])
 
@@ -225,7 +225,7 @@ class Shell(Strict):
 
     @model_memory.setter
     def model_memory(self, mebibytes):
-        mebibytes = whole(mebibytes, 1, "model_memory takes a whole number of MiB", _MOST)
+        mebibytes = whole(mebibytes, 1, "model_memory takes a whole number of MiB", _MAX_LIMIT)
         timeout, _, anywhere = self._session.model_limits()
         self._session.set_model_limits(timeout, mebibytes, anywhere)
 
@@ -273,10 +273,10 @@ class Shell(Strict):
         threads of Python go on meanwhile.
         """
         pixels = self._session.render(*_size(width, height), _path(path), view_name(view, self._session))
-        self._tell()
+        self._warn()
         return Image(pixels)
 
-    def _tell(self):
+    def _warn(self):
         for report in self._session.take_reports():
             warnings.warn(report, Warning, stacklevel=4)  # past what checks the arguments
 
@@ -285,22 +285,22 @@ class Shell(Strict):
     def save(self, file):
         """Writes the scene into a scene file, whole or not at all."""
         self._session.save(path_of(file))
-        self._tell()
+        self._warn()
 
     def load_scene(self, file):
         """Adds what a scene file describes to the scene; where it is refused, the scene is as it was."""
         self._session.load_scene(path_of(file))
-        self._tell()
+        self._warn()
 
     def save_rig(self, file):
         """Writes the lights alone into a file, to be put into another scene."""
         self._session.save_rig(path_of(file))
-        self._tell()
+        self._warn()
 
     def load_rig(self, file, replace=False):
         """Adds the lights of a scene file; with `replace`, in the place of those that there are."""
         self._session.load_rig(path_of(file), bool(replace))
-        self._tell()
+        self._warn()
 
     def script(self):
         """The text of a Python script that builds this scene."""
@@ -350,7 +350,7 @@ class Shell(Strict):
             hours = numbers_in(sun_time, 2, "sun_time takes two numbers, the first and the last hour")
             sun_time = ":".join(repr(hour) for hour in hours)
         made, _, _ = self._session.animate(settings, sun_time, progress)
-        self._tell()
+        self._warn()
         return made
 
     def explain(self, width=640, height=480, path="shader", pixel=None, view=None):
@@ -364,7 +364,7 @@ class Shell(Strict):
                 raise WrongTypeError(f"pixel takes a pair of whole numbers (x, y), found {pixel!r}")
             pixel = tuple(whole(end, 0, "pixel takes two whole numbers (x, y)") for end in ends)
         found = self._session.explain(*_size(width, height), _path(path), pixel, view_name(view, self._session))
-        self._tell()
+        self._warn()
         return Explanation(*found)
 
     def _parameter(self, full_name):

@@ -48,14 +48,14 @@ def parts_of(value):
         return None
 
 
-def whole(value, least, what, most=2**31 - 1):
+def whole(value, minimum, what, maximum=2**31 - 1):
     """A whole number of a range, which is an int's of the shell unless told otherwise."""
     try:
         number = operator.index(None if isinstance(value, bool) else value)
     except TypeError:
         raise WrongTypeError(f"{what}, found {value!r}") from None
-    if not least <= number <= most:
-        raise InvalidValueError(f"{what}, from {least} to {most}, found {number}")
+    if not minimum <= number <= maximum:
+        raise InvalidValueError(f"{what}, from {minimum} to {maximum}, found {number}")
     return number
 
 
