@@ -44,8 +44,8 @@ public:
 private:
     Tessan::StrongPtr<ValuePool> my_pool;
     int my_light_number = 1;
-    mutable LightSources
-        my_enabled; ///< lights see the context as constant, except for handing in their sources
+    /// Lights see the context as constant, except for handing in their sources.
+    mutable LightSources my_enabled;
 };
 
 } // namespace Qelt

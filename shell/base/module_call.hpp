@@ -74,8 +74,8 @@ private:
 void reportExitsOfModules();
 
 /// From now on a signal that ends the process while a module is called has that said on standard error, and
-/// then takes its course. Signals with a handler stay as they are, and so does one on a thread
-/// that is in no call. To be called on the main thread.
+/// then takes its course. Signals with a handler stay as they are, and so does one on a thread that is in no
+/// call. To be called on the main thread.
 void reportSignalsOfModules();
 
 } // namespace korl

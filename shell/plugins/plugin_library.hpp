@@ -16,10 +16,10 @@ bool isOwnModule(const std::filesystem::path& file);
 /// at once.
 class PluginLibrary {
 public:
-    /// Inspects a library, tries it in processes of its own (see `tryPlugin`) unless it is the
-    /// program's own module, loads it and asks its entry point whether it was built for this shell's
-    /// interface. Throws Error where the inspection refuses it (none of its code has run then), it does not
-    /// survive the trial, the system's loader refuses it, or its entry point says no.
+    /// Inspects a library, tries it in processes of its own (see `tryPlugin`) unless it is the program's own
+    /// module, loads it and asks its entry point whether it was built for this shell's interface. Throws
+    /// Error where the inspection refuses it (none of its code has run then), it does not survive the trial,
+    /// the system's loader refuses it, or its entry point says no.
     static PluginLibrary load(const std::filesystem::path& file);
     static PluginLibrary load(PluginInspection inspection);
 

@@ -29,10 +29,10 @@ struct Camera {
 /// target, an up direction that is zero or along the line of sight, a field of view outside (0, 180) degrees.
 void validate(const Camera& camera);
 
-/// A camera that sees the whole ball in the narrower of the picture's two
-/// directions, with 5 % of the radius to spare. It looks down a little from the +y side, where the fronts of
-/// models face and the noon sun of northern latitudes stands: along -(0.35, 0.85, 0.45). A ball without
-/// extent is seen as if its radius were 1.
+/// A camera that sees the whole ball in the narrower of the picture's two directions, with 5 % of the radius
+/// to spare. It looks down a little from the +y side, where the fronts of models face and the noon sun of
+/// northern latitudes stands: along -(0.35, 0.85, 0.45). A ball without extent is seen as if its radius were
+/// 1.
 /// @param aspect the picture's width divided by its height, above 0.
 /// @param fov_degrees the field of view, above 0 and below 180; for any other the camera is not valid.
 Camera fitCamera(const Ball& ball, double aspect, double fov_degrees = Camera().fov_degrees);

@@ -31,7 +31,7 @@ bool isFirst() {
     return file >= 0;
 }
 
-/// Waits for ever once the pipe is full; SIGTERM is no reason to give up.
+/// Waits for ever once the pipe is full; SIGTERM does not end it.
 void writeToPipe() {
     static const int end = [] {
         std::signal(SIGTERM, SIG_IGN);

@@ -25,7 +25,7 @@ protected:
     PathAgreementGLTest() {
         for (korl::Mesh& mesh : korl::builtinScene())
             scene.addMesh(std::move(mesh));
-        scene.background = {1, 0, 1, 0}; // what keeps alpha 0 is no part of the model
+        scene.background = {1, 0, 1, 0}; // what keeps alpha 0 does not belong to the model
     }
 
     /// In units of 1/255, over all channels of the pixels that the model covers on both paths.
@@ -120,8 +120,8 @@ TEST_F(PathAgreementGLTest, HeadlightServesTwoContextsAtOnce) {
             sum += image.pixels[i + 3] == 255 ? image.pixels[i] : 0;
         return sum;
     };
-    for (int frame = 0; frame < 2;
-         ++frame) // one after the other, each with its own values in the one light source
+    // One after the other, each with its own values in the one light source.
+    for (int frame = 0; frame < 2; ++frame)
         for (const RenderPath path : {RenderPath::shader, RenderPath::fixed}) {
             EXPECT_GT(brightness(view, path), 1000);
             EXPECT_EQ(brightness(other, path), 0);

@@ -155,8 +155,8 @@ TEST_F(FileOutputTest, WhatIsReplacedIsARegularFile) {
 }
 
 TEST_F(FileOutputTest, APipeIsWrittenTo) {
-    // It stands for all that is no regular file. A real device is not put at risk: if this failed, it would
-    // be gone.
+    // It stands for all that is not a regular file. A real device is not put at risk: if this failed, it
+    // would be gone.
     const fs::path pipe = my_folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);

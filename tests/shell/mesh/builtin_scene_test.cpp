@@ -61,16 +61,17 @@ TEST(BuiltinSceneTest, FillsTheReachOfTheLightsAndNoMore) {
 
 TEST(BuiltinSceneTest, NormalsAgreeWithTheWinding) {
     for (const Mesh& mesh : builtinScene()) {
-        double least = 1;
+        double smallest = 1;
         forEachTriangle(mesh, [&](std::uint32_t a, std::uint32_t b, std::uint32_t c) {
             const glm::dvec3 first = mesh.positions[a];
             const glm::dvec3 across =
                 glm::cross(glm::dvec3(mesh.positions[b]) - first, glm::dvec3(mesh.positions[c]) - first);
             ASSERT_GT(glm::length(across), 0) << "a triangle without area in the " << mesh.name;
             for (const std::uint32_t corner : {a, b, c})
-                least = std::min(least, glm::dot(glm::normalize(across), glm::dvec3(mesh.normals[corner])));
+                smallest =
+                    std::min(smallest, glm::dot(glm::normalize(across), glm::dvec3(mesh.normals[corner])));
         });
-        EXPECT_GT(least, 0.95) << mesh.name;
+        EXPECT_GT(smallest, 0.95) << mesh.name;
     }
 }
 

@@ -61,12 +61,12 @@ TEST(MeshBallTest, NoPositionsHaveNoBall) {
 }
 
 TEST(MeshBallTest, TheLargestFloatsDoNotOverflow) {
-    constexpr float most = std::numeric_limits<float>::max();
+    constexpr float largest = std::numeric_limits<float>::max();
     Mesh mesh;
-    mesh.positions = {{most, 0, 0}, {-most, 0, 0}};
+    mesh.positions = {{largest, 0, 0}, {-largest, 0, 0}};
     const auto ball = boundingBall(std::span(&mesh, 1));
     EXPECT_EQ(ball->center, glm::dvec3(0));
-    EXPECT_DOUBLE_EQ(ball->radius, most);
+    EXPECT_DOUBLE_EQ(ball->radius, largest);
 }
 
 TEST(MeshValidationTest, SoundMeshesPass) {

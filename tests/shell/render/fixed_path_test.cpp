@@ -10,7 +10,7 @@ using korl::test::SetUpLight;
 using korl::test::shineDown;
 using testing::ElementsAre;
 
-/// An object that is no light.
+/// An object that is not a light.
 struct Drawing : Qelt::RenderAble {
     Drawing(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : RenderAble(name, 0, preferences) {}
@@ -55,27 +55,28 @@ TEST_F(FixedPathGLTest, EveryFixedFrameStartsFromDefaultLightState) {
 }
 
 TEST_F(FixedPathGLTest, LightsPastTheDriversNumberAreLeftOutAndNamedOnce) {
-    GLint most = 0;
-    glGetIntegerv(GL_MAX_LIGHTS, &most);
+    GLint max_lights = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &max_lights);
     int calls = 0;
-    for (int i = 0; i < most + 2; ++i)
+    for (int i = 0; i < max_lights + 2; ++i)
         addSetUpLight([&](Qelt::VRenderContext& context) {
             ++calls;
             shineDown(context);
         });
     render(RenderPath::fixed);
     render(RenderPath::fixed);
-    EXPECT_EQ(calls, 2 * most);
+    EXPECT_EQ(calls, 2 * max_lights);
     EXPECT_THAT(reports,
-                ElementsAre("left out on the fixed-function path: \"SetUpLight" + std::to_string(most + 1) +
-                            "\", \"SetUpLight" + std::to_string(most + 2) + "\"; OpenGL has " +
-                            std::to_string(most) + " lights here, and those before hold them all"));
+                ElementsAre("left out on the fixed-function path: \"SetUpLight" +
+                            std::to_string(max_lights + 1) + "\", \"SetUpLight" +
+                            std::to_string(max_lights + 2) + "\"; OpenGL has " + std::to_string(max_lights) +
+                            " lights here, and those before hold them all"));
 }
 
 TEST_F(FixedPathGLTest, LightsAreNamedAsLeftOutWhenTheyComeLaterAndNotAgain) {
-    GLint most = 0;
-    glGetIntegerv(GL_MAX_LIGHTS, &most);
-    for (int i = 0; i < most; ++i)
+    GLint max_lights = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &max_lights);
+    for (int i = 0; i < max_lights; ++i)
         scene.create("DistanceLight");
     for (const char* const name :
          {"x", "y", "z"}) { // one after the other, in the same place of memory perhaps
@@ -95,10 +96,10 @@ TEST_F(FixedPathGLTest, LightsAreNamedAsLeftOutWhenTheyComeLaterAndNotAgain) {
 
 TEST_F(FixedPathGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
     const Qelt::VCreator<Drawing, void> creator{std::string("Drawing"), 0};
-    GLint most = 0;
-    glGetIntegerv(GL_MAX_LIGHTS, &most);
+    GLint max_lights = 0;
+    glGetIntegerv(GL_MAX_LIGHTS, &max_lights);
     scene.create("Torch", "called"); // shows that a Torch needs none
-    for (int i = 0; i < most; ++i)
+    for (int i = 0; i < max_lights; ++i)
         scene.create("DistanceLight");
     scene.create("Torch", "uncalled");
     scene.create("AmbientLight", "a");
@@ -111,7 +112,7 @@ TEST_F(FixedPathGLTest, OnlyThoseThatWouldHaveSetUpALightAreNamedAsLeftOut) {
     EXPECT_THAT(reports[1],
                 testing::StartsWith("light \"uncalled\" adds nothing on the fixed-function path"));
     EXPECT_EQ(reports[2], "left out on the fixed-function path: \"a\", \"d\"; OpenGL has " +
-                              std::to_string(most) + " lights here, and those before hold them all");
+                              std::to_string(max_lights) + " lights here, and those before hold them all");
 }
 
 TEST_F(FixedPathGLTest, ConelessLightGivesItsAmbientColorAndIsOffWhileDrawing) {

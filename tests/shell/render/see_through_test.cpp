@@ -38,15 +38,16 @@ Color over(const Color& front, float behind) {
 
 /// How far the picture, put over a grey, is at most from one that was drawn on it.
 double furthest(const Image& picture, const Image& drawn, float behind) {
-    double most = 0;
+    double largest = 0;
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x) {
             const Pixel front = pixel(picture, x, y), wanted = pixel(drawn, x, y);
             const double alpha = front[3] / 255.0;
             for (std::size_t i = 0; i < 3; ++i)
-                most = std::max(most, std::abs(alpha * front[i] + (1 - alpha) * 255.0 * behind - wanted[i]));
+                largest =
+                    std::max(largest, std::abs(alpha * front[i] + (1 - alpha) * 255.0 * behind - wanted[i]));
         }
-    return most;
+    return largest;
 }
 
 int countAtEdges(const Image& picture, const Color& background) {

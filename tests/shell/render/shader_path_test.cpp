@@ -203,8 +203,7 @@ TEST_F(ShaderPathGLTest, BrokenSnippetIsReportedWithTheLight) {
     addDownwardLight().text =
         "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n{ a = b = c = wrong; }\n";
     try {
-        const korl::test::ToleratedGLErrors
-            refusal; // some drivers also call it an error of OpenGL's, some don't
+        const korl::test::ToleratedGLErrors refusal; // some drivers call it an error of OpenGL's, too
         render(RenderPath::shader);
         FAIL() << "a snippet that does not compile was drawn";
     } catch (const korl::Error& error) {

@@ -43,7 +43,7 @@ std::vector<Sample> samples() {
         {FixedArray<int, 2>{2147483647, -2147483647}, "ivec2", "2147483647 -2147483647"},
         {FixedArray<float, 2>{0.1f, 2}, "vec2", "0.1 2"},
         {FixedArray<double, 2>{0.7, -2}, "vec2", "0.7 -2"},
-        {FixedArray<int, 3>{16777217, -2, 3}, "ivec3", "16777217 -2 3"}, // the first is no float
+        {FixedArray<int, 3>{16777217, -2, 3}, "ivec3", "16777217 -2 3"}, // a float cannot hold the first
         {FloatPoint{1.5f, 2.5f, 3.5f}, "vec3", "1.5 2.5 3.5"},
         {FixedArray<float, 3>{1, 2, 0.3f}, "vec3", "1 2 0.3"},
         {PhysicalSpace::point{4.1, -2.1, 1e-30}, "vec3", "4.1 -2.1 1e-30"},

@@ -27,7 +27,7 @@ struct Placed : Qelt::VObject {
     TypedSlot<PhysicalSpace::point> target{this, "shineat", {0, 0, 0}};
 };
 
-/// Its parameter has the name, but is no vector.
+/// Its parameter has the name, but is not a vector.
 struct Puzzling : Qelt::VObject {
     Puzzling(const std::string& name, const VCreationPreferences& preferences)
         : VObject(name, 0, preferences) {}

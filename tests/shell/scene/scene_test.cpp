@@ -259,7 +259,7 @@ TEST_F(SceneTest, MutesAndLetsOneLightShineAlone) {
     EXPECT_EQ(scene.soloLight(), &a);
     EXPECT_TRUE(scene.isEnabled(a));
     EXPECT_FALSE(scene.isEnabled(b));
-    EXPECT_TRUE(scene.isEnabled(no_light)) << "what is no light goes on";
+    EXPECT_TRUE(scene.isEnabled(no_light)) << "what is not a light goes on";
     scene.solo("");
     EXPECT_EQ(scene.soloLight(), nullptr);
     EXPECT_FALSE(scene.isEnabled(a));
