@@ -14,7 +14,7 @@ bool hasDebugMessages() {
 
 } // namespace
 
-void hearGLError(const std::string& message) {
+void handleGLError(const std::string& message) {
     if (listener != nullptr) {
         listener->my_messages.push_back(message);
     } else {
@@ -26,7 +26,7 @@ namespace {
 
 void debugCallback(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* message, const void*) {
     if (type == GL_DEBUG_TYPE_ERROR) {
-        hearGLError(length < 0 ? std::string(message)
+        handleGLError(length < 0 ? std::string(message)
                                : std::string(message, static_cast<std::size_t>(length)));
     }
 }

@@ -36,7 +36,7 @@ public:
     const std::vector<std::string>& messages() const { return my_messages; }
 
 private:
-    friend void hearGLError(const std::string& message);
+    friend void handleGLError(const std::string& message);
 
     std::vector<std::string> my_messages;
     ToleratedGLErrors* my_outer;

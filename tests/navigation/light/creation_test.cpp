@@ -27,7 +27,7 @@ std::string stateOf(const VObject& object) {
            (object.processesRequests() ? ", answering" : ", not answering") + "\n";
 }
 
-void tell(const std::string& text) {
+void record(const std::string& text) {
     std::fputs(text.c_str(), stdout);
 }
 
@@ -35,7 +35,7 @@ void tell(const std::string& text) {
 struct Shell : Qelt::VActionNotifier {
     void objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context,
                        VCreatorBase& creator) override {
-        tell((context == &caller ? "for the caller by " : "for nobody by ") + creator.keyname("/") + ": " +
+        record((context == &caller ? "for the caller by " : "for nobody by ") + creator.keyname("/") + ": " +
              stateOf(*object));
     }
     Qelt::VContext caller;
@@ -45,11 +45,11 @@ struct Shell : Qelt::VActionNotifier {
 struct TellingObject : VObject {
     TellingObject(const std::string& name, const Qelt::VCreationPreferences& preferences)
         : VObject(name, 0, preferences) {
-        tell("made: " + stateOf(*this));
+        record("made: " + stateOf(*this));
         if (name == "throwing")
             throw std::runtime_error("nothing comes of it");
     }
-    void setup() override { tell("set up: " + stateOf(*this)); }
+    void setup() override { record("set up: " + stateOf(*this)); }
 };
 
 TEST(Creation, StepsComeInTheirOrder) {
