@@ -3,7 +3,9 @@
 #include <tessan/typename.hpp>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdio>
+#include <new>
 
 namespace Tessan {
 
@@ -46,7 +48,8 @@ void SpeakPtr::printRS(const std::string& message, const char* place) {
 
 SpeakPtr& SpeakPtr::theSpeaker() noexcept {
     // Never destroyed: pointers may be misused as late as in the destructors of other globals.
-    static SpeakPtr& built_in = *new SpeakPtr;
+    alignas(SpeakPtr) static std::byte memory[sizeof(SpeakPtr)];
+    static SpeakPtr& built_in = *new (memory) SpeakPtr;
     SpeakPtr* const replaced_by = replacement.load(std::memory_order_acquire);
     return replaced_by ? *replaced_by : built_in;
 }
