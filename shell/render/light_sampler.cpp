@@ -6,11 +6,11 @@
 #include "shell/render/shader_assembly.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_values.hpp"
+#include "shell/scene/vectors.hpp"
 
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
-#include <cmath>
 
 namespace korl {
 
@@ -25,10 +25,6 @@ constexpr std::size_t max_programs = 256;
 /// Of the target, for so many points.
 int rowsOf(int points) {
     return (points + target_width - 1) / target_width;
-}
-
-bool areFinite(const glm::vec3& v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
 
 /// Keeps framebuffer and state, sets what the sampler needs, and brings them back.
@@ -74,7 +70,7 @@ void readSamples(std::span<LightSample> samples) {
 } // namespace
 
 bool LightSample::isFinite() const {
-    return areFinite(incidence) && areFinite(intensity) && areFinite(specular_intensity);
+    return korl::isFinite(incidence) && korl::isFinite(intensity) && korl::isFinite(specular_intensity);
 }
 
 std::vector<LightSample> LightSampler::sample(const LightSource& source, const std::string& light_name,

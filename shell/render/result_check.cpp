@@ -3,12 +3,9 @@
 #include "shell/base/printable.hpp"
 #include "shell/render/snippet_of.hpp"
 #include "shell/render/uniform_values.hpp"
-
-#include <sorvik/component_text.hpp>
+#include "shell/scene/vectors.hpp"
 
 #include <algorithm>
-#include <array>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -32,10 +29,6 @@ bool areFinite(const UniformMap& uniforms) {
                        [](const auto& uniform) { return isFinite(uniform.second); });
 }
 
-std::string text(const glm::vec3& v) {
-    return Qelt::componentsToText(std::span<const float>(std::array{v.x, v.y, v.z}));
-}
-
 /// Where a light is not finite, and what it gives there.
 struct Failures {
     std::size_t count = 0, vertices = 0;
@@ -49,10 +42,10 @@ std::string reportText(const std::string& light, const Failures& failures) {
            (everywhere ? "on the shader path"
                        : "on the shader path at " + std::to_string(failures.count) + " of " +
                              std::to_string(failures.vertices) + " vertices") +
-           ": its result is not finite there, at (" + text(failures.first_at) + ") the direction (" +
-           text(failures.first.incidence) + "), the intensity (" + text(failures.first.intensity) +
-           ") and the specular intensity (" + text(failures.first.specular_intensity) +
-           "); check its parameters and where it stands";
+           ": its result is not finite there, at (" + componentsText(failures.first_at) +
+           ") the direction (" + componentsText(failures.first.incidence) + "), the intensity (" +
+           componentsText(failures.first.intensity) + ") and the specular intensity (" +
+           componentsText(failures.first.specular_intensity) + "); check its parameters and where it stands";
 }
 
 } // namespace

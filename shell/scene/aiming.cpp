@@ -3,9 +3,9 @@
 #include "shell/base/error.hpp"
 #include "shell/base/printable.hpp"
 #include "shell/catalogue/parameter_value.hpp"
+#include "shell/scene/vectors.hpp"
 
 #include <orvid/physical_space.hpp>
-#include <sorvik/component_text.hpp>
 
 #include <algorithm>
 #include <array>
@@ -22,10 +22,6 @@ using Orvid::PhysicalSpace;
 constexpr const char* direction_name = "direction"; ///< the way in which parallel light travels
 constexpr const char* position_name = "lightposition";
 constexpr const char* target_name = "shineat";
-
-std::string text(const glm::dvec3& value) {
-    return Qelt::componentsToText(std::array{value.x, value.y, value.z});
-}
 
 template <class T>
 bool has(const Qelt::VObject& light, const char* name) {
@@ -59,9 +55,9 @@ glm::dvec3 directionOf(const glm::dvec3& vector) {
 }
 
 void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec3& value) {
-    if (!std::isfinite(value.x) || !std::isfinite(value.y) || !std::isfinite(value.z))
+    if (!isFinite(value))
         throw InvalidValue("cannot aim " + inQuotes(light.Name()) + ": the " + what + " is " +
-                           inQuotes(text(value)) + ", expected three finite numbers");
+                           inQuotes(componentsText(value)) + ", expected three finite numbers");
 }
 
 glm::dvec3 pointIn(const Qelt::VObject& light, const char* name) {
@@ -79,7 +75,7 @@ void aimAt(Scene& scene, const std::string& name, const glm::dvec3& point) {
     requireFinite(light, "point", point);
     const bool parallel = hasParallelRays(light);
     if (point == (parallel ? glm::dvec3(0) : pointIn(light, position_name)))
-        throw InvalidValue("cannot aim " + inQuotes(name) + " at " + inQuotes(text(point)) + ": " +
+        throw InvalidValue("cannot aim " + inQuotes(name) + " at " + inQuotes(componentsText(point)) + ": " +
                            (parallel ? "its rays are seen from the origin, and there is no way from there "
                                        "to itself"
                                      : "the light stands there itself; aim it elsewhere or move it"));

@@ -1,11 +1,11 @@
 #include "shell/scene/camera.hpp"
 
 #include "shell/base/error.hpp"
+#include "shell/scene/vectors.hpp"
 
-#include <sorvik/component_text.hpp>
+#include <sorvik/value_trait.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <glm/ext/matrix_clip_space.hpp>
 #include <glm/ext/matrix_transform.hpp>
@@ -27,10 +27,6 @@ double narrowerHalfAngle(double fov_degrees, double aspect) {
     return aspect < 1 ? std::atan(std::tan(vertical) * aspect) : vertical;
 }
 
-bool isFinite(const glm::dvec3& value) {
-    return std::isfinite(value.x) && std::isfinite(value.y) && std::isfinite(value.z);
-}
-
 /// A vector's direction; scaled first, since the squares of very large or small components leave the range of
 /// double.
 glm::dvec3 directionOf(const glm::dvec3& vector) {
@@ -38,7 +34,7 @@ glm::dvec3 directionOf(const glm::dvec3& vector) {
 }
 
 std::string text(const glm::dvec3& value) {
-    return '"' + Qelt::componentsToText(std::array{value.x, value.y, value.z}) + '"';
+    return '"' + componentsText(value) + '"';
 }
 
 void requireFinite(const std::string& what, const glm::dvec3& value) {
@@ -70,7 +66,7 @@ void validate(const Camera& camera) {
     // Both conditions are needed: not-a-number meets neither.
     if (!(camera.fov_degrees > 0 && camera.fov_degrees < 180))
         throw InvalidValue("the camera's field of view is " +
-                           Qelt::componentsToText(std::array{camera.fov_degrees}) +
+                           Qelt::VValueTrait<double>::Text(camera.fov_degrees) +
                            " degrees, expected more than 0 and less than 180");
     const glm::dvec3 sight = camera.target - camera.position;
     if (sight == glm::dvec3(0))

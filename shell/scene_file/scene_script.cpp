@@ -3,8 +3,10 @@
 #include "shell/base/json_text.hpp"
 #include "shell/catalogue/type_names.hpp"
 #include "shell/scene/scene.hpp"
+#include "shell/scene/vectors.hpp"
 #include "shell/scene_file/saved_value.hpp"
 
+#include <palune/geometry_traits.hpp>
 #include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
 
@@ -59,7 +61,7 @@ std::string python(const std::string& text) {
 }
 
 std::string python(const glm::dvec3& value) {
-    return python(Qelt::componentsToText(std::array{value.x, value.y, value.z}));
+    return python(componentsText(value));
 }
 
 /// A list of tuples of three.
@@ -81,11 +83,7 @@ std::string rows(const Triples& triples, std::size_t count) {
 }
 
 std::string rows(const std::vector<glm::vec3>& triples) {
-    return rows(
-        [&](std::size_t i) {
-            return Qelt::componentsToText(std::array{triples[i].x, triples[i].y, triples[i].z});
-        },
-        triples.size());
+    return rows([&](std::size_t i) { return componentsText(triples[i]); }, triples.size());
 }
 
 /// Writes the script of one scene.
@@ -218,13 +216,13 @@ private:
 
     void addSurroundings() {
         const Orvid::rgba_float_t& color = my_scene.background;
-        const auto text = Qelt::componentsToText(std::array{color.r, color.g, color.b, color.a});
+        const std::string text = Qelt::VValueTrait<Orvid::rgba_float_t>::Text(color);
         if (!(color == Scene().background))
             line("shell.background = " + python(text));
         if (const auto& camera = my_scene.camera)
             line("shell.camera.set(position=" + python(camera->position) +
                  ", target=" + python(camera->target) + ", up=" + python(camera->up) +
-                 ", fov=" + Qelt::componentsToText(std::array{camera->fov_degrees}) + ")");
+                 ", fov=" + Qelt::VValueTrait<double>::Text(camera->fov_degrees) + ")");
     }
 
     const Scene& my_scene;

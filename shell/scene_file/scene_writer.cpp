@@ -6,13 +6,13 @@
 #include "shell/catalogue/type_names.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
+#include "shell/scene/vectors.hpp"
 #include "shell/scene_file/json_layout.hpp"
 #include "shell/scene_file/saved_value.hpp"
 
-#include <sorvik/component_text.hpp>
+#include <palune/geometry_traits.hpp>
 #include <sorvik/creator.hpp>
 
-#include <array>
 #include <set>
 
 namespace korl {
@@ -39,18 +39,18 @@ std::string valueJson(const VParameter& parameter, const std::string& text) {
 }
 
 std::string colorJson(const Orvid::rgba_float_t& color) {
-    return listOf(Qelt::componentsToText(std::array{color.r, color.g, color.b, color.a}));
+    return listOf(Qelt::VValueTrait<Orvid::rgba_float_t>::Text(color));
 }
 
 std::string tripleJson(const glm::dvec3& value) {
-    return listOf(Qelt::componentsToText(std::array{value.x, value.y, value.z}));
+    return listOf(componentsText(value));
 }
 
 std::string cameraJson(const Camera& camera) {
     return jsonObject({{"position", tripleJson(camera.position)},
                        {"target", tripleJson(camera.target)},
                        {"up", tripleJson(camera.up)},
-                       {"fov", Qelt::componentsToText(std::array{camera.fov_degrees})}},
+                       {"fov", Qelt::VValueTrait<double>::Text(camera.fov_degrees)}},
                       2);
 }
 
