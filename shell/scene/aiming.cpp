@@ -7,9 +7,7 @@
 
 #include <orvid/physical_space.hpp>
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <glm/geometric.hpp>
 
 namespace korl {
@@ -46,12 +44,6 @@ void requireAimable(const Qelt::VObject& light) {
             inQuotes(light.Name()) + ", a " + printable(light.type_key()) +
             ", has no direction to set: it lacks the parameter \"direction\", and \"lightposition\" "
             "with \"shineat\"");
-}
-
-/// A vector's direction; scaled first, since the squares of very large or small components leave the range of
-/// double.
-glm::dvec3 directionOf(const glm::dvec3& vector) {
-    return glm::normalize(vector / std::max({std::abs(vector.x), std::abs(vector.y), std::abs(vector.z)}));
 }
 
 void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec3& value) {

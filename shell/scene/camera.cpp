@@ -27,12 +27,6 @@ double narrowerHalfAngle(double fov_degrees, double aspect) {
     return aspect < 1 ? std::atan(std::tan(vertical) * aspect) : vertical;
 }
 
-/// A vector's direction; scaled first, since the squares of very large or small components leave the range of
-/// double.
-glm::dvec3 directionOf(const glm::dvec3& vector) {
-    return glm::normalize(vector / std::max({std::abs(vector.x), std::abs(vector.y), std::abs(vector.z)}));
-}
-
 std::string text(const glm::dvec3& value) {
     return '"' + componentsText(value) + '"';
 }
