@@ -8,8 +8,6 @@
 
 #include <sorvik/creator.hpp>
 
-#include <algorithm>
-
 namespace korl {
 
 namespace {
@@ -49,14 +47,9 @@ std::vector<ParameterInfo> parametersOf(const Qelt::VObject& object) {
 std::vector<TypeInfo> knownTypes() {
     using Kind = Qelt::VCreatorPropertyBase::Kind;
     std::vector<TypeInfo> types;
-    for (Qelt::VCreatorBase* const creator : Qelt::VCreatorBase::catalogue()) {
-        const std::string name = typeName(*creator);
-        const bool is_listed =
-            std::any_of(types.begin(), types.end(), [&](const TypeInfo& type) { return type.name == name; });
-        if (is_listed)
-            continue;
+    for (const auto& [name, creator] : namedTypes()) {
         const Tessan::StrongPtr<Qelt::VObject> sample =
-            ModuleCall(*creator, "creation").run([&] { return creator->create({}); });
+            ModuleCall(*creator, "creation").run([&type = *creator] { return type.create({}); });
         types.push_back({name, creator->properties().text(Kind::category),
                          creator->properties().text(Kind::description), parametersOf(*sample)});
     }

@@ -28,27 +28,30 @@ std::string typeName(const VCreatorBase& creator) {
     return module.empty() || module == moduleOf(*first) ? creator.Name() : module + "/" + creator.Name();
 }
 
+std::vector<std::pair<std::string, VCreatorBase*>> namedTypes() {
+    std::vector<std::pair<std::string, VCreatorBase*>> types;
+    for (VCreatorBase* const creator : VCreatorBase::catalogue())
+        if (std::string name = typeName(*creator);
+            std::none_of(types.begin(), types.end(), [&](const auto& type) { return type.first == name; }))
+            types.emplace_back(std::move(name), creator);
+    return types;
+}
+
 std::vector<std::string> typeNames() {
     std::vector<std::string> names;
-    for (const VCreatorBase* const creator : VCreatorBase::catalogue())
-        if (std::string name = typeName(*creator); std::find(names.begin(), names.end(), name) == names.end())
-            names.push_back(std::move(name));
+    for (auto& [name, creator] : namedTypes())
+        names.push_back(std::move(name));
     return names;
 }
 
 std::vector<std::string> shadowedTypes() {
     std::vector<std::string> sentences;
-    for (const VCreatorBase* const creator : VCreatorBase::catalogue()) {
-        const std::string name = typeName(*creator);
-        if (name == creator->Name())
-            continue;
-        const std::string sentence = "two modules have the type \"" + printable(creator->Name()) +
-                                     "\": the name stands for that of \"" +
-                                     printable(moduleOf(*findType(creator->Name()))) + "\", \"" +
-                                     printable(name) + "\" for the other";
-        if (std::find(sentences.begin(), sentences.end(), sentence) == sentences.end())
-            sentences.push_back(sentence);
-    }
+    for (const auto& [name, creator] : namedTypes())
+        if (name != creator->Name())
+            sentences.push_back("two modules have the type \"" + printable(creator->Name()) +
+                                "\": the name stands for that of \"" +
+                                printable(moduleOf(*findType(creator->Name()))) + "\", \"" + printable(name) +
+                                "\" for the other");
     return sentences;
 }
 

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Qelt {
@@ -18,7 +19,11 @@ Qelt::VCreatorBase* findType(std::string_view name);
 /// shadowed, since another module's type of the same name stands before it in the catalogue.
 std::string typeName(const Qelt::VCreatorBase& creator);
 
-/// The names of all types, each once, in the order of the catalogue.
+/// The types in the order of the catalogue under their names (see `typeName`), of several of one name the
+/// first.
+std::vector<std::pair<std::string, Qelt::VCreatorBase*>> namedTypes();
+
+/// The names of `namedTypes`.
 std::vector<std::string> typeNames();
 
 /// A sentence for each type that is shadowed: which module's type has the name, and how this one is reached.

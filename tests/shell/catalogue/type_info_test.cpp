@@ -1,5 +1,6 @@
 #include "shell/catalogue/parameter_notes.hpp"
 #include "shell/catalogue/type_info.hpp"
+#include "shell/catalogue/type_names.hpp"
 
 #include "tests/support/plain_object.hpp"
 
@@ -24,6 +25,7 @@ TEST(TypeInfoTest, SaysWhatATypeDeclares) {
             Property(Property::Kind::description, "A thing.") + Property(Property::Kind::category, "Things"),
         0};
     const Qelt::VCreator<Described, void> shadowed{std::string("Thing"), 1};
+    EXPECT_EQ(korl::typeNames(), std::vector<std::string>{"Thing"});
     const auto types = korl::knownTypes();
     ASSERT_EQ(types.size(), 1u);
     EXPECT_EQ(types[0].name, "Thing");
