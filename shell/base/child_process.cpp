@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/syscall.h>
@@ -62,7 +63,7 @@ Descriptor copyOutOfTheWay(int descriptor) {
         return Descriptor();
     Descriptor copy(::fcntl(descriptor, F_DUPFD_CLOEXEC, shared_descriptor + 1));
     if (!copy.isOpen())
-        throw Error(std::string("cannot start a program: ") + std::strerror(errno));
+        throw Error(fmt::format("cannot start a program: {}", std::strerror(errno)));
     return copy;
 }
 
@@ -76,7 +77,7 @@ std::vector<std::string> environmentWith(const std::vector<std::pair<std::string
             all.emplace_back(*entry);
     }
     for (const auto& [name, value] : additions)
-        all.push_back(name + "=" + value);
+        all.push_back(fmt::format("{}={}", name, value));
     return all;
 }
 
@@ -118,14 +119,15 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
                                      pointersTo(words).data(), pointersTo(environment).data());
     if (problem != 0) {
         my_id = -1;
-        throw Error("cannot start the program " + start.program.string() + ": " + std::strerror(problem));
+        throw Error(
+            fmt::format("cannot start the program {}: {}", start.program.string(), std::strerror(problem)));
     }
 }
 
 ChildProcess ChildProcess::copyOfThisProcess(int output, const std::function<void()>& work) {
     const pid_t id = ::fork();
     if (id < 0)
-        throw Error(std::string("cannot start a process: ") + std::strerror(errno));
+        throw Error(fmt::format("cannot start a process: {}", std::strerror(errno)));
     if (id > 0) {
         ::setpgid(id, id); // here and there, so that it is done whoever comes first
         return ChildProcess(id);
@@ -207,9 +209,8 @@ std::string endText(int wait_status) {
     if (wait_status == unknown_end)
         return "an unknown exit code";
     if (WIFSIGNALED(wait_status))
-        return "signal " + std::to_string(WTERMSIG(wait_status)) + " (" + strsignal(WTERMSIG(wait_status)) +
-               ")";
-    return "exit code " + std::to_string(WEXITSTATUS(wait_status));
+        return fmt::format("signal {} ({})", WTERMSIG(wait_status), strsignal(WTERMSIG(wait_status)));
+    return fmt::format("exit code {}", WEXITSTATUS(wait_status));
 }
 
 std::filesystem::path thisProgram() {

@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cerrno>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <mutex>
 #include <string>
 #include <sys/stat.h>
@@ -26,7 +27,7 @@ public:
     explicit Failure(fs::path target) : my_target(std::move(target)) {}
 
     [[noreturn]] void operator()(const std::string& reason) const {
-        throw Error("cannot write " + printable(my_target.string()) + ": " + reason);
+        throw Error(fmt::format("cannot write {}: {}", printable(my_target.string()), reason));
     }
 
     /// With the system's reason for the call that just failed.
@@ -63,8 +64,7 @@ public:
         constexpr int max_attempts = 100;
         constexpr mode_t new_file_mode = 0666;
         for (int attempt = 0; attempt < max_attempts; ++attempt) {
-            my_path = target.parent_path() /
-                      (temporary_start + std::to_string(::getpid()) + "-" + std::to_string(attempt));
+            my_path = target.parent_path() / fmt::format("{}{}-{}", temporary_start, ::getpid(), attempt);
             my_file =
                 Descriptor(::open(my_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
             if (!my_file.isOpen() && errno != EEXIST)
@@ -156,10 +156,12 @@ Place placeOf(const fs::path& target, const Failure& fail) {
     std::error_code problem;
     const bool is_link = fs::is_symlink(target, problem);
     if (!place.exists && is_link)
-        fail("it is a symbolic link to " + printable(fs::read_symlink(target, problem).string()) +
-             ", which is not there; make that file first, or remove the link");
+        fail(fmt::format(
+            "it is a symbolic link to {}, which is not there; make that file first, or remove the link",
+            printable(fs::read_symlink(target, problem).string())));
     if (!place.exists && !fs::is_directory(folderOf(target), problem))
-        fail("the folder " + printable(folderOf(target).string()) + " does not exist; make it first");
+        fail(
+            fmt::format("the folder {} does not exist; make it first", printable(folderOf(target).string())));
     if (is_link && S_ISREG(place.found.st_mode))
         place.file = fs::canonical(target, problem);
     if (is_link && problem)

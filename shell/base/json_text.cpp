@@ -4,6 +4,7 @@
 #include "shell/base/printable.hpp"
 
 #include <charconv>
+#include <fmt/core.h>
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
@@ -36,8 +37,8 @@ public:
         Level& level = my_levels[my_depth - 1];
         level.key = name;
         if (!level.keys.insert(name).second)
-            throw Error(printable(pointer()) + ": the key " + inQuotes(name) +
-                        " stands twice in one object; keep one of them");
+            throw Error(fmt::format("{}: the key {} stands twice in one object; keep one of them",
+                                    printable(pointer()), inQuotes(name)));
         return addString();
     }
 
@@ -93,8 +94,8 @@ private:
 
     bool open(Kind kind) {
         if (my_depth == max_levels)
-            throw Error(printable(pointer()) + ": lists and objects lie more than " +
-                        std::to_string(max_levels) + " deep in each other");
+            throw Error(fmt::format("{}: lists and objects lie more than {} deep in each other",
+                                    printable(pointer()), max_levels));
         skip();
         if (my_levels.size() == my_depth)
             my_levels.emplace_back();
@@ -142,8 +143,8 @@ private:
 
 JsonText::JsonText(std::string text) : my_text(std::move(text)) {
     if (my_text.size() > max_bytes)
-        throw Error("it has " + std::to_string(my_text.size()) + " bytes, more than the " +
-                    std::to_string(max_bytes) + " that are read");
+        throw Error(
+            fmt::format("it has {} bytes, more than the {} that are read", my_text.size(), max_bytes));
     Builder builder(my_text, my_nodes);
     json::sax_parse(my_text, &builder);
 }

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fmt/core.h>
 #include <new>
 #include <string_view>
 #include <unistd.h>
@@ -116,9 +117,10 @@ void ModuleCall::failed() const {
     try {
         throw;
     } catch (const std::bad_alloc&) {
-        throw Error(text + " failed: " + textOfCaughtException());
+        throw Error(fmt::format("{} failed: {}", text, textOfCaughtException()));
     } catch (...) {
-        throw Error(text + " threw " + nameOfCaughtException() + "; report it to the author of the module");
+        throw Error(
+            fmt::format("{} threw {}; report it to the author of the module", text, nameOfCaughtException()));
     }
 }
 

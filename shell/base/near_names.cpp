@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -53,8 +54,8 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
             nearest = &known[i];
         }
     }
-    list += known.size() > max_listed ? ", and " + std::to_string(known.size() - max_listed) + " more." : ".";
-    return nearest ? "did you mean " + inQuotes(*nearest) + "? T" + list : "t" + list;
+    list += known.size() > max_listed ? fmt::format(", and {} more.", known.size() - max_listed) : ".";
+    return nearest ? fmt::format("did you mean {}? T{}", inQuotes(*nearest), list) : "t" + list;
 }
 
 } // namespace korl

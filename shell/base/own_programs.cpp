@@ -5,6 +5,7 @@
 #include <sorvik/initialization.hpp>
 
 #include <dlfcn.h>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -19,8 +20,9 @@ std::filesystem::path ownFolder() {
 std::filesystem::path ownProgram(std::string_view name) {
     const std::filesystem::path program = ownFolder() / name;
     if (!std::filesystem::exists(program))
-        throw Error("a program that belongs to korl is missing: " + program.string() +
-                    "\nInstall korl once more, or build all of it.");
+        throw Error(fmt::format("a program that belongs to korl is missing: {}\n"
+                                "Install korl once more, or build all of it.",
+                                program.string()));
     return program;
 }
 

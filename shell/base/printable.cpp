@@ -1,7 +1,7 @@
 #include "shell/base/printable.hpp"
 
 #include <cstddef>
-#include <cstdio>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -27,9 +27,7 @@ std::size_t characterLength(std::string_view text) {
 }
 
 std::string byteEscape(char byte) {
-    char escape[5];
-    std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
-    return escape;
+    return fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
 }
 
 std::string escaped(std::string_view text, bool keeps_line_ends) {
@@ -61,7 +59,7 @@ std::string printable(std::string_view text) {
 }
 
 std::string inQuotes(std::string_view text) {
-    return '"' + printable(text) + '"';
+    return fmt::format("\"{}\"", printable(text));
 }
 
 std::string printableLines(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -21,8 +22,9 @@ namespace fs = std::filesystem;
 constexpr const char* name_start = "korl-sequence-";
 
 [[noreturn]] void fail(const std::string& folder, const std::string& reason) {
-    throw Error("no temporary folder can be made in " + printable(folder) + ": " + reason +
-                "\nLet the variable TMPDIR name a folder that can be written to.");
+    throw Error(fmt::format("no temporary folder can be made in {}: {}\n"
+                            "Let the variable TMPDIR name a folder that can be written to.",
+                            printable(folder), reason));
 }
 
 fs::path folderForTemporaryFiles() {
@@ -53,7 +55,7 @@ TemporaryFolder::TemporaryFolder() {
     const fs::path parent = folderForTemporaryFiles();
     sweep(parent);
     do {
-        std::string name = (parent / (std::string(name_start) + "XXXXXX")).string();
+        std::string name = (parent / fmt::format("{}XXXXXX", name_start)).string();
         if (!::mkdtemp(name.data()))
             fail(parent.string(), std::strerror(errno));
         my_path = name;
