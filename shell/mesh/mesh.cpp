@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <glm/geometric.hpp>
-#include <sstream>
 #include <unordered_map>
 
 namespace korl {
@@ -32,19 +32,16 @@ bool isColor(const glm::vec3& value) {
 }
 
 std::string text(const glm::vec3& value) {
-    std::ostringstream stream;
-    stream << '(' << value.x << ", " << value.y << ", " << value.z << ')';
-    return stream.str();
+    return fmt::format("({:g}, {:g}, {:g})", value.x, value.y, value.z);
 }
 
 [[noreturn]] void fail(const Mesh& mesh, const std::string& what) {
-    throw InvalidValue("the mesh " + inQuotes(mesh.name) + " is damaged: " + what);
+    throw InvalidValue(fmt::format("the mesh {} is damaged: {}", inQuotes(mesh.name), what));
 }
 
 void requireAsManyAsPositions(const Mesh& mesh, std::size_t count, const std::string& what) {
     if (count != mesh.positions.size())
-        fail(mesh, "it has " + std::to_string(mesh.positions.size()) + " positions, but " +
-                       std::to_string(count) + " " + what);
+        fail(mesh, fmt::format("it has {} positions, but {} {}", mesh.positions.size(), count, what));
 }
 
 template <class Condition>
@@ -52,8 +49,7 @@ void requireEach(const Mesh& mesh, const std::vector<glm::vec3>& values, const s
                  const std::string& expected, Condition isGood) {
     const auto bad = std::find_if_not(values.begin(), values.end(), isGood);
     if (bad != values.end())
-        fail(mesh, what + " " + std::to_string(bad - values.begin()) + " is " + text(*bad) + ", expected " +
-                       expected);
+        fail(mesh, fmt::format("{} {} is {}, expected {}", what, bad - values.begin(), text(*bad), expected));
 }
 
 bool isUsableNormal(const glm::vec3& value) {
@@ -112,14 +108,12 @@ void validate(const Mesh& mesh) {
     requireEach(mesh, mesh.normals, "normal", "unit length", hasUnitLength);
     requireEach(mesh, mesh.colors, "color", "components from 0 to 1", isColor);
     if (mesh.triangles.size() % 3 != 0)
-        fail(mesh,
-             "its " + std::to_string(mesh.triangles.size()) + " indices are not three for each triangle");
+        fail(mesh, fmt::format("its {} indices are not three for each triangle", mesh.triangles.size()));
     const auto beyond = std::find_if(mesh.triangles.begin(), mesh.triangles.end(),
                                      [&](std::uint32_t index) { return index >= mesh.positions.size(); });
     if (beyond != mesh.triangles.end())
-        fail(mesh, "triangle " + std::to_string((beyond - mesh.triangles.begin()) / 3) +
-                       " leads to position " + std::to_string(*beyond) + ", but there are " +
-                       std::to_string(mesh.positions.size()));
+        fail(mesh, fmt::format("triangle {} leads to position {}, but there are {}",
+                               (beyond - mesh.triangles.begin()) / 3, *beyond, mesh.positions.size()));
 }
 
 void addMissingNormals(Mesh& mesh) {

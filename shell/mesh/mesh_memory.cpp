@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +19,7 @@ constexpr std::string_view beginning = "korlmesh";
 constexpr int wanted_seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
 
 [[noreturn]] void failWithReason(const std::string& what) {
-    throw Error(what + ": " + std::strerror(errno));
+    throw Error(fmt::format("{}: {}", what, std::strerror(errno)));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/format.h>
 #include <system_error>
 
 namespace korl {
@@ -16,10 +17,7 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 6> extensions{".obj", ".ply", ".stl", ".gltf", ".glb", ".3ds"};
 
 std::string extensionList() {
-    std::string list;
-    for (const std::string_view extension : extensions)
-        list += (list.empty() ? "" : ", ") + std::string(extension);
-    return list;
+    return fmt::format("{}", fmt::join(extensions, ", "));
 }
 
 /// Why a model can't be read; whoever knows the file completes the message.
@@ -63,8 +61,9 @@ void requireModelFile(const fs::path& file) {
     if (status.type() == fs::file_type::not_found) {
         const std::string_view scheme = uriScheme(file.native());
         if (!scheme.empty() && file.native().find("://") == scheme.size())
-            refuse("it is a URI, of the scheme \"" + std::string(scheme) +
-                   "\"; only files are read, so fetch it and name the file");
+            refuse(fmt::format(
+                "it is a URI, of the scheme \"{}\"; only files are read, so fetch it and name the file",
+                scheme));
         refuse("there is no such file; check the path");
     }
     if (problem)
@@ -72,13 +71,13 @@ void requireModelFile(const fs::path& file) {
     if (fs::is_directory(status))
         refuse("it is a directory; give the name of a model file");
     if (!fs::is_regular_file(status))
-        refuse("it is " + otherKind(status.type()) + "; give the name of a model file");
+        refuse(fmt::format("it is {}; give the name of a model file", otherKind(status.type())));
     const std::string extension = suffixOf(file);
     if (extension.empty())
         refuse("its name has no extension to tell the format; those that can be read are " + extensionList());
     if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
-        refuse("a " + extension + " file is not a model that can be read; those that can are " +
-               extensionList());
+        refuse(fmt::format("a {} file is not a model that can be read; those that can are {}", extension,
+                           extensionList()));
 }
 
 } // namespace korl

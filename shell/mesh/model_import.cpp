@@ -9,6 +9,7 @@
 #include "shell/mesh/model_file.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <optional>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,22 +29,24 @@ const char* nameOf(UpAxis up) {
     std::string number = std::to_string(seconds);
     number.erase(number.find_last_not_of('0') + 1);
     number.erase(number.find_last_not_of('.') + 1);
-    throw Error("it was not read within " + number + (seconds == 1 ? " second" : " seconds") +
-                "\nIf it is not damaged, allow more time with --model-timeout (model_timeout in Python).");
+    throw Error(
+        fmt::format("it was not read within {} {}\n"
+                    "If it is not damaged, allow more time with --model-timeout (model_timeout in Python).",
+                    number, seconds == 1 ? "second" : "seconds"));
 }
 
 [[noreturn]] void failForMemory(const ModelReading& reading) {
-    throw Error("reading it takes more than " + std::to_string(reading.memory >> 20) +
-                " MiB of memory\nIf it is not damaged, allow more with --model-memory (model_memory in "
-                "Python).");
+    throw Error(fmt::format("reading it takes more than {} MiB of memory\n"
+                            "If it is not damaged, allow more with --model-memory (model_memory in Python).",
+                            reading.memory >> 20));
 }
 
 [[noreturn]] void failForCrash(int wait_status, const WrittenText& log) {
     const std::string last_line = log.lastLines(1);
-    throw Error("the program that reads it crashed: " + endText(wait_status) +
-                (last_line.empty() ? "" : ", " + last_line) +
-                "\nThe file is probably damaged; write it anew with the program that made it, or in another "
-                "format.");
+    throw Error(fmt::format(
+        "the program that reads it crashed: {}{}{}\n"
+        "The file is probably damaged; write it anew with the program that made it, or in another format.",
+        endText(wait_status), last_line.empty() ? "" : ", ", last_line));
 }
 
 [[noreturn]] void failToHandOver(const WrittenText& log) {
@@ -94,7 +97,7 @@ Mesh readInChild(const fs::path& file, UpAxis up, const ModelReading& reading) {
     for (std::uint64_t left = reader.number(); left > 0; --left) {
         const std::string note = reader.text();
         if (reading.warn)
-            reading.warn("the model " + printable(file.string()) + ": " + note);
+            reading.warn(fmt::format("the model {}: {}", printable(file.string()), note));
     }
     return reader.mesh();
 }
@@ -108,7 +111,7 @@ UpAxis parseUpAxis(std::string_view text) {
         return UpAxis::y;
     if (text == "z")
         return UpAxis::z;
-    throw Error("\"" + std::string(text) + "\" is not an axis of a model; there are x, y and z");
+    throw Error(fmt::format("\"{}\" is not an axis of a model; there are x, y and z", text));
 }
 
 std::uint64_t ModelReading::halfOfMemory() {
@@ -127,7 +130,7 @@ Mesh importModel(const fs::path& file, UpAxis up, const ModelReading& reading) {
         mesh.source = ModelSource{fs::absolute(file), up};
         return mesh;
     } catch (const std::exception& error) {
-        throw Error("cannot read the model " + printable(file.string()) + ": " + error.what());
+        throw Error(fmt::format("cannot read the model {}: {}", printable(file.string()), error.what()));
     }
 }
 
