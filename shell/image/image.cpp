@@ -3,6 +3,7 @@
 #include "shell/base/error.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <string>
 
 namespace korl {
@@ -12,7 +13,7 @@ namespace {
 constexpr std::size_t bytes_per_pixel = 4;
 
 std::string sizeText(const Image& image) {
-    return std::to_string(image.width) + " x " + std::to_string(image.height);
+    return fmt::format("{} x {}", image.width, image.height);
 }
 
 std::size_t bytesPerRow(const Image& image) {
@@ -29,12 +30,13 @@ void copyInto(Image& whole, const Image& part, std::size_t first_column) {
 
 void validate(const Image& image) {
     if (image.width < 1 || image.height < 1)
-        throw Error("a picture of " + sizeText(image) +
-                    " pixels has no content; its width and height must be 1 or more");
+        throw Error(
+            fmt::format("a picture of {} pixels has no content; its width and height must be 1 or more",
+                        sizeText(image)));
     const std::size_t expected = bytesPerRow(image) * static_cast<std::size_t>(image.height);
     if (image.pixels.size() != expected)
-        throw Error("a picture of " + sizeText(image) + " pixels must have " + std::to_string(expected) +
-                    " bytes, but this one has " + std::to_string(image.pixels.size()));
+        throw Error(fmt::format("a picture of {} pixels must have {} bytes, but this one has {}",
+                                sizeText(image), expected, image.pixels.size()));
 }
 
 void makeAlphaStraight(Image& image) {
@@ -51,8 +53,9 @@ Image sideBySide(const Image& left, const Image& right) {
     validate(left);
     validate(right);
     if (left.height != right.height)
-        throw Error("a picture of " + sizeText(left) + " pixels can't stand beside one of " +
-                    sizeText(right) + ": their heights must be equal");
+        throw Error(
+            fmt::format("a picture of {} pixels can't stand beside one of {}: their heights must be equal",
+                        sizeText(left), sizeText(right)));
     Image both{left.width + right.width, left.height,
                std::vector<std::uint8_t>(left.pixels.size() + right.pixels.size())};
     copyInto(both, left, 0);

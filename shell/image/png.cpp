@@ -8,6 +8,7 @@
 #include <array>
 #include <csetjmp>
 #include <cstdio>
+#include <fmt/core.h>
 #include <png.h>
 #include <zlib.h>
 
@@ -42,7 +43,7 @@ public:
     std::vector<std::uint8_t> write(const Image& image, std::vector<png_bytep>& rows,
                                     std::vector<png_text>& texts) {
         if (!my_info || !writeOrJump(image, rows.data(), texts.data(), static_cast<int>(texts.size())))
-            throw Error("the picture can't be made a PNG file: " + std::string(my_message.data()));
+            throw Error(fmt::format("the picture can't be made a PNG file: {}", my_message.data()));
         return std::move(my_bytes);
     }
 
@@ -111,12 +112,11 @@ bool isKeyword(const std::string& keyword) {
 png_text chunkOf(const Text& text) {
     const auto& [keyword, content] = text;
     if (!isKeyword(keyword))
-        throw Error("the keyword of a text in a PNG file takes 1 to 79 Latin-1 characters, and blanks only "
-                    "one by one "
-                    "between them; found \"" +
-                    keyword + "\"");
+        throw Error(fmt::format("the keyword of a text in a PNG file takes 1 to 79 Latin-1 characters, "
+                                "and blanks only one by one between them; found \"{}\"",
+                                keyword));
     if (content.find('\0') != std::string::npos)
-        throw Error("the text \"" + keyword + "\" can't be kept in a PNG file: it has a zero byte");
+        throw Error(fmt::format("the text \"{}\" can't be kept in a PNG file: it has a zero byte", keyword));
     const bool is_ascii = std::all_of(content.begin(), content.end(), [](char c) { return (c & 0x80) == 0; });
     png_text chunk{};
     chunk.compression = is_ascii ? PNG_TEXT_COMPRESSION_NONE : PNG_ITXT_COMPRESSION_NONE;
@@ -143,9 +143,9 @@ public:
         // Deflate shrinks at most 1032 : 1, and a pixel has at least one bit: what claims more is damaged,
         // and not worth the memory that it asks for.
         if (my_image.width / 8.0 * my_image.height > 1032.0 * static_cast<double>(png.size()))
-            throw Error("the PNG file is damaged or truncated: it has " + std::to_string(png.size()) +
-                        " bytes, too few for " + std::to_string(my_image.width) + " x " +
-                        std::to_string(my_image.height) + " pixels");
+            throw Error(fmt::format(
+                "the PNG file is damaged or truncated: it has {} bytes, too few for {} x {} pixels",
+                png.size(), my_image.width, my_image.height));
         Image image{static_cast<int>(my_image.width), static_cast<int>(my_image.height), {}};
         image.pixels.resize(std::size_t{4} * my_image.width * my_image.height);
         require(png_image_finish_read(&my_image, nullptr, image.pixels.data(), 0, nullptr));
@@ -155,7 +155,7 @@ public:
 private:
     void require(int success) const {
         if (success == 0)
-            throw Error("the PNG file is damaged or truncated: " + std::string(my_image.message));
+            throw Error(fmt::format("the PNG file is damaged or truncated: {}", my_image.message));
     }
 
     png_image my_image{};
@@ -184,11 +184,9 @@ std::vector<std::uint8_t> encodePng(const Image& image, std::span<const Text> te
 
 void requirePngName(const std::filesystem::path& file) {
     if (const std::string suffix = suffixOf(file); !suffix.empty() && suffix != ".png")
-        throw InvalidValue(
-            "cannot write " + printable(file.string()) +
-            ": a picture is written as PNG alone, to a name that ends in .png or has no suffix, "
-            "found " +
-            inQuotes(file.extension().string()));
+        throw InvalidValue(fmt::format("cannot write {}: a picture is written as PNG alone, to a name that "
+                                       "ends in .png or has no suffix, found {}",
+                                       printable(file.string()), inQuotes(file.extension().string())));
 }
 
 std::string textOfPng(std::span<const std::uint8_t> png, std::string_view keyword) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <fmt/core.h>
 #include <map>
 #include <sstream>
 #include <string>
@@ -28,8 +29,9 @@ Color parseXpmColor(const std::string& line, const std::string& text) {
         read = std::from_chars(first, first + 2, color[i], 16).ptr == first + 2;
     }
     if (!read)
-        throw Error("the XPM image has the color line " + inQuotes(line) +
-                    ", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
+        throw Error(
+            fmt::format("the XPM image has the color line {}, expected \"KEY c #RRGGBB\" or \"KEY c None\"",
+                        inQuotes(line)));
     return color;
 }
 
@@ -41,8 +43,8 @@ Image decodeXpm(const char* const* lines) {
     std::size_t key_size = 0;
     if (!(header >> width >> height >> color_count >> key_size) || width < 1 || height < 1 ||
         color_count < 1 || key_size < 1)
-        throw Error(std::string("the XPM image has the header \"") + lines[0] +
-                    "\", expected \"WIDTH HEIGHT COLORS CHARACTERS\"");
+        throw Error(fmt::format(
+            "the XPM image has the header \"{}\", expected \"WIDTH HEIGHT COLORS CHARACTERS\"", lines[0]));
     std::map<std::string, Color, std::less<>> colors;
     for (int i = 1; i <= color_count; ++i) {
         const std::string line = lines[i];
@@ -55,14 +57,13 @@ Image decodeXpm(const char* const* lines) {
     for (int y = 0; y < height; ++y) {
         const std::string_view row = lines[1 + color_count + y];
         if (row.size() != key_size * static_cast<std::size_t>(width))
-            throw Error("the XPM image has a row of " + std::to_string(row.size()) +
-                        " characters, expected " +
-                        std::to_string(key_size * static_cast<std::size_t>(width)));
+            throw Error(fmt::format("the XPM image has a row of {} characters, expected {}", row.size(),
+                                    key_size * static_cast<std::size_t>(width)));
         for (std::size_t at = 0; at < row.size(); at += key_size) {
             const auto color = colors.find(row.substr(at, key_size));
             if (color == colors.end())
-                throw Error("the XPM image uses " + inQuotes(row.substr(at, key_size)) +
-                            ", which is not one of its colors");
+                throw Error(fmt::format("the XPM image uses {}, which is not one of its colors",
+                                        inQuotes(row.substr(at, key_size))));
             image.pixels.insert(image.pixels.end(), color->second.begin(), color->second.end());
         }
     }
