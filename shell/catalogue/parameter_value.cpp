@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -56,7 +57,7 @@ std::string valueForm(const std::type_info& type) {
     if (type == typeid(rgba_float_t))
         return "a color, four numbers \"red green blue alpha\"";
     if (type == typeid(PhysicalSpace::point) || type == typeid(PhysicalSpace::vector))
-        return "a " + valueKind(type) + ", three numbers \"x y z\"";
+        return fmt::format("a {}, three numbers \"x y z\"", valueKind(type));
     return "a value of type " + valueKind(type);
 }
 

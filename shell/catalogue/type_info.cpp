@@ -8,6 +8,8 @@
 
 #include <sorvik/creator.hpp>
 
+#include <fmt/core.h>
+
 namespace korl {
 
 namespace {
@@ -25,7 +27,7 @@ std::string rangeText(const ParameterInfo& parameter) {
     const auto& minimum = parameter.minimum;
     const auto& maximum = parameter.maximum;
     if (minimum && maximum)
-        return *minimum + " to " + *maximum;
+        return fmt::format("{} to {}", *minimum, *maximum);
     return minimum ? "from " + *minimum : maximum ? "up to " + *maximum : "";
 }
 

@@ -6,6 +6,7 @@
 #include <sorvik/creator.hpp>
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -25,7 +26,8 @@ std::string typeName(const VCreatorBase& creator) {
     if (!first || first == &creator)
         return creator.Name();
     const std::string module = moduleOf(creator);
-    return module.empty() || module == moduleOf(*first) ? creator.Name() : module + "/" + creator.Name();
+    return module.empty() || module == moduleOf(*first) ? creator.Name()
+                                                        : fmt::format("{}/{}", module, creator.Name());
 }
 
 std::vector<std::pair<std::string, VCreatorBase*>> namedTypes() {
@@ -48,10 +50,9 @@ std::vector<std::string> shadowedTypes() {
     std::vector<std::string> sentences;
     for (const auto& [name, creator] : namedTypes())
         if (name != creator->Name())
-            sentences.push_back("two modules have the type \"" + printable(creator->Name()) +
-                                "\": the name stands for that of \"" +
-                                printable(moduleOf(*findType(creator->Name()))) + "\", \"" + printable(name) +
-                                "\" for the other");
+            sentences.push_back(fmt::format(
+                "two modules have the type {}: the name stands for that of {}, {} for the other",
+                inQuotes(creator->Name()), inQuotes(moduleOf(*findType(creator->Name()))), inQuotes(name)));
     return sentences;
 }
 

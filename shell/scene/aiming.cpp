@@ -8,6 +8,7 @@
 #include <orvid/physical_space.hpp>
 
 #include <array>
+#include <fmt/core.h>
 #include <glm/geometric.hpp>
 
 namespace korl {
@@ -41,21 +42,21 @@ void requireAimable(const Qelt::VObject& light) {
     if (!hasParallelRays(light) &&
         !(has<PhysicalSpace::point>(light, position_name) && has<PhysicalSpace::point>(light, target_name)))
         throw WrongType(
-            inQuotes(light.Name()) + ", a " + printable(light.type_key()) +
-            ", has no direction to set: it lacks the parameter \"direction\", and \"lightposition\" "
-            "with \"shineat\"");
+            fmt::format("{}, a {}, has no direction to set: it lacks the parameter \"direction\", "
+                        "and \"lightposition\" with \"shineat\"",
+                        inQuotes(light.Name()), printable(light.type_key())));
 }
 
 void requireFinite(const Qelt::VObject& light, const char* what, const glm::dvec3& value) {
     if (!isFinite(value))
-        throw InvalidValue("cannot aim " + inQuotes(light.Name()) + ": the " + what + " is " +
-                           inQuotes(componentsText(value)) + ", expected three finite numbers");
+        throw InvalidValue(fmt::format("cannot aim {}: the {} is {}, expected three finite numbers",
+                                       inQuotes(light.Name()), what, inQuotes(componentsText(value))));
 }
 
 glm::dvec3 pointIn(const Qelt::VObject& light, const char* name) {
     const std::vector<double> read = numbersOf(light.findParameter(name)->globalValue());
     if (read.size() != 3)
-        throw InvalidValue("cannot aim " + inQuotes(light.Name()) + ": its " + name + " cannot be read");
+        throw InvalidValue(fmt::format("cannot aim {}: its {} cannot be read", inQuotes(light.Name()), name));
     return {read[0], read[1], read[2]};
 }
 
@@ -67,10 +68,10 @@ void aimAt(Scene& scene, const std::string& name, const glm::dvec3& point) {
     requireFinite(light, "point", point);
     const bool parallel = hasParallelRays(light);
     if (point == (parallel ? glm::dvec3(0) : pointIn(light, position_name)))
-        throw InvalidValue("cannot aim " + inQuotes(name) + " at " + inQuotes(componentsText(point)) + ": " +
-                           (parallel ? "its rays are seen from the origin, and there is no way from there "
-                                       "to itself"
-                                     : "the light stands there itself; aim it elsewhere or move it"));
+        throw InvalidValue(fmt::format(
+            "cannot aim {} at {}: {}", inQuotes(name), inQuotes(componentsText(point)),
+            parallel ? "its rays are seen from the origin, and there is no way from there to itself"
+                     : "the light stands there itself; aim it elsewhere or move it"));
     if (parallel)
         set<PhysicalSpace::vector>(scene, name, direction_name, directionOf(point));
     else
@@ -82,7 +83,8 @@ void shineFrom(Scene& scene, const std::string& name, const glm::dvec3& directio
     requireAimable(light);
     requireFinite(light, "direction", direction);
     if (direction == glm::dvec3(0))
-        throw InvalidValue("cannot aim " + inQuotes(name) + ": the direction \"0 0 0\" leads nowhere");
+        throw InvalidValue(
+            fmt::format("cannot aim {}: the direction \"0 0 0\" leads nowhere", inQuotes(name)));
     const glm::dvec3 from = directionOf(direction);
     if (hasParallelRays(light)) {
         // Subtracted from zero, so that no component becomes a negative zero.

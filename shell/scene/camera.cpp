@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <glm/ext/matrix_clip_space.hpp>
 #include <glm/ext/matrix_transform.hpp>
 #include <glm/geometric.hpp>
@@ -28,12 +29,13 @@ double narrowerHalfAngle(double fov_degrees, double aspect) {
 }
 
 std::string text(const glm::dvec3& value) {
-    return '"' + componentsText(value) + '"';
+    return fmt::format("\"{}\"", componentsText(value));
 }
 
 void requireFinite(const std::string& what, const glm::dvec3& value) {
     if (!isFinite(value))
-        throw InvalidValue("the camera's " + what + " is " + text(value) + ", expected three finite numbers");
+        throw InvalidValue(
+            fmt::format("the camera's {} is {}, expected three finite numbers", what, text(value)));
 }
 
 } // namespace
@@ -59,21 +61,24 @@ void validate(const Camera& camera) {
     requireFinite("up direction", camera.up);
     // Both conditions are needed: not-a-number meets neither.
     if (!(camera.fov_degrees > 0 && camera.fov_degrees < 180))
-        throw InvalidValue("the camera's field of view is " +
-                           Qelt::VValueTrait<double>::Text(camera.fov_degrees) +
-                           " degrees, expected more than 0 and less than 180");
+        throw InvalidValue(
+            fmt::format("the camera's field of view is {} degrees, expected more than 0 and less than 180",
+                        Qelt::VValueTrait<double>::Text(camera.fov_degrees)));
     const glm::dvec3 sight = camera.target - camera.position;
     if (sight == glm::dvec3(0))
-        throw InvalidValue("the camera's position and target are both " + text(camera.target) +
-                           ", so that it has no line of sight; move one of them");
+        throw InvalidValue(fmt::format(
+            "the camera's position and target are both {}, so that it has no line of sight; move one of them",
+            text(camera.target)));
     if (!isFinite(sight))
-        throw InvalidValue("the camera's position " + text(camera.position) + " and target " +
-                           text(camera.target) + " are too far apart; move them closer together");
+        throw InvalidValue(
+            fmt::format("the camera's position {} and target {} are too far apart; move them closer together",
+                        text(camera.position), text(camera.target)));
     if (camera.up == glm::dvec3(0))
         throw InvalidValue("the camera's up direction is \"0 0 0\", which leads nowhere; give another one");
     if (glm::length(glm::cross(directionOf(sight), directionOf(camera.up))) < 1e-6)
-        throw InvalidValue("the camera's up direction " + text(camera.up) +
-                           " lies along its line of sight; give one across it");
+        throw InvalidValue(
+            fmt::format("the camera's up direction {} lies along its line of sight; give one across it",
+                        text(camera.up)));
 }
 
 Camera fitCamera(const Ball& ball, double aspect, double fov_degrees) {

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <fmt/core.h>
 #include <typeinfo>
 #include <utility>
 
@@ -51,7 +52,7 @@ void destroy(VObject& object) {
 } // namespace
 
 std::string tooLongChainText() {
-    return "would follow another parameter through more than " + std::to_string(max_chain_length) + " others";
+    return fmt::format("would follow another parameter through more than {} others", max_chain_length);
 }
 
 Scene::Scene() : my_revision(nextRevision()) {}
@@ -66,12 +67,12 @@ Scene::~Scene() {
 VObject& Scene::create(const std::string& type, const std::string& name) {
     VCreatorBase* const creator = findType(type);
     if (!creator)
-        throw UnknownName(
-            "unknown type " + inQuotes(type) + ": " +
-            nearNames(type, typeNames(), "no module is loaded that has any; name one with --plugin"));
+        throw UnknownName(fmt::format(
+            "unknown type {}: {}", inQuotes(type),
+            nearNames(type, typeNames(), "no module is loaded that has any; name one with --plugin")));
     if (!name.empty() && isTaken(name))
-        throw Error("cannot create " + inQuotes(name) + " as " + printable(type) +
-                    ": the scene already has an object of this name");
+        throw Error(fmt::format("cannot create {} as {}: the scene already has an object of this name",
+                                inQuotes(name), printable(type)));
     const auto taken = [&](const std::string& candidate) { return isTaken(candidate); };
     const std::string own = name.empty() ? creator->createChildname(taken, my_numbers[type]) : name;
     const StrongPtr<VObject> object =
@@ -93,8 +94,8 @@ VObject& Scene::object(const std::string& name) const {
     std::vector<std::string> known;
     for (const auto& held : objects())
         known.push_back(held->Name());
-    throw UnknownName("unknown object " + inQuotes(name) + ": " +
-                      nearNames(name, known, "the scene has no objects"));
+    throw UnknownName(fmt::format("unknown object {}: {}", inQuotes(name),
+                                  nearNames(name, known, "the scene has no objects")));
 }
 
 // By value: the name may be the one that the object holds, and goes with it.
@@ -115,8 +116,8 @@ VParameter& Scene::parameter(const std::string& object_name, const std::string& 
     std::vector<std::string> known;
     for (const auto& entry : owner.parameters())
         known.push_back(entry.parameter->Name());
-    throw UnknownName("unknown parameter " + inQuotes(owner.Name() + "." + name) + ": " +
-                      nearNames(name, known, "the object has no parameters"));
+    throw UnknownName(fmt::format("unknown parameter {}: {}", inQuotes(owner.Name() + "." + name),
+                                  nearNames(name, known, "the object has no parameters")));
 }
 
 void Scene::connect(const std::string& object_name, const std::string& parameter_name,
@@ -127,15 +128,17 @@ void Scene::connect(const std::string& object_name, const std::string& parameter
     const std::string follower = inQuotes(object_name + "." + parameter_name);
     const std::string followed = inQuotes(source_object + "." + source_parameter);
     if (follower_parameter.type() != source.type())
-        throw WrongType(follower + " takes " + valueForm(follower_parameter.type()) + ", but " + followed +
-                        " is " + valueForm(source.type()) + "; they stay unconnected");
+        throw WrongType(fmt::format("{} takes {}, but {} is {}; they stay unconnected", follower,
+                                    valueForm(follower_parameter.type()), followed,
+                                    valueForm(source.type())));
     if (const std::string reason = tooLongChain(follower_parameter, source); !reason.empty())
-        throw Error(follower + " cannot follow " + followed + ": " + reason);
+        throw Error(fmt::format("{} cannot follow {}: {}", follower, followed, reason));
     if (!ModuleCall(following, "connectInput").run([&] {
             return following.connectInput(parameter_name, source);
         }))
-        throw Error(follower + " cannot follow " + followed +
-                    ": that one follows it already, or the input takes no connections");
+        throw Error(
+            fmt::format("{} cannot follow {}: that one follows it already, or the input takes no connections",
+                        follower, followed));
     my_unresolved.disconnect(following.number(), parameter_name);
 }
 
@@ -153,7 +156,8 @@ std::string Scene::tooLongChain(const VParameter& follower, const VParameter& so
             for (; next && next != &follower; next = next->source())
                 ++length;
             if (next && length > max_chain_length)
-                return inQuotes(object->Name() + "." + parameter->Name()) + " " + tooLongChainText();
+                return fmt::format("{} {}", inQuotes(object->Name() + "." + parameter->Name()),
+                                   tooLongChainText());
         }
     return {};
 }
@@ -189,8 +193,9 @@ void Scene::refuseValue(const std::string& object_name, const VParameter& change
                         const std::string& found) const {
     const Qelt::VValueBase* const kept =
         view_name.empty() ? &changed.globalValue() : changed.getLocalValue(*view(view_name));
-    throw InvalidValue(inQuotes(object_name + "." + changed.Name()) + " takes " + expected + ", found " +
-                       inQuotes(found) + (kept ? "; it keeps " + inQuotes(kept->Text()) : ""));
+    throw InvalidValue(fmt::format("{} takes {}, found {}{}", inQuotes(object_name + "." + changed.Name()),
+                                   expected, inQuotes(found),
+                                   kept ? "; it keeps " + inQuotes(kept->Text()) : ""));
 }
 
 void Scene::resetParameter(const std::string& object_name, const std::string& parameter_name,
@@ -244,7 +249,8 @@ Qelt::ValuePool& Scene::addView(const std::string& name) {
         throw Error("a view needs a name");
     for (const NamedView& view : my_views)
         if (view.first == name)
-            throw Error("cannot add the view " + inQuotes(name) + ": the scene already has one of this name");
+            throw Error(fmt::format("cannot add the view {}: the scene already has one of this name",
+                                    inQuotes(name)));
     return *my_views.emplace_back(name, Tessan::makeStrong<Qelt::ValuePool>()).second.get();
 }
 
@@ -255,8 +261,8 @@ const StrongPtr<Qelt::ValuePool>& Scene::view(const std::string& name) const {
     std::vector<std::string> known;
     for (const NamedView& view : my_views)
         known.push_back(view.first);
-    throw UnknownName("unknown view " + inQuotes(name) + ": " +
-                      nearNames(name, known, "the scene has no views"));
+    throw UnknownName(
+        fmt::format("unknown view {}: {}", inQuotes(name), nearNames(name, known, "the scene has no views")));
 }
 
 void Scene::removeView(const std::string& name) {
