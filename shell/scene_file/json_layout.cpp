@@ -4,6 +4,7 @@
 
 #include <array>
 #include <charconv>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -67,7 +68,7 @@ std::string jsonObject(const std::vector<std::pair<std::string, std::string>>& m
                        bool broken) {
     std::vector<std::string> parts;
     for (const auto& [key, value] : members)
-        parts.push_back(jsonQuoted(key) + ": " + value);
+        parts.push_back(fmt::format("{}: {}", jsonQuoted(key), value));
     return enclosed('{', parts, '}', indent, broken || !fit(parts, indent));
 }
 

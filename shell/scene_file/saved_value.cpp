@@ -4,6 +4,8 @@
 #include "shell/base/printable.hpp"
 #include "shell/catalogue/parameter_value.hpp"
 
+#include <fmt/core.h>
+
 namespace korl {
 
 using Qelt::VObject;
@@ -16,8 +18,8 @@ std::optional<std::string> finiteText(const VObject& object, const VParameter& p
                                       const Qelt::VValueBase& value) {
     std::string text = value.Text();
     if (!isFinite(value))
-        throw Error("the scene cannot be written: " + inQuotes(object.Name() + "." + parameter.Name()) +
-                    " is " + inQuotes(text) + ", which is not finite; set it first");
+        throw Error(fmt::format("the scene cannot be written: {} is {}, which is not finite; set it first",
+                                inQuotes(object.Name() + "." + parameter.Name()), inQuotes(text)));
     return text.empty() ? std::nullopt : std::optional(text);
 }
 

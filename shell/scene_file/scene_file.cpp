@@ -7,13 +7,14 @@
 #include "shell/scene_file/scene_reader.hpp"
 #include "shell/scene_file/scene_writer.hpp"
 
+#include <fmt/core.h>
 #include <fstream>
 
 namespace korl {
 
 std::string sceneFileText(const std::filesystem::path& file) {
     const auto fail = [&](const std::string& why) {
-        throw Error("cannot read the scene " + printable(file.string()) + ": " + why);
+        throw Error(fmt::format("cannot read the scene {}: {}", printable(file.string()), why));
     };
     std::error_code problem;
     const auto type = std::filesystem::status(file, problem).type();
@@ -25,8 +26,7 @@ std::string sceneFileText(const std::filesystem::path& file) {
         fail("it is not a regular file");
     const auto size = std::filesystem::file_size(file, problem);
     if (size > JsonText::max_bytes)
-        fail("it has " + std::to_string(size) + " bytes, more than the " +
-             std::to_string(JsonText::max_bytes) + " that are read");
+        fail(fmt::format("it has {} bytes, more than the {} that are read", size, JsonText::max_bytes));
     std::ifstream stream(file, std::ios::binary);
     std::string text(size, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(size));
@@ -39,8 +39,9 @@ JsonText parseScene(std::string text, const std::filesystem::path& file) {
     try {
         return JsonText(std::move(text));
     } catch (const Error& error) {
-        throw Error(printable(file.string()) + ": " + error.what() +
-                    (file.extension() == ".json" ? "" : "; if it is a model, give it with --model"));
+        throw Error(
+            fmt::format("{}: {}{}", printable(file.string()), error.what(),
+                        file.extension() == ".json" ? "" : "; if it is a model, give it with --model"));
     }
 }
 

@@ -7,6 +7,7 @@
 #include "shell/mesh/model_import.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <glm/vec3.hpp>
 
 namespace korl {
@@ -25,12 +26,13 @@ const std::vector<std::string> camera{"position", "target", "up", "fov"};
 } // namespace scene_keys
 
 void ScenePlace::fail(const std::string& what) const {
-    throw Error(printable(my_file->string() + (my_pointer.empty() ? "" : ": " + my_pointer)) + ": " + what);
+    throw Error(fmt::format("{}{}{}: {}", printable(my_file->string()), my_pointer.empty() ? "" : ": ",
+                            printable(my_pointer), what));
 }
 
 void ScenePlace::requireObject(const JsonValue& value) const {
     if (!value.is(JsonValue::Kind::object))
-        fail(std::string("expected an object in braces, found ") + value.kindName());
+        fail(fmt::format("expected an object in braces, found {}", value.kindName()));
 }
 
 void ScenePlace::requireObject(const JsonValue& value, const std::vector<std::string>& keys) const {
@@ -43,19 +45,19 @@ void ScenePlace::requireObject(const JsonValue& value, const std::vector<std::st
 
 std::string ScenePlace::text(const JsonValue& value) const {
     if (!value.is(JsonValue::Kind::text))
-        fail(std::string("expected a text in quotes, found ") + value.kindName());
+        fail(fmt::format("expected a text in quotes, found {}", value.kindName()));
     return value.text();
 }
 
 bool ScenePlace::boolean(const JsonValue& value) const {
     if (!value.is(JsonValue::Kind::boolean))
-        fail(std::string("expected true or false, found ") + value.kindName());
+        fail(fmt::format("expected true or false, found {}", value.kindName()));
     return value.source() == "true";
 }
 
 std::vector<JsonValue> ScenePlace::list(const JsonValue& value) const {
     if (!value.is(JsonValue::Kind::list))
-        fail(std::string("expected a list in brackets, found ") + value.kindName());
+        fail(fmt::format("expected a list in brackets, found {}", value.kindName()));
     return value.items();
 }
 
@@ -77,12 +79,12 @@ std::string ScenePlace::valueText(const JsonValue& value) const {
     if (value.is(JsonValue::Kind::number))
         return std::string(value.source());
     if (!value.is(JsonValue::Kind::list))
-        fail(std::string("expected a number, a list of numbers or a text, found ") + value.kindName());
+        fail(fmt::format("expected a number, a list of numbers or a text, found {}", value.kindName()));
     std::string text;
     std::size_t index = 0;
     for (const JsonValue& item : value.items()) {
         if (!item.is(JsonValue::Kind::number))
-            inside(index).fail(std::string("expected a number, found ") + item.kindName());
+            inside(index).fail(fmt::format("expected a number, found {}", item.kindName()));
         text.append(index++ == 0 ? "" : " ").append(item.source());
     }
     return text;
@@ -99,11 +101,12 @@ std::vector<Number> numbers(const JsonValue& value, const ScenePlace& place, con
         const auto number = item.number<Number>();
         if (!number)
             place.inside(read.size())
-                .fail("expected " + expected + ", found " + printable(item.source().substr(0, 100)));
+                .fail(
+                    fmt::format("expected {}, found {}", expected, printable(item.source().substr(0, 100))));
         read.push_back(*number);
     }
     if (read.size() % 3 != 0)
-        place.fail("expected three numbers for each entry, found " + std::to_string(read.size()) + " in all");
+        place.fail(fmt::format("expected three numbers for each entry, found {} in all", read.size()));
     return read;
 }
 
@@ -123,8 +126,7 @@ Mesh readArrays(const JsonValue& value, const ScenePlace& place) {
     place.ifPresent(value, "name",
                     [&](const auto& name, const auto& where) { mesh.name = where.text(name); });
     for (const char* const key : {"positions", "triangles"})
-        if (!value.find(key))
-            place.fail(std::string("lacks \"") + key + "\"");
+        place.require(value, key);
     place.ifPresent(value, "positions",
                     [&](const auto& list, const auto& where) { mesh.positions = triples(list, where); });
     place.ifPresent(value, "colors",
@@ -154,7 +156,8 @@ Mesh readBuiltin(const JsonValue& value, const ScenePlace& place) {
             return mesh;
         names.push_back(mesh.name);
     }
-    place.inside("builtin").fail("unknown mesh " + inQuotes(asked) + ": " + nearNames(asked, names, ""));
+    place.inside("builtin").fail(
+        fmt::format("unknown mesh {}: {}", inQuotes(asked), nearNames(asked, names, "")));
 }
 
 Mesh readModel(const JsonValue& value, const ScenePlace& place, const std::filesystem::path& folder,
@@ -183,7 +186,8 @@ std::vector<Mesh> readSceneMeshes(const std::vector<JsonValue>& entries, const S
             Mesh mesh = readBuiltin(entry, where);
             if (std::any_of(meshes.begin(), meshes.end(),
                             [&](const Mesh& other) { return other.is_builtin && other.name == mesh.name; }))
-                where.inside("builtin").fail("the mesh " + inQuotes(mesh.name) + " stands twice in the list");
+                where.inside("builtin").fail(
+                    fmt::format("the mesh {} stands twice in the list", inQuotes(mesh.name)));
             meshes.push_back(std::move(mesh));
         } else if (entry.find("file") || entry.find("up")) {
             meshes.push_back(readModel(entry, where, folder, import_model));

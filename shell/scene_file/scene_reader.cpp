@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -64,8 +65,7 @@ std::string listOf(const std::vector<std::string>& names) {
     std::string list;
     for (std::size_t i = 0; i < std::min(names.size(), max_length); ++i)
         list += (i == 0 ? "" : ", ") + inQuotes(names[i]);
-    return list +
-           (names.size() > max_length ? " and " + std::to_string(names.size() - max_length) + " more" : "");
+    return names.size() > max_length ? fmt::format("{} and {} more", list, names.size() - max_length) : list;
 }
 
 } // namespace
@@ -100,8 +100,8 @@ void SceneReader::read(const JsonValue& root) {
     if (!version)
         my_root.fail("is not a scene: it lacks \"korl\", the version of the format, which is 1");
     if (version->number<std::uint32_t>() != format_version)
-        my_root.inside("korl").fail("is " + printable(version->source().substr(0, 100)) +
-                                    ", but this program reads version 1 of the format");
+        my_root.inside("korl").fail(fmt::format("is {}, but this program reads version 1 of the format",
+                                                printable(version->source().substr(0, 100))));
     my_root.requireObject(root, scene_keys::scene);
 
     const bool whole = my_part == Part::everything;
@@ -148,8 +148,9 @@ void SceneReader::readPlugins(const JsonValue& root) {
             if (my_part == Part::everything)
                 missing.push_back(name);
             if (my_reading.warn)
-                my_reading.warn(printable(my_file.string()) + ": the module " + inQuotes(name) +
-                                ", which it needs, is not loaded; name its file with --plugin");
+                my_reading.warn(fmt::format(
+                    "{}: the module {}, which it needs, is not loaded; name its file with --plugin",
+                    printable(my_file.string()), inQuotes(name)));
         }
     });
 }
@@ -158,14 +159,13 @@ void SceneReader::readViews(const JsonValue& root) {
     my_root.ifPresent(root, "views", [&](const auto& value, const auto& place) {
         const std::vector<JsonValue> entries = place.list(value);
         if (entries.size() > max_views)
-            place.fail("expected at most " + std::to_string(max_views) + " views, found " +
-                       std::to_string(entries.size()));
+            place.fail(fmt::format("expected at most {} views, found {}", max_views, entries.size()));
         std::unordered_set<std::string> names;
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const ScenePlace where = place.inside(i);
             const std::string name = where.text(entries[i]);
             if (!names.insert(name).second)
-                where.fail("the view " + inQuotes(name) + " stands twice in the list");
+                where.fail(fmt::format("the view {} stands twice in the list", inQuotes(name)));
             const auto& had = my_scene.views();
             if (std::any_of(had.begin(), had.end(), [&](const auto& view) { return view.first == name; }))
                 continue;
@@ -250,7 +250,8 @@ void SceneReader::readObject(const JsonValue& value, const ScenePlace& place) {
 void SceneReader::create(const JsonValue& value, const std::string& type, const std::string& name,
                          const ScenePlace& place) {
     if (!name.empty() && my_names.contains(name))
-        place.inside("name").fail("the name " + inQuotes(name) + " is taken by another object of the file");
+        place.inside("name").fail(
+            fmt::format("the name {} is taken by another object of the file", inQuotes(name)));
     std::string own = name.empty() ? freeName(findType(type)->Name()) : name;
     if (my_part == Part::lights && my_scene.isTaken(name))
         for (int number = 2; my_scene.isTaken(own) || my_file_names.contains(own); ++number)
@@ -284,8 +285,8 @@ std::string SceneReader::freeName(const std::string& type) {
 void SceneReader::keep(const JsonValue& value, const std::string& type, const std::string& name,
                        const ScenePlace& place) {
     if (my_part == Part::lights)
-        place.inside("type").fail("no loaded module has the type " + inQuotes(type) +
-                                  "; name the file of its module with --plugin");
+        place.inside("type").fail(fmt::format(
+            "no loaded module has the type {}; name the file of its module with --plugin", inQuotes(type)));
     if (!name.empty() && my_scene.isTaken(name))
         place.inside("name").fail("the scene already has an object of the name " + inQuotes(name));
     my_unresolved_names[type].push_back(name);
@@ -324,17 +325,17 @@ void SceneReader::readConnections(const JsonValue& connections, std::size_t made
             my_scene.unresolved().connect(follower.number(), name, {object, followed});
         } else if (my_left_out.contains(object)) {
             if (my_reading.warn)
-                my_reading.warn(inQuotes(follower.Name() + "." + name) + " followed " +
-                                inQuotes(object + "." + followed) +
-                                ", which does not belong to a light; it keeps a value of its own");
+                my_reading.warn(fmt::format(
+                    "{} followed {}, which does not belong to a light; it keeps a value of its own",
+                    inQuotes(follower.Name() + "." + name), inQuotes(object + "." + followed)));
         } else {
             std::vector<std::string> names;
             for (const Created& other : my_created)
                 names.push_back(other.object->Name());
             placeOf(made, name)
                 .inside("object")
-                .fail("unknown object " + inQuotes(object) + ": " +
-                      nearNames(object, names, "the file has no objects"));
+                .fail(fmt::format("unknown object {}: {}", inQuotes(object),
+                                  nearNames(object, names, "the file has no objects")));
         }
     });
 }
@@ -361,7 +362,7 @@ void SceneReader::readSolo(const std::string& name, const ScenePlace& place) {
     if (own != my_names.end())
         return place.during([&] { my_scene.solo(own->second->Name()); });
     if (!my_scene.unresolved().contains(name))
-        place.fail("the file has no object " + inQuotes(name) + ", so it cannot shine alone");
+        place.fail(fmt::format("the file has no object {}, so it cannot shine alone", inQuotes(name)));
     my_scene.unresolved().solo = name;
 }
 
@@ -370,9 +371,10 @@ void SceneReader::warnOfUnresolved() const {
         return;
     const std::vector<std::string> known = typeNames();
     for (const auto& [type, names] : my_unresolved_names)
-        my_reading.warn(printable(my_file.string()) + ": no loaded module has the type " + inQuotes(type) +
-                        " of " + listOf(names) + ", kept for later but not shown: " +
-                        nearNames(type, known, "no module is loaded that has any; name one with --plugin"));
+        my_reading.warn(
+            fmt::format("{}: no loaded module has the type {} of {}, kept for later but not shown: {}",
+                        printable(my_file.string()), inQuotes(type), listOf(names),
+                        nearNames(type, known, "no module is loaded that has any; name one with --plugin")));
 }
 
 } // namespace korl

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <fmt/core.h>
 #include <map>
 #include <set>
 #include <span>
@@ -57,7 +58,7 @@ std::string python(const std::string& text) {
             return quoted(text);
         list += (count == 0 ? "" : ", ") + (word == "-0" ? "-0.0" : word);
     }
-    return count == 0 ? quoted(text) : count == 1 ? list : "(" + list + ")";
+    return count == 0 ? quoted(text) : count == 1 ? list : fmt::format("({})", list);
 }
 
 std::string python(const glm::dvec3& value) {
@@ -79,7 +80,7 @@ std::string rows(const Triples& triples, std::size_t count) {
         }
         line += (line.empty() ? "" : " ") + row;
     }
-    return list + "\n            " + line + "\n        ]";
+    return fmt::format("{}\n            {}\n        ]", list, line);
 }
 
 std::string rows(const std::vector<glm::vec3>& triples) {
@@ -94,22 +95,24 @@ public:
 
     std::string text() {
         for (const auto& [name, ignored] : my_scene.views())
-            line(variable("view " + name, name) + " = shell.add_view(" + quoted(name) + ")");
+            line(fmt::format("{} = shell.add_view({})", variable("view " + name, name), quoted(name)));
         for (const auto& object : my_scene.objects())
             create(*object);
         for (const auto& object : my_scene.objects())
             follow(*object);
         for (const UnresolvedObjects::Object& kept : my_scene.unresolved().objects())
-            line("# " + quoted(kept.name) + " is left out: no loaded module has the type " +
-                 quoted(kept.type));
+            line(fmt::format("# {} is left out: no loaded module has the type {}", quoted(kept.name),
+                             quoted(kept.type)));
         if (const VObject* const alone = my_scene.soloLight())
-            line("shell.solo(" + nameOf(*alone) + ")");
+            line(fmt::format("shell.solo({})", nameOf(*alone)));
         addMeshes();
         addSurroundings();
         line("image = shell.render(640, 480)");
         const std::string numpy = my_lines.find("numpy.") == std::string::npos ? "" : "import numpy\n";
-        return "import korl\n" + numpy + "\nwith korl.Shell(" + plugins() + ") as shell:\n" + my_lines +
-               "image.save(\"scene.png\")\n";
+        return fmt::format("import korl\n{}\n"
+                           "with korl.Shell({}) as shell:\n"
+                           "{}image.save(\"scene.png\")\n",
+                           numpy, plugins(), my_lines);
     }
 
 private:
@@ -120,7 +123,7 @@ private:
         return list.empty() ? "" : list + "]";
     }
 
-    void line(const std::string& statement) { my_lines += "    " + statement + "\n"; }
+    void line(const std::string& statement) { my_lines += fmt::format("    {}\n", statement); }
 
     /// A variable for what has a name: like it, but allowed, and nobody else's.
     std::string variable(const std::string& key, const std::string& name) {
@@ -131,27 +134,27 @@ private:
             like = "object_" + like;
         std::string own = like;
         for (int number = 2; !my_taken.insert(own).second; ++number)
-            own = like + "_" + std::to_string(number);
+            own = fmt::format("{}_{}", like, number);
         return my_variables[key] = own;
     }
 
     std::string nameOf(const VObject& object) const { return my_variables.at("object " + object.Name()); }
 
-    static std::string item(const VParameter& parameter) { return "[" + quoted(parameter.Name()) + "]"; }
-
     void create(const VObject& object) {
         const std::string own = variable("object " + object.Name(), object.Name());
         const Qelt::VCreatorBase* const creator = object.creator().get();
-        std::string arguments = quoted(creator ? typeName(*creator) : "") + ", " + quoted(object.Name());
+        std::string arguments =
+            fmt::format("{}, {}", quoted(creator ? typeName(*creator) : ""), quoted(object.Name()));
         std::vector<std::string> settings;
         for (const auto& [parameter, ignored] : object.parameters()) {
             const auto saved = savedValue(object, *parameter);
             if (saved && isIdentifier(parameter->Name()))
-                arguments += ", " + parameter->Name() + "=" + python(*saved);
+                arguments += fmt::format(", {}={}", parameter->Name(), python(*saved));
             else if (saved)
-                settings.push_back(own + item(*parameter) + " = " + python(*saved));
+                settings.push_back(
+                    fmt::format("{}[{}] = {}", own, quoted(parameter->Name()), python(*saved)));
         }
-        line(own + " = shell.create(" + arguments + ")");
+        line(fmt::format("{} = shell.create({})", own, arguments));
         for (const std::string& setting : settings)
             line(setting);
         if (my_scene.isMuted(object))
@@ -159,8 +162,8 @@ private:
         for (const auto& [view, pool] : my_scene.views())
             for (const auto& [parameter, ignored] : object.parameters())
                 if (const auto value = savedValue(object, *parameter, *pool))
-                    line(own + ".set(" + quoted(parameter->Name()) + ", " + python(*value) +
-                         ", view=" + my_variables.at("view " + view) + ")");
+                    line(fmt::format("{}.set({}, {}, view={})", own, quoted(parameter->Name()),
+                                     python(*value), my_variables.at("view " + view)));
     }
 
     void follow(const VObject& object) {
@@ -168,7 +171,8 @@ private:
             const VParameter* const source = parameter->source();
             const VObject* const owner = source ? source->creator() : nullptr;
             if (owner && my_scene.find(owner->Name()) == owner)
-                line(nameOf(object) + item(*parameter) + ".follow(" + nameOf(*owner) + item(*source) + ")");
+                line(fmt::format("{}[{}].follow({}[{}])", nameOf(object), quoted(parameter->Name()),
+                                 nameOf(*owner), quoted(source->Name())));
         }
     }
 
@@ -197,20 +201,19 @@ private:
             const char* const up = mesh.source->up == UpAxis::x   ? "x"
                                    : mesh.source->up == UpAxis::y ? "y"
                                                                   : "z";
-            return line("shell.add_mesh(" + quoted(mesh.source->file.string()) + ", up=\"" + up + "\")");
+            return line(fmt::format("shell.add_mesh({}, up=\"{}\")", quoted(mesh.source->file.string()), up));
         }
         const auto triangle = [&](std::size_t i) {
             const std::uint32_t* const corner = &mesh.triangles[3 * i];
-            return std::to_string(corner[0]) + " " + std::to_string(corner[1]) + " " +
-                   std::to_string(corner[2]);
+            return fmt::format("{} {} {}", corner[0], corner[1], corner[2]);
         };
         line("shell.add_mesh(");
-        line("    " + rows(mesh.positions) + ",");
-        line("    " + rows(triangle, mesh.triangles.size() / 3) + ",");
-        line("    normals=" + rows(mesh.normals) + ",");
+        line(fmt::format("    {},", rows(mesh.positions)));
+        line(fmt::format("    {},", rows(triangle, mesh.triangles.size() / 3)));
+        line(fmt::format("    normals={},", rows(mesh.normals)));
         if (!mesh.colors.empty())
-            line("    colors=" + rows(mesh.colors) + ",");
-        line("    name=" + quoted(mesh.name) + ",");
+            line(fmt::format("    colors={},", rows(mesh.colors)));
+        line(fmt::format("    name={},", quoted(mesh.name)));
         line(")");
     }
 
@@ -220,9 +223,9 @@ private:
         if (!(color == Scene().background))
             line("shell.background = " + python(text));
         if (const auto& camera = my_scene.camera)
-            line("shell.camera.set(position=" + python(camera->position) +
-                 ", target=" + python(camera->target) + ", up=" + python(camera->up) +
-                 ", fov=" + Qelt::VValueTrait<double>::Text(camera->fov_degrees) + ")");
+            line(fmt::format("shell.camera.set(position={}, target={}, up={}, fov={})",
+                             python(camera->position), python(camera->target), python(camera->up),
+                             Qelt::VValueTrait<double>::Text(camera->fov_degrees)));
     }
 
     const Scene& my_scene;

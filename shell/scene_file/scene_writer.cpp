@@ -13,6 +13,7 @@
 #include <palune/geometry_traits.hpp>
 #include <sorvik/creator.hpp>
 
+#include <fmt/core.h>
 #include <set>
 
 namespace korl {
@@ -151,8 +152,9 @@ std::vector<std::string> SceneWriter::objects() const {
             if (my_part == Part::everything)
                 list.push_back(next->json);
             else if (my_warn)
-                my_warn(inQuotes(next->name) + " of the type " + inQuotes(next->type) +
-                        " is left out: no loaded module has the type, so it is not known to be a light");
+                my_warn(fmt::format("{} of the type {} is left out: no loaded module has the type, "
+                                    "so it is not known to be a light",
+                                    inQuotes(next->name), inQuotes(next->type)));
     };
     for (const auto& held : my_scene.objects()) {
         addKeptBefore(held->number());
@@ -207,8 +209,8 @@ SceneWriter::Members SceneWriter::connections(const VObject& object) const {
                  kept && my_part == Part::everything)
             add(*parameter, kept->object, kept->parameter);
         else if ((parameter->hasSource() || kept) && my_warn)
-            my_warn(inQuotes(object.Name() + "." + parameter->Name()) +
-                    " follows something that is left out; it is written with its own value");
+            my_warn(fmt::format("{} follows something that is left out; it is written with its own value",
+                                inQuotes(object.Name() + "." + parameter->Name())));
     }
     return list;
 }
