@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/core.h>
 #include <glm/gtc/type_ptr.hpp>
 #include <string>
 
@@ -103,10 +104,10 @@ std::uint64_t typeOf(const Qelt::RenderAble& object) {
 
 void reportWithoutLight(const Qelt::RenderAble& object, Reports& reports) {
     reports.once(object.number(), "no OpenGL light", [&] {
-        return "light " + inQuotes(object.Name()) +
-               " adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
-               "path "
-               "shows it";
+        return fmt::format(
+            "light {} adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
+            "path shows it",
+            inQuotes(object.Name()));
     });
 }
 
@@ -146,10 +147,10 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
             glDisable(light);
             my_places.push_back({member.object, Outcome::not_finite, number});
             reports.once(member.object->number(), "OpenGL light not finite", [&] {
-                return "light " + inQuotes(member.object->Name()) +
-                       " adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
-                       "check "
-                       "its parameters";
+                return fmt::format(
+                    "light {} adds nothing on the fixed-function path: what it gives OpenGL is not finite; "
+                    "check its parameters",
+                    inQuotes(member.object->Name()));
             });
         }
         ++number;
@@ -181,10 +182,11 @@ void FixedPath::reportLeftOut(std::span<const FixedLightPlace> uncalled, Reports
             reports.isFirst(place.object->number(), "left out") && ++lights <= max_names)
             names += (names.empty() ? "" : ", ") + inQuotes(place.object->Name());
     if (lights > max_names)
-        names += " and " + std::to_string(lights - max_names) + " more";
+        names += fmt::format(" and {} more", lights - max_names);
     if (lights > 0)
-        reports.warn("left out on the fixed-function path: " + names + "; OpenGL has " +
-                     std::to_string(lightCount()) + " lights here, and those before hold them all");
+        reports.warn(fmt::format("left out on the fixed-function path: {}; OpenGL has {} lights here, and "
+                                 "those before hold them all",
+                                 names, lightCount()));
 }
 
 void FixedPath::draw(const Viewpoint& viewpoint, const MeshBufferCache::Entries& meshes) {

@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
+#include <fmt/format.h>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -38,12 +39,12 @@ std::string eglErrorName(EGLint error) {
     }};
     const auto found =
         std::find_if(names.begin(), names.end(), [&](const auto& name) { return name.first == error; });
-    return found == names.end() ? "EGL error " + std::to_string(error) : found->second;
+    return found == names.end() ? fmt::format("EGL error {}", error) : found->second;
 }
 
 /// One way to a context did not lead there; the text says where it ended.
 Error eglFailure(const std::string& call) {
-    return Error(call + ": " + eglErrorName(eglGetError()));
+    return Error(fmt::format("{}: {}", call, eglErrorName(eglGetError())));
 }
 
 /// words: separated by blanks; may be null.
@@ -74,12 +75,12 @@ void requireLibraries() {
         return library != nullptr;
     };
     if (!canLoad("libEGL.so.1")) {
-        throw Error(std::string("no OpenGL context: the library libEGL.so.1 can't be loaded.\n") +
-                    packages_that_help);
+        throw Error(fmt::format("no OpenGL context: the library libEGL.so.1 can't be loaded.\n{}",
+                                packages_that_help));
     }
     if (!canLoad("libOpenGL.so.0") && !canLoad("libGL.so.1")) {
-        throw Error(std::string("no OpenGL context: neither libOpenGL.so.0 nor libGL.so.1 can be loaded.\n") +
-                    packages_that_help);
+        throw Error(fmt::format("no OpenGL context: neither libOpenGL.so.0 nor libGL.so.1 can be loaded.\n{}",
+                                packages_that_help));
     }
 }
 
@@ -107,7 +108,7 @@ std::vector<Candidate> deviceCandidates(const char* client_extensions, std::vect
     }
     EGLint count = 0;
     if (query_devices(0, nullptr, &count) != EGL_TRUE) {
-        tried.push_back("EGL devices: " + std::string(eglFailure("eglQueryDevicesEXT").what()));
+        tried.push_back(fmt::format("EGL devices: {}", eglFailure("eglQueryDevicesEXT").what()));
         return {};
     }
     std::vector<EGLDeviceEXT> devices(static_cast<std::size_t>(count));
@@ -122,7 +123,7 @@ std::vector<Candidate> deviceCandidates(const char* client_extensions, std::vect
     for (std::size_t i = 0; i < devices.size(); ++i) {
         const bool is_software =
             hasWord(query_string(devices[i], EGL_EXTENSIONS), "EGL_MESA_device_software");
-        const std::string how = "EGL device " + std::to_string(i) + (is_software ? " (software)" : "");
+        const std::string how = fmt::format("EGL device {}{}", i, is_software ? " (software)" : "");
         (is_software ? software : hardware).push_back({how, EGL_PLATFORM_DEVICE_EXT, devices[i]});
     }
     hardware.insert(hardware.end(), software.begin(), software.end());
@@ -202,8 +203,8 @@ void requireCapabilities() {
     const int version = epoxy_gl_version();
     const bool has_framebuffers = version >= 30 || epoxy_has_gl_extension("GL_ARB_framebuffer_object");
     if (version < 30 || !has_framebuffers) {
-        throw Error("OpenGL " + glText(GL_VERSION) + " of " + glText(GL_RENDERER) +
-                    " is too old, 3.0 with framebuffer objects is needed");
+        throw Error(fmt::format("OpenGL {} of {} is too old, 3.0 with framebuffer objects is needed",
+                                glText(GL_VERSION), glText(GL_RENDERER)));
     }
     GLint profile = GL_CONTEXT_COMPATIBILITY_PROFILE_BIT;
     if (version >= 32) {
@@ -211,8 +212,8 @@ void requireCapabilities() {
     }
     const bool lost_fixed_functions = version == 31 && !epoxy_has_gl_extension("GL_ARB_compatibility");
     if ((profile & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) == 0 || lost_fixed_functions) {
-        throw Error("OpenGL " + glText(GL_VERSION) + " of " + glText(GL_RENDERER) +
-                    " lacks the compatibility profile");
+        throw Error(fmt::format("OpenGL {} of {} lacks the compatibility profile", glText(GL_VERSION),
+                                glText(GL_RENDERER)));
     }
 }
 
@@ -287,14 +288,12 @@ GLContext::GLContext(const Options& options) {
                        candidate.how + (has_surface ? ", pbuffer" : "")};
             return;
         } catch (const Error& error) {
-            tried.push_back(candidate.how + ": " + error.what());
+            tried.push_back(fmt::format("{}: {}", candidate.how, error.what()));
         }
     }
-    std::string text = "no OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n";
-    for (const std::string& attempt : tried) {
-        text += "  " + attempt + "\n";
-    }
-    throw Error(text + packages_that_help);
+    throw Error(fmt::format("no OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n"
+                            "  {}\n{}",
+                            fmt::join(tried, "\n  "), packages_that_help));
 }
 
 GLContext::~GLContext() = default;
@@ -303,8 +302,9 @@ void GLContext::makeCurrent() {
     try {
         my_handles->makeCurrent();
     } catch (const Error& error) {
-        throw Error("the OpenGL context of " + my_info.renderer + " can't be made current: " + error.what() +
-                    "\nIt can be current on one thread only; release it there first.");
+        throw Error(fmt::format("the OpenGL context of {} can't be made current: {}\n"
+                                "It can be current on one thread only; release it there first.",
+                                my_info.renderer, error.what()));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "shell/base/printable.hpp"
 
 #include <epoxy/gl.h>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -24,7 +25,7 @@ std::string errorName(GLenum error) {
     case GL_OUT_OF_MEMORY:
         return "GL_OUT_OF_MEMORY";
     default:
-        return "error " + std::to_string(error);
+        return fmt::format("error {}", error);
     }
 }
 
@@ -32,9 +33,9 @@ std::string errorName(GLenum error) {
 
 void requireNoGLError(const char* what, const std::string& name) {
     if (const GLenum error = glGetError(); error != GL_NO_ERROR)
-        throw Error(std::string(what) + " " + inQuotes(name) + " has made OpenGL report " + errorName(error) +
-                    (error == GL_OUT_OF_MEMORY ? "; ask for a smaller picture or model"
-                                               : "; report it to the author of the module"));
+        throw Error(fmt::format("{} {} has made OpenGL report {}; {}", what, inQuotes(name), errorName(error),
+                                error == GL_OUT_OF_MEMORY ? "ask for a smaller picture or model"
+                                                          : "report it to the author of the module"));
 }
 
 } // namespace korl

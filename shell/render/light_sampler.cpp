@@ -11,6 +11,7 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -89,8 +90,9 @@ std::vector<LightSample> LightSampler::sample(const LightSource& source, const s
     if (samples.empty())
         return samples;
     if (count > mostPoints())
-        throw Error("light " + inQuotes(light_name) + " cannot be evaluated at " + std::to_string(count) +
-                    " points at once: this driver's buffers hold at most " + std::to_string(mostPoints()));
+        throw Error(fmt::format("light {} cannot be evaluated at {} points at once: this driver's buffers "
+                                "hold at most {}",
+                                inQuotes(light_name), count, mostPoints()));
     if (!my_drawing_state)
         my_drawing_state.emplace();
     const ProbeState state(*my_drawing_state);
@@ -106,8 +108,9 @@ std::vector<LightSample> LightSampler::sample(const LightSource& source, const s
         uploadUniform(snippet_program.program.uniformLocation(applySuffix(name, snippet_program.suffix)),
                       value);
     if (glGetError() != GL_NO_ERROR)
-        throw Error("light " + inQuotes(light_name) +
-                    ": one of its uniforms has a value of another type than its snippet declares");
+        throw Error(fmt::format("light {}: one of its uniforms has a value of another type than its snippet "
+                                "declares",
+                                inQuotes(light_name)));
 
     const VertexArray no_attributes;
     glBindVertexArray(no_attributes.name());

@@ -4,6 +4,7 @@
 #include "shell/render/gl_state.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -26,14 +27,11 @@ void turnUpsideDown(std::span<Value> pixels, int height) {
     }
 }
 
-std::string sizeText(int width, int height) {
-    return std::to_string(width) + " x " + std::to_string(height);
-}
-
 void requireSize(int width, int height) {
     if (width < 1 || height < 1) {
-        throw Error("a picture of " + sizeText(width, height) +
-                    " pixels was asked for.\nWidth and height must be 1 or more.");
+        throw Error(fmt::format("a picture of {} x {} pixels was asked for.\n"
+                                "Width and height must be 1 or more.",
+                                width, height));
     }
     std::array<GLint, 2> viewport{};
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport.data());
@@ -41,9 +39,9 @@ void requireSize(int width, int height) {
     const int widest = std::min(renderbuffer, viewport[0]);
     const int highest = std::min(renderbuffer, viewport[1]);
     if (width > widest || height > highest) {
-        throw Error("a picture of " + sizeText(width, height) +
-                    " pixels was asked for, but this driver draws at most " + sizeText(widest, highest) +
-                    ".\nAsk for a smaller one.");
+        throw Error(fmt::format("a picture of {} x {} pixels was asked for, but this driver draws at most "
+                                "{} x {}.\nAsk for a smaller one.",
+                                width, height, widest, highest));
     }
 }
 
@@ -82,9 +80,9 @@ void OffscreenTarget::allocate(Surface& surface, int samples, bool has_depth) co
     }
     const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
     if (status != GL_FRAMEBUFFER_COMPLETE) {
-        throw Error("the driver can't draw into a picture of " + sizeText(my_width, my_height) +
-                    " pixels with " + std::to_string(samples) + " samples (framebuffer status " +
-                    std::to_string(status) + ").\nAsk for a smaller one.");
+        throw Error(fmt::format("the driver can't draw into a picture of {} x {} pixels with {} samples "
+                                "(framebuffer status {}).\nAsk for a smaller one.",
+                                my_width, my_height, samples, status));
     }
 }
 
@@ -108,10 +106,10 @@ void OffscreenTarget::bindForReading() const {
 void OffscreenTarget::requireReadable(std::size_t value_count, Format format) const {
     const auto expected = static_cast<std::size_t>(my_width) * static_cast<std::size_t>(my_height) * 4;
     if (value_count != expected || format != my_format) {
-        throw Error("a picture of " + sizeText(my_width, my_height) + " pixels has " +
-                    std::to_string(expected) + " " + (my_format == Format::RGBA8 ? "byte" : "float") +
-                    " values, but the buffer holds " + std::to_string(value_count) + " " +
-                    (format == Format::RGBA8 ? "byte" : "float") + " values.");
+        throw Error(fmt::format("a picture of {} x {} pixels has {} {} values, but the buffer holds {} {} "
+                                "values.",
+                                my_width, my_height, expected, my_format == Format::RGBA8 ? "byte" : "float",
+                                value_count, format == Format::RGBA8 ? "byte" : "float"));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "shell/render/uniform_values.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <glm/gtc/type_ptr.hpp>
 #include <utility>
 
@@ -86,7 +87,7 @@ std::vector<std::string> Renderer::listUniforms(const Scene& scene, View& view) 
     std::vector<std::string> lines;
     for (const auto& source : view.sources())
         for (const auto& [name, value] : source->uniforms())
-            lines.push_back(name + " = " + uniformText(value));
+            lines.push_back(fmt::format("{} = {}", name, uniformText(value)));
     return lines;
 }
 

@@ -6,6 +6,7 @@
 #include "shell/scene/vectors.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 #include <string>
 #include <vector>
 
@@ -38,14 +39,13 @@ struct Failures {
 
 std::string reportText(const std::string& light, const Failures& failures) {
     const bool everywhere = failures.count == failures.vertices;
-    return "light " + inQuotes(light) + " adds nothing " +
-           (everywhere ? "on the shader path"
-                       : "on the shader path at " + std::to_string(failures.count) + " of " +
-                             std::to_string(failures.vertices) + " vertices") +
-           ": its result is not finite there, at (" + componentsText(failures.first_at) +
-           ") the direction (" + componentsText(failures.first.incidence) + "), the intensity (" +
-           componentsText(failures.first.intensity) + ") and the specular intensity (" +
-           componentsText(failures.first.specular_intensity) + "); check its parameters and where it stands";
+    return fmt::format(
+        "light {} adds nothing on the shader path{}: its result is not finite there, at ({}) the direction "
+        "({}), the intensity ({}) and the specular intensity ({}); check its parameters and where it stands",
+        inQuotes(light),
+        everywhere ? "" : fmt::format(" at {} of {} vertices", failures.count, failures.vertices),
+        componentsText(failures.first_at), componentsText(failures.first.incidence),
+        componentsText(failures.first.intensity), componentsText(failures.first.specular_intensity));
 }
 
 } // namespace

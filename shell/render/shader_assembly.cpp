@@ -6,6 +6,7 @@
 #include "shell/render/shader_text.hpp"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <set>
 
 namespace korl {
@@ -27,8 +28,9 @@ std::optional<std::string> importedName(std::string_view line, const std::string
     rest = trimmed(rest);
     const bool is_quoted = rest.size() > 2 && rest.front() == '"' && rest.find('"', 1) == rest.size() - 1;
     if (!is_quoted) {
-        throw Error("the light " + inQuotes(light_name) + " has an import that can't be read: " +
-                    std::string(trimmed(line)) + "\nWrite it as: #pragma import \"NAME\"");
+        throw Error(fmt::format("the light {} has an import that can't be read: {}\n"
+                                "Write it as: #pragma import \"NAME\"",
+                                inQuotes(light_name), trimmed(line)));
     }
     return std::string(rest.substr(1, rest.size() - 2));
 }
@@ -52,8 +54,9 @@ void collectImports(const LightSnippet& snippet, std::string_view uncommented,
             std::any_of(importable_functions.begin(), importable_functions.end(),
                         [&](const ImportableFunction& known) { return known.name == *name; });
         if (!is_known) {
-            throw Error("the light " + inQuotes(snippet.light_name) + " imports " + inQuotes(*name) +
-                        ", which the shell does not have.\nWhat it can import: " + knownImports());
+            throw Error(fmt::format("the light {} imports {}, which the shell does not have.\n"
+                                    "What it can import: {}",
+                                    inQuotes(snippet.light_name), inQuotes(*name), knownImports()));
         }
         imports.insert(*name);
     }
@@ -82,18 +85,16 @@ bool definesFunction(std::string_view uncommented, std::string_view name) {
 
 void requireVersion(int glsl_version, std::span<const LightSnippet> snippets) {
     if (std::find(glsl_versions.begin(), glsl_versions.end(), glsl_version) == glsl_versions.end()) {
-        std::string known;
-        for (const int version : glsl_versions) {
-            known += (known.empty() ? "" : ", ") + std::to_string(version);
-        }
-        throw Error("a shader of GLSL version " + std::to_string(glsl_version) +
-                    " was asked for, which the shell can't assemble.\nTake one of: " + known);
+        throw Error(fmt::format("a shader of GLSL version {} was asked for, which the shell can't assemble.\n"
+                                "Take one of: {}",
+                                glsl_version, fmt::join(glsl_versions, ", ")));
     }
     for (const LightSnippet& snippet : snippets) {
         if (snippet.is_repeated && (glsl_version < 330 || !canRepeat(snippet.text))) {
-            throw Error("the GLSL snippet of the light " + inQuotes(snippet.light_name) +
-                        " can't stand for many lights: that takes GLSL version 330, and uniforms that are "
-                        "plain floats or vectors.");
+            throw Error(
+                fmt::format("the GLSL snippet of the light {} can't stand for many lights: that takes "
+                            "GLSL version 330, and uniforms that are plain floats or vectors.",
+                            inQuotes(snippet.light_name)));
         }
     }
 }
@@ -106,10 +107,11 @@ std::set<std::string> checkedImports(std::span<const LightSnippet> snippets) {
         const std::string uncommented = withoutComments(snippet.text).text;
         collectImports(snippet, uncommented, imports);
         if (!definesFunction(uncommented, "getLight_$$")) {
-            throw Error("the GLSL snippet of the light " + inQuotes(snippet.light_name) +
-                        " does not define the function getLight_$$.\nIt must define: void getLight_$$(in "
-                        "vec3 vertex, "
-                        "out vec3 light_incidence, out vec3 intensity, out vec3 specular_intensity)");
+            throw Error(fmt::format(
+                "the GLSL snippet of the light {} does not define the function getLight_$$.\n"
+                "It must define: void getLight_$$(in vec3 vertex, out vec3 light_incidence, out vec3 "
+                "intensity, out vec3 specular_intensity)",
+                inQuotes(snippet.light_name)));
         }
     }
     return imports;
@@ -125,13 +127,15 @@ void defineImports(const std::set<std::string>& imports, std::string& fragment) 
 
 /// The function that fills a repeated snippet's variables from the buffer, and the uniforms that say where.
 std::string loader(const SnippetSection& section) {
-    std::string text = "uniform int korl_first_" + section.suffix + ";\nuniform int korl_count_" +
-                       section.suffix + ";\nvoid korl_load_" + section.suffix + "(int texel)\n{\n";
+    std::string text = fmt::format("uniform int korl_first_{0};\nuniform int korl_count_{0};\n"
+                                   "void korl_load_{0}(int texel)\n{{\n",
+                                   section.suffix);
     for (std::size_t i = 0; i < section.uniforms.size(); ++i) {
         constexpr std::array swizzles{"x", "xy", "xyz", "xyzw"};
         const UniformDeclaration& uniform = section.uniforms[i];
-        text += "    " + applySuffix(uniform.name, section.suffix) + " = texelFetch(korl_lights, texel + " +
-                std::to_string(i) + ")." + swizzles[static_cast<std::size_t>(uniform.size - 1)] + ";\n";
+        text += fmt::format("    {} = texelFetch(korl_lights, texel + {}).{};\n",
+                            applySuffix(uniform.name, section.suffix), i,
+                            swizzles[static_cast<std::size_t>(uniform.size - 1)]);
     }
     return text + "}\n";
 }
@@ -145,7 +149,7 @@ const SnippetSection& appendSnippet(const LightSnippet& snippet, AssembledShader
         for (const UniformDeclaration& uniform : variables) // the columns stay as they are
             text.replace(uniform.at, std::string_view("uniform").size(), "       ");
     }
-    const std::string suffix = "L" + std::to_string(shader.sections.size() + 1);
+    const std::string suffix = fmt::format("L{}", shader.sections.size() + 1);
     text = applySuffix(text, suffix);
     SnippetSection& section = shader.sections.emplace_back(SnippetSection{
         snippet.light_name, suffix, lineCount(shader.fragment) + 1, lineCount(text), std::move(variables)});
@@ -160,15 +164,16 @@ const SnippetSection& appendSnippet(const LightSnippet& snippet, AssembledShader
 
 /// Adds what a light source gives to the sum.
 std::string call(const SnippetSection& section, const std::string& indentation) {
-    return "\n" + indentation + "getLight_" + section.suffix +
-           "(korl_scene_position, korl_incidence, korl_intensity, korl_specular_intensity);\n" + indentation +
-           "korl_sum += korl_contribution(korl_incidence, korl_intensity, korl_specular_intensity);\n";
+    return fmt::format(
+        "\n{0}getLight_{1}(korl_scene_position, korl_incidence, korl_intensity, korl_specular_intensity);\n"
+        "{0}korl_sum += korl_contribution(korl_incidence, korl_intensity, korl_specular_intensity);\n",
+        indentation, section.suffix);
 }
 
 std::string repeatedCall(const SnippetSection& section) {
-    return "\n    for (int korl_i = 0; korl_i < korl_count_" + section.suffix + "; ++korl_i)\n    {\n" +
-           "        korl_load_" + section.suffix + "(korl_first_" + section.suffix + " + korl_i * " +
-           std::to_string(section.uniforms.size()) + ");" + call(section, "        ") + "    }\n";
+    return fmt::format("\n    for (int korl_i = 0; korl_i < korl_count_{0}; ++korl_i)\n    {{\n"
+                       "        korl_load_{0}(korl_first_{0} + korl_i * {1});{2}    }}\n",
+                       section.suffix, section.uniforms.size(), call(section, "        "));
 }
 
 } // namespace
@@ -194,17 +199,16 @@ AssembledShader assembleShader(std::span<const LightSnippet> snippets, int glsl_
     const std::set<std::string> imports = checkedImports(snippets);
 
     const bool has_varyings = glsl_version < 130;
-    const std::string version_line = "#version " + std::to_string(glsl_version) + "\n";
     AssembledShader shader;
-    shader.vertex = version_line;
-    shader.vertex += has_varyings ? "#define korl_in attribute\n#define korl_out varying\n"
-                                  : "#define korl_in in\n#define korl_out out\n";
-    shader.vertex += vertex_body;
-
-    shader.fragment = version_line;
-    shader.fragment += has_varyings ? "#define korl_in varying\n#define korl_fragment_color gl_FragColor\n"
-                                    : "#define korl_in in\nout vec4 korl_fragment_color;\n";
-    shader.fragment += fragment_inputs;
+    shader.vertex = fmt::format("#version {}\n{}{}", glsl_version,
+                                has_varyings ? "#define korl_in attribute\n#define korl_out varying\n"
+                                             : "#define korl_in in\n#define korl_out out\n",
+                                vertex_body);
+    shader.fragment =
+        fmt::format("#version {}\n{}{}", glsl_version,
+                    has_varyings ? "#define korl_in varying\n#define korl_fragment_color gl_FragColor\n"
+                                 : "#define korl_in in\nout vec4 korl_fragment_color;\n",
+                    fragment_inputs);
     if (std::any_of(snippets.begin(), snippets.end(),
                     [](const auto& snippet) { return snippet.is_repeated; }))
         shader.fragment += "uniform samplerBuffer korl_lights;\n";

@@ -4,6 +4,7 @@
 #include "shell/render/glsl_text.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -19,8 +20,7 @@ std::string leftOpen(std::string_view snippet_text) {
         const auto opened = std::count(uncommented.text.begin(), uncommented.text.end(), pair[0]);
         const auto closed = std::count(uncommented.text.begin(), uncommented.text.end(), pair[1]);
         if (opened != closed) {
-            return std::to_string(opened) + " \"" + pair[0] + "\" but " + std::to_string(closed) + " \"" +
-                   pair[1] + "\"";
+            return fmt::format("{} \"{}\" but {} \"{}\"", opened, pair[0], closed, pair[1]);
         }
     }
     return {};
@@ -88,16 +88,17 @@ std::string compileErrorText(const AssembledShader& shader, std::string_view dri
             text.append(lineOf(shader.fragment, section.first_line + line)) += '\n';
         }
         if (const std::string open = leftOpen(text); !open.empty()) {
-            return "the GLSL snippet of the light " + inQuotes(section.light_name) +
-                   " does not compile: it has " + open + ".\nThe driver says: " + errors.front().text;
+            return fmt::format(
+                "the GLSL snippet of the light {} does not compile: it has {}.\nThe driver says: {}",
+                inQuotes(section.light_name), open, errors.front().text);
         }
     }
     for (const DriverError& error : errors) {
         if (const std::optional<SourceLocation> location = locate(shader, error.line)) {
-            return "the GLSL snippet of the light " + inQuotes(location->light_name) +
-                   " does not compile, line " + std::to_string(location->line) + ": " +
-                   std::string(trimmed(lineOf(shader.fragment, error.line))) +
-                   "\nThe driver says: " + error.text;
+            return fmt::format("the GLSL snippet of the light {} does not compile, line {}: {}\n"
+                               "The driver says: {}",
+                               inQuotes(location->light_name), location->line,
+                               trimmed(lineOf(shader.fragment, error.line)), error.text);
         }
     }
     return "the lighting shader does not compile, and the driver names no line of a light's snippet."

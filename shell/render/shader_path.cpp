@@ -13,6 +13,7 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include <cstring>
+#include <fmt/core.h>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -77,15 +78,15 @@ GroupedSnippets groupSnippets(const View& view, std::span<const std::string> tex
 
 Error wrongType(const std::string& light, const std::string& uniform,
                 const Qelt::RenderNamespace::UniformValue& value) {
-    return Error("light " + inQuotes(light) + ": its uniform " + inQuotes(uniform) + " = " +
-                 uniformText(value) + " is of another type than its snippet declares");
+    return Error(fmt::format("light {}: its uniform {} = {} is of another type than its snippet declares",
+                             inQuotes(light), inQuotes(uniform), uniformText(value)));
 }
 
 void reportUniforms(const Qelt::RenderAble& light, const UniformMismatch& mismatch, Reports& reports) {
     const auto warn = [&](const std::string& text, const char* kind) {
         if (!text.empty())
             reports.once(light.number(), kind,
-                         [&] { return "light " + inQuotes(light.Name()) + " " + text; });
+                         [&] { return fmt::format("light {} {}", inQuotes(light.Name()), text); });
     };
     warn(undeclaredText(mismatch), "uniform not declared");
     warn(unwrittenText(mismatch), "uniform not written");
@@ -201,9 +202,10 @@ void ShaderPath::reportNotFinite(const View& view, Reports& reports) const {
             if (!isFinite(value))
                 reports.once(view.ownerOf(i).number(), "uniform not finite",
                              [&, &uniform = name, &held = value] {
-                                 return "light " + inQuotes(view.ownerOf(i).Name()) +
-                                        " adds nothing on the shader path: its " + inQuotes(uniform) +
-                                        " is not finite (" + uniformText(held) + "); check its parameters";
+                                 return fmt::format(
+                                     "light {} adds nothing on the shader path: its {} is not finite ({}); "
+                                     "check its parameters",
+                                     inQuotes(view.ownerOf(i).Name()), inQuotes(uniform), uniformText(held));
                              });
 }
 
@@ -291,9 +293,9 @@ bool ShaderPath::LightTexels::bind(GLint sampler) {
     GLint most = 0;
     glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
     if (values.size() > static_cast<std::size_t>(most))
-        throw Error("the lights of the scene have " + std::to_string(values.size()) +
-                    " values, but this driver holds at most " + std::to_string(most) +
-                    "; mute or remove some of them");
+        throw Error(fmt::format("the lights of the scene have {} values, but this driver holds at most {}; "
+                                "mute or remove some of them",
+                                values.size(), most));
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_BUFFER, texture.name());
     glUniform1i(sampler, 0);

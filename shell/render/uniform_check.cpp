@@ -3,6 +3,7 @@
 #include "shell/render/glsl_text.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -54,15 +55,15 @@ UniformMismatch compareUniforms(std::string_view snippet, const Qelt::RenderName
 std::string undeclaredText(const UniformMismatch& mismatch) {
     if (mismatch.undeclared.empty())
         return {};
-    return "writes " + listed(mismatch.undeclared) +
-           ", which its snippet does not declare: the shader gets nothing of it";
+    return fmt::format("writes {}, which its snippet does not declare: the shader gets nothing of it",
+                       listed(mismatch.undeclared));
 }
 
 std::string unwrittenText(const UniformMismatch& mismatch) {
     if (mismatch.unwritten.empty())
         return {};
-    return "never writes " + listed(mismatch.unwritten) +
-           ", which its snippet declares: the shader has the declared value";
+    return fmt::format("never writes {}, which its snippet declares: the shader has the declared value",
+                       listed(mismatch.unwritten));
 }
 
 } // namespace korl

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <fmt/format.h>
 #include <span>
 #include <type_traits>
 #include <variant>
@@ -163,13 +164,7 @@ std::string uniformText(const UniformValue& value) {
         if constexpr (std::is_floating_point_v<T>) {
             return Qelt::componentsToText(std::span<const T>(components));
         } else {
-            std::string text;
-            for (const T component : components) {
-                if (!text.empty())
-                    text += ' ';
-                text += std::to_string(component);
-            }
-            return text;
+            return fmt::format("{}", fmt::join(components, " "));
         }
     });
 }
