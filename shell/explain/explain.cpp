@@ -9,6 +9,7 @@
 #include "shell/session/shell.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -74,9 +75,9 @@ void requireSensible(const ExplainSettings& settings) {
     if (const auto& pixel = settings.pixel;
         pixel && (pixel->first < 0 || pixel->second < 0 || pixel->first >= settings.width ||
                   pixel->second >= settings.height))
-        throw Error("the pixel " + std::to_string(pixel->first) + "," + std::to_string(pixel->second) +
-                    " was asked for, but the picture is " + std::to_string(settings.width) + "x" +
-                    std::to_string(settings.height) + " pixels, counted from 0 at the upper left");
+        throw Error(fmt::format("the pixel {},{} was asked for, but the picture is {}x{} pixels, "
+                                "counted from 0 at the upper left",
+                                pixel->first, pixel->second, settings.width, settings.height));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "shell/base/printable.hpp"
 #include "shell/explain/number_text.hpp"
 
+#include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
 namespace korl {
@@ -27,32 +28,33 @@ std::string pathName(RenderPath path) {
 }
 
 std::string pixelText(const PixelExplanation& pixel) {
-    std::string text = "\nPixel " + std::to_string(pixel.x) + "," + std::to_string(pixel.y) + ": colour " +
-                       std::to_string(pixel.color[0]) + " " + std::to_string(pixel.color[1]) + " " +
-                       std::to_string(pixel.color[2]) + " of 255\n";
+    const std::string text = fmt::format("\nPixel {},{}: colour {} {} {} of 255\n", pixel.x, pixel.y,
+                                         pixel.color[0], pixel.color[1], pixel.color[2]);
     if (!pixel.surface)
         return text + "  shows the background\n";
-    return text + "  shows the mesh " + inQuotes(pixel.mesh) + " at " + numberText(pixel.surface->position) +
-           ", normal " + numberText(pixel.surface->normal) + ", own colour " +
-           numberText(pixel.surface->color) + "\n  all lights together give it " + numberText(pixel.sum) +
-           "\n";
+    return text + fmt::format("  shows the mesh {} at {}, normal {}, own colour {}\n"
+                              "  all lights together give it {}\n",
+                              inQuotes(pixel.mesh), numberText(pixel.surface->position),
+                              numberText(pixel.surface->normal), numberText(pixel.surface->color),
+                              numberText(pixel.sum));
 }
 
 std::string lightText(const LightExplanation& light) {
-    std::string text = "  " + printable(light.name + " (" + light.type + ")") + "\n";
+    std::string text = fmt::format("  {}\n", printable(fmt::format("{} ({})", light.name, light.type)));
     for (const Finding& finding : light.findings)
-        text +=
-            "    " + std::string(finding.is_cause ? "" : "note: ") + indented(finding.text, "      ") + "\n";
+        text += fmt::format("    {}{}\n", finding.is_cause ? "" : "note: ", indented(finding.text, "      "));
     if (light.intensity)
-        text += "    gives an intensity of at most " + numberText(*light.intensity) +
-                (light.attenuation ? ", " + numberText(*light.attenuation) +
-                                         " of its strength, at a distance of " + numberText(*light.distance)
-                                   : "") +
-                "; faces " + numberText(100 * *light.lit_share) + " % of what was looked at\n";
-    if (light.contribution)
-        text += "    adds to the pixel: diffuse " + numberText(light.contribution->diffuse) + ", specular " +
-                numberText(light.contribution->specular) + "\n";
-    return text + "    " + light.opengl_light + "\n";
+        text += fmt::format("    gives an intensity of at most {}{}; faces {} % of what was looked at\n",
+                            numberText(*light.intensity),
+                            light.attenuation
+                                ? fmt::format(", {} of its strength, at a distance of {}",
+                                              numberText(*light.attenuation), numberText(*light.distance))
+                                : "",
+                            numberText(100 * *light.lit_share));
+    if (const auto& added = light.contribution)
+        text += fmt::format("    adds to the pixel: diffuse {}, specular {}\n", numberText(added->diffuse),
+                            numberText(added->specular));
+    return text + fmt::format("    {}\n", light.opengl_light);
 }
 
 Json vector(const glm::vec3& value) {
@@ -104,18 +106,19 @@ Json pixelJson(const PixelExplanation& pixel) {
 std::string toText(const Explanation& explanation) {
     std::string text = explanation.summary + "\n";
     if (!explanation.failure.empty())
-        text += "\n" + explanation.failure + "\n";
+        text += fmt::format("\n{}\n", explanation.failure);
     if (explanation.pixel)
         text += pixelText(*explanation.pixel);
     text += explanation.lights.empty() ? "\nLights: none\n" : "\nLights\n";
     for (const LightExplanation& light : explanation.lights)
         text += lightText(light);
-    text += "\nScene, " + std::to_string(explanation.width) + "x" + std::to_string(explanation.height) +
-            " pixels on the " + (explanation.path == RenderPath::fixed ? "fixed-function" : "shader") +
-            " path" + (explanation.view.empty() ? "" : ", in the view " + inQuotes(explanation.view)) +
-            "\n  " + numberText(100 * explanation.coverage) + " % of the picture shows a mesh\n";
+    text += fmt::format("\nScene, {}x{} pixels on the {} path{}\n  {} % of the picture shows a mesh\n",
+                        explanation.width, explanation.height,
+                        explanation.path == RenderPath::fixed ? "fixed-function" : "shader",
+                        explanation.view.empty() ? "" : ", in the view " + inQuotes(explanation.view),
+                        numberText(100 * explanation.coverage));
     for (const Finding& finding : explanation.scene)
-        text += "  " + std::string(finding.is_cause ? "" : "note: ") + finding.text + "\n";
+        text += fmt::format("  {}{}\n", finding.is_cause ? "" : "note: ", finding.text);
     return printableLines(text);
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <glm/common.hpp>
 #include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
@@ -135,57 +136,60 @@ void addNotFinite(LightExplanation& light, const LightStats& stats, const Sample
         return;
     const std::string where = samples.is_pixel ? "at the pixel"
                               : bad == total   ? "everywhere on the meshes"
-                                             : "at " + std::to_string(bad) + " of " + std::to_string(total) +
-                                                   " places on the meshes";
-    light.findings.push_back({FindingKind::not_finite,
-                              "gives numbers that are not finite " + where + ", and so adds nothing there",
-                              2 * bad > total});
+                                               : fmt::format("at {} of {} places on the meshes", bad, total);
+    light.findings.push_back(
+        {FindingKind::not_finite,
+         fmt::format("gives numbers that are not finite {}, and so adds nothing there", where),
+         2 * bad > total});
 }
 
 /// What there is to say of a light's strength. @returns whether there is any that could fall on a surface.
 bool addStrength(LightExplanation& light, const LightStats& stats, const SamplePoints& samples) {
-    const std::string at = samples.is_pixel ? "the pixel" : "the meshes";
+    const char* const at = samples.is_pixel ? "the pixel" : "the meshes";
     if (stats.lowest < 0)
         light.findings.push_back(
             {FindingKind::negative_intensity,
-             "takes light away: its intensity is " + numberText(stats.lowest) + " at " + at});
+             fmt::format("takes light away: its intensity is {} at {}", numberText(stats.lowest), at)});
     const bool is_far = light.attenuation && *light.attenuation < low_attenuation;
     if (is_far && stats.intensity < weak_intensity)
         light.findings.push_back(
-            {FindingKind::too_far, "is too far away: at a distance of " + numberText(*light.distance) +
-                                       " its light is down to " + numberText(*light.attenuation) +
-                                       " of its strength, an intensity of " + numberText(stats.intensity)});
+            {FindingKind::too_far,
+             fmt::format("is too far away: at a distance of {} its light is down to {} of its strength, an "
+                         "intensity of {}",
+                         numberText(*light.distance), numberText(*light.attenuation),
+                         numberText(stats.intensity))});
     else if (stats.intensity == 0 && stats.lowest == 0)
         light.findings.push_back(
-            {FindingKind::zero_intensity, std::string("has zero intensity") +
-                                              (stats.specular > 0 ? "; only its highlights have any" : "")});
+            {FindingKind::zero_intensity,
+             stats.specular > 0 ? "has zero intensity; only its highlights have any" : "has zero intensity"});
     else if (stats.intensity < weak_intensity && stats.lowest == 0)
-        light.findings.push_back({FindingKind::weak, "is weak: its intensity is at most " +
-                                                         numberText(stats.intensity) + " at " + at});
+        light.findings.push_back({FindingKind::weak, fmt::format("is weak: its intensity is at most {} at {}",
+                                                                 numberText(stats.intensity), at)});
     return stats.intensity > 0;
 }
 
 void addDirection(LightExplanation& light, const LightStats& stats, const SamplePoints& samples) {
     const float lit = *light.lit_share;
     if (stats.is_directed && stats.is_parallel && stats.travel.z > 0) {
-        const std::string angle =
-            numberText(glm::degrees(std::asin(std::min(stats.travel.z, 1.0f)))) + " degrees";
-        light.findings.push_back({FindingKind::below_horizon,
-                                  "is " + angle + " below the horizon and shines upwards", lit < mostly_lit});
+        const float angle = glm::degrees(std::asin(std::min(stats.travel.z, 1.0f)));
+        light.findings.push_back(
+            {FindingKind::below_horizon,
+             fmt::format("is {} degrees below the horizon and shines upwards", numberText(angle)),
+             lit < mostly_lit});
     }
     if (lit < hardly_lit) {
         const std::string what = samples.is_pixel ? "the surface at the pixel"
                                  : lit == 0       ? "all that is seen of the meshes"
                                                   : numberText(100 * (1 - lit)) + " % of what is seen";
         light.findings.push_back(
-            {FindingKind::facing_away, "faces away from " + what + ": it falls on the back of the surface"});
+            {FindingKind::facing_away,
+             fmt::format("faces away from {}: it falls on the back of the surface", what)});
     } else if (stats.cosine < grazing_cosine) {
         light.findings.push_back(
-            {FindingKind::grazing, "only grazes " +
-                                       std::string(samples.is_pixel ? "the surface at the pixel"
-                                                                    : "all that is seen of the meshes") +
-                                       ", at most " + numberText(glm::degrees(std::asin(stats.cosine))) +
-                                       " degrees from the surface"});
+            {FindingKind::grazing,
+             fmt::format("only grazes {}, at most {} degrees from the surface",
+                         samples.is_pixel ? "the surface at the pixel" : "all that is seen of the meshes",
+                         numberText(glm::degrees(std::asin(stats.cosine))))});
     }
 }
 
@@ -224,7 +228,7 @@ void diagnoseLight(LightExplanation& light, const SampleFunction& sample, const 
             addDirection(light, stats, samples);
     } catch (const Error& error) {
         light.findings.push_back({FindingKind::shader_failed,
-                                  std::string("has a shader that the driver refuses: ") + error.what()});
+                                  fmt::format("has a shader that the driver refuses: {}", error.what())});
     }
 }
 

@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/core.h>
 #include <map>
 
 namespace korl {
@@ -47,8 +48,7 @@ FixedLights setUpFixedLights(const LitScene& at) {
 /// Says which OpenGL light a light holds, and finds what keeps it from having one.
 void addOpenGLLight(LightExplanation& light, const FixedLightPlace& place, const FixedLights& fixed,
                     RenderPath path) {
-    const std::string number = std::to_string(place.number);
-    const std::string holds = "holds OpenGL light " + number;
+    const std::string holds = fmt::format("holds OpenGL light {}", place.number);
     const bool is_cause = path == RenderPath::fixed;
     light.opengl_number = place.number;
     switch (place.outcome) {
@@ -59,8 +59,7 @@ void addOpenGLLight(LightExplanation& light, const FixedLightPlace& place, const
         light.opengl_light = holds + ", of which only the ambient light counts";
         return;
     case Outcome::not_finite:
-        light.opengl_light =
-            "holds OpenGL light " + number + ", which is off: what it gives OpenGL is not finite";
+        light.opengl_light = holds + ", which is off: what it gives OpenGL is not finite";
         if (is_cause)
             light.findings.push_back(
                 {FindingKind::not_finite, "gives OpenGL numbers that are not finite, and so is off"});
@@ -78,9 +77,9 @@ void addOpenGLLight(LightExplanation& light, const FixedLightPlace& place, const
                 holders += (holders.empty() ? "" : ", ") + inQuotes(other.object->Name());
         light.opengl_light = "holds no OpenGL light: all are held by " + holders;
         light.findings.push_back({FindingKind::left_out,
-                                  "is left out on the fixed-function path: all of OpenGL's lights are held "
-                                  "by those before it, " +
-                                      holders,
+                                  fmt::format("is left out on the fixed-function path: all of OpenGL's "
+                                              "lights are held by those before it, {}",
+                                              holders),
                                   is_cause});
         return;
     }
@@ -92,10 +91,10 @@ void nameBadUniforms(LightExplanation& light, const Qelt::RenderNamespace::Light
     std::string names;
     for (const auto& [name, value] : source.uniforms())
         if (!isFinite(value))
-            names += (names.empty() ? "" : ", ") + inQuotes(name) + " (" + uniformText(value) + ")";
+            names += fmt::format("{}{} ({})", names.empty() ? "" : ", ", inQuotes(name), uniformText(value));
     for (Finding& finding : light.findings)
         if (finding.kind == FindingKind::not_finite && !names.empty())
-            finding.text += "; not finite is its uniform " + names + ": check its parameters";
+            finding.text += fmt::format("; not finite is its uniform {}: check its parameters", names);
 }
 
 /// Notes where a light writes other uniforms than its snippet declares.
@@ -155,8 +154,8 @@ SampleFunction fixedSamples(const OpenGLLight& light, bool is_ambient_only) {
 void addDisabled(LightExplanation& light, const Scene& scene, const Qelt::VObject& object) {
     light.opengl_light = "holds no OpenGL light: it takes no part in the picture";
     if (const Qelt::VObject* const solo = scene.soloLight(); solo && solo != &object)
-        light.findings.push_back(
-            {FindingKind::silenced, "is silenced, since " + inQuotes(solo->Name()) + " shines alone"});
+        light.findings.push_back({FindingKind::silenced,
+                                  fmt::format("is silenced, since {} shines alone", inQuotes(solo->Name()))});
     if (scene.isMuted(object))
         light.findings.push_back({FindingKind::muted, "is muted"});
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -12,7 +13,7 @@ std::string numberText(float number) {
 }
 
 std::string numberText(const glm::vec3& vector) {
-    return "(" + numberText(vector.x) + ", " + numberText(vector.y) + ", " + numberText(vector.z) + ")";
+    return fmt::format("({}, {}, {})", numberText(vector.x), numberText(vector.y), numberText(vector.z));
 }
 
 } // namespace korl

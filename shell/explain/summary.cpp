@@ -4,6 +4,7 @@
 #include "shell/explain/number_text.hpp"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <map>
 
 namespace korl {
@@ -68,22 +69,15 @@ std::string sentenceOf(FindingKind kind, const std::vector<const LightExplanatio
         const std::string& text = lights.front()->findings.front().text;
         // Of a shader that fails, the driver's many words stay with the light.
         const std::size_t end = kind == FindingKind::shader_failed ? text.find(':') : text.find('\n');
-        return "the light " + nameAt(0) + " " + text.substr(0, end);
+        return fmt::format("the light {} {}", nameAt(0), text.substr(0, end));
     }
     std::string names = nameAt(0);
     const std::size_t named = std::min(lights.size(), max_names);
     for (std::size_t i = 1; i < named; ++i)
         names += (i + 1 == lights.size() ? " and " : ", ") + nameAt(i);
     if (lights.size() > named)
-        names += " and " + std::to_string(lights.size() - named) + " more";
-    return "the lights " + names + " " + wordsOf(kind).plural;
-}
-
-std::string joined(const std::vector<std::string>& sentences) {
-    std::string text;
-    for (const std::string& sentence : sentences)
-        text += (text.empty() ? "" : "; and ") + sentence;
-    return text;
+        names += fmt::format(" and {} more", lights.size() - named);
+    return fmt::format("the lights {} {}", names, wordsOf(kind).plural);
 }
 
 } // namespace
@@ -94,8 +88,7 @@ std::string nameOf(FindingKind kind) {
 
 void summarize(Explanation& explanation) {
     const auto& pixel = explanation.pixel;
-    const std::string what =
-        pixel ? "The pixel " + std::to_string(pixel->x) + "," + std::to_string(pixel->y) : "The picture";
+    const std::string what = pixel ? fmt::format("The pixel {},{}", pixel->x, pixel->y) : "The picture";
     const auto isOf = [](FindingKind kind) {
         return [kind](const Finding& finding) { return finding.kind == kind && finding.is_cause; };
     };
@@ -108,8 +101,9 @@ void summarize(Explanation& explanation) {
         return;
     }
     if (!explanation.is_dark && !has(FindingKind::no_mesh_in_view)) {
-        explanation.summary = what + " is not dark: its brightness is " + numberText(explanation.brightness) +
-                              (pixel ? "" : " in the mean of what shows a mesh") + " (0 black, 1 white).";
+        explanation.summary =
+            fmt::format("{} is not dark: its brightness is {}{} (0 black, 1 white).", what,
+                        numberText(explanation.brightness), pixel ? "" : " in the mean of what shows a mesh");
         return;
     }
     explanation.is_dark = true;
@@ -126,15 +120,15 @@ void summarize(Explanation& explanation) {
             sentences.push_back(sentenceOf(kind, lights));
         }
     }
+    const std::string reasons = fmt::format("{}", fmt::join(sentences, "; and "));
     if (!explanation.failure.empty())
-        explanation.summary =
-            "There is no picture" +
-            (sentences.empty() ? ": " + explanation.failure : ", because " + joined(sentences)) + ".";
+        explanation.summary = sentences.empty() ? fmt::format("There is no picture: {}.", explanation.failure)
+                                                : fmt::format("There is no picture, because {}.", reasons);
     else if (sentences.empty())
         explanation.summary = what + " is dark, but nothing keeps its lights from it: what they give is "
                                      "little for the colours and the slopes of its surfaces.";
     else
-        explanation.summary = what + " is dark because " + joined(sentences) + ".";
+        explanation.summary = fmt::format("{} is dark because {}.", what, reasons);
 }
 
 } // namespace korl

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <glm/geometric.hpp>
 
 namespace korl {
@@ -59,14 +60,14 @@ bool hasOneNormalForAll(const Mesh& mesh) {
 }
 
 Finding invertedNormals(const Mesh& mesh, std::size_t averted, std::size_t seen) {
-    const std::string what = "the normals of the mesh " + inQuotes(mesh.name) +
-                             " point away from the camera in " + percent(averted, seen) +
-                             " of what is seen of it";
+    const char* const why = opposesTriangles(mesh)
+                                ? "they are inverted, against the fronts of its triangles; turn them round"
+                                : "it is seen from its back, or turned inside out; move the camera, or turn "
+                                  "its normals round";
     return {FindingKind::normals_inverted,
-            what + (opposesTriangles(mesh)
-                        ? ": they are inverted, against the fronts of its triangles; turn them round"
-                        : ": it is seen from its back, or turned inside out; move the camera, or turn its "
-                          "normals round"),
+            fmt::format("the normals of the mesh {} point away from the camera in {} of what is seen of it: "
+                        "{}",
+                        inQuotes(mesh.name), percent(averted, seen), why),
             2 * averted > seen};
 }
 
@@ -93,11 +94,10 @@ std::vector<Finding> findOnSurfaces(GBuffer::Meshes meshes, float coverage,
         const bool counts = 2 * seen_of[i] > seen.size(); // most of what is seen is of this mesh
         if (seen_of[i] > 0 && hasOneNormalForAll(mesh))
             findings.push_back({FindingKind::normals_missing,
-                                "the mesh " + inQuotes(mesh.name) +
-                                    " has no normals of its own: all of them are " +
-                                    numberText(mesh.normals.front()) +
-                                    ", whichever way its triangles face; leave them out, and smooth ones are "
-                                    "made",
+                                fmt::format("the mesh {} has no normals of its own: all of them are {}, "
+                                            "whichever way its triangles face; leave them out, and smooth "
+                                            "ones are made",
+                                            inQuotes(mesh.name), numberText(mesh.normals.front())),
                                 counts});
         else if (4 * averted[i] > seen_of[i]) {
             Finding finding = invertedNormals(mesh, averted[i], seen_of[i]);
