@@ -7,6 +7,7 @@
 #include "shell/mesh/builtin_scene.hpp"
 #include "shell/session/shell.hpp"
 
+#include <fmt/core.h>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ std::filesystem::path writeGallery(Shell& shell, const std::filesystem::path& fo
     std::error_code problem;
     std::filesystem::create_directories(folder, problem);
     if (problem)
-        throw Error("cannot make the folder " + folder.string() + ": " + problem.message());
+        throw Error(fmt::format("cannot make the folder {}: {}", folder.string(), problem.message()));
     const std::string page = galleryPage(sheets);
     const std::filesystem::path file = folder / "index.html";
     writeFileAtomically(file, page);

@@ -4,6 +4,7 @@
 #include "shell/gallery/page_style.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -15,13 +16,14 @@ using Row = std::vector<std::string>;
 std::string table(const Row& head, const std::vector<Row>& rows, const std::vector<bool>& is_code) {
     std::string html = "<div class=\"scroll\"><table>\n<thead><tr>";
     for (const std::string& title : head)
-        html += "<th scope=\"col\">" + escapeHtml(title) + "</th>";
+        html += fmt::format(R"(<th scope="col">{}</th>)", escapeHtml(title));
     html += "</tr></thead>\n<tbody>\n";
     for (const Row& row : rows) {
         html += "<tr>";
         for (std::size_t i = 0; i < row.size(); ++i) {
             const std::string text = row[i].empty() ? "–" : escapeHtml(row[i]);
-            html += "<td>" + (is_code[i] && !row[i].empty() ? "<code>" + text + "</code>" : text) + "</td>";
+            html += is_code[i] && !row[i].empty() ? fmt::format("<td><code>{}</code></td>", text)
+                                                  : fmt::format("<td>{}</td>", text);
         }
         html += "</tr>\n";
     }
@@ -58,12 +60,12 @@ std::string uniformTable(const std::vector<std::pair<std::string, std::string>>&
 }
 
 std::string figure(const TypeSheet& sheet, const PathPicture& picture) {
-    std::string html = "<figure>" +
-                       imageElement(picture.image, "Hilly land, a column and a sphere, lit by " + sheet.name +
-                                                       " on the " + picture.path) +
-                       "<figcaption>" + escapeHtml(picture.path);
+    const std::string alternative =
+        fmt::format("Hilly land, a column and a sphere, lit by {} on the {}", sheet.name, picture.path);
+    std::string html = fmt::format("<figure>{}<figcaption>{}", imageElement(picture.image, alternative),
+                                   escapeHtml(picture.path));
     for (const std::string& report : picture.reports)
-        html += "<br><small>" + escapeHtml(report) + "</small>";
+        html += fmt::format("<br><small>{}</small>", escapeHtml(report));
     return html + "</figcaption></figure>\n";
 }
 
@@ -77,16 +79,15 @@ std::string trimmed(const std::string& snippet) {
 
 std::string section(const TypeSheet& sheet) {
     const std::string name = escapeHtml(sheet.name);
-    std::string html = "<section id=\"" + name + "\">\n<h2>";
-    if (sheet.icon)
-        html += imageElement(*sheet.icon, "Icon of " + sheet.name) + " ";
-    html += name + "</h2>\n";
+    const std::string icon = sheet.icon ? imageElement(*sheet.icon, "Icon of " + sheet.name) + " " : "";
+    std::string html = fmt::format("<section id=\"{0}\">\n<h2>{1}{0}</h2>\n", name, icon);
     if (!sheet.category.empty())
-        html += "<p class=\"category\">" + escapeHtml(sheet.category) + "</p>\n";
+        html += fmt::format("<p class=\"category\">{}</p>\n", escapeHtml(sheet.category));
     if (!sheet.description.empty())
-        html += "<p>" + escapeHtml(sheet.description) + "</p>\n";
+        html += fmt::format("<p>{}</p>\n", escapeHtml(sheet.description));
     if (!sheet.failure.empty())
-        html += "<p class=\"failure\">Not all of it can be shown: " + escapeHtml(sheet.failure) + "</p>\n";
+        html += fmt::format("<p class=\"failure\">Not all of it can be shown: {}</p>\n",
+                            escapeHtml(sheet.failure));
     if (!sheet.pictures.empty()) {
         html += "<div class=\"pictures\">\n";
         for (const PathPicture& picture : sheet.pictures)
@@ -95,26 +96,26 @@ std::string section(const TypeSheet& sheet) {
     }
     html += "<h3>Parameters</h3>\n" + parameterTable(sheet.parameters);
     if (!sheet.snippets.empty())
-        html += "<h3>Uniforms</h3>\n" + uniformTable(sheet.uniforms) + "<h3>GLSL</h3>\n";
+        html += fmt::format("<h3>Uniforms</h3>\n{}<h3>GLSL</h3>\n", uniformTable(sheet.uniforms));
     for (const std::string& snippet : sheet.snippets)
-        html += "<pre tabindex=\"0\"><code>" + escapeHtml(trimmed(snippet)) + "</code></pre>\n";
+        html += fmt::format("<pre tabindex=\"0\"><code>{}</code></pre>\n", escapeHtml(trimmed(snippet)));
     return html + "</section>\n";
 }
 
 } // namespace
 
 std::string galleryPage(const std::vector<TypeSheet>& sheets) {
-    std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-                       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-                       "<title>Korl: the lights</title>\n<style>";
-    html.append(page_style)
-        .append("</style>\n</head>\n<body>\n<header>\n<h1>Korl: the lights</h1>\n"
-                "<p>Every type that the loaded modules bring, with its defaults. Each "
-                "light answers the renderer twice: with a GLSL snippet, evaluated for each "
-                "pixel, and with a fixed-function OpenGL light.</p>\n"
-                "<nav aria-label=\"Types\">\n");
+    std::string html = fmt::format(
+        "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+        "<title>Korl: the lights</title>\n<style>{}</style>\n</head>\n"
+        "<body>\n<header>\n<h1>Korl: the lights</h1>\n"
+        "<p>Every type that the loaded modules bring, with its defaults. Each light answers the renderer "
+        "twice: with a GLSL snippet, evaluated for each pixel, and with a fixed-function OpenGL light.</p>\n"
+        "<nav aria-label=\"Types\">\n",
+        page_style);
     for (const TypeSheet& sheet : sheets)
-        html += "<a href=\"#" + escapeHtml(sheet.name) + "\">" + escapeHtml(sheet.name) + "</a>\n";
+        html += fmt::format("<a href=\"#{0}\">{0}</a>\n", escapeHtml(sheet.name));
     html += "</nav>\n</header>\n<main>\n";
     for (const TypeSheet& sheet : sheets)
         html += section(sheet);

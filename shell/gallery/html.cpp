@@ -2,6 +2,8 @@
 
 #include "shell/image/png.hpp"
 
+#include <fmt/core.h>
+
 namespace korl {
 
 std::string escapeHtml(std::string_view text) {
@@ -44,9 +46,8 @@ std::string toBase64(std::span<const std::uint8_t> bytes) {
 }
 
 std::string imageElement(const Image& image, std::string_view alternative) {
-    return "<img src=\"data:image/png;base64," + toBase64(encodePng(image)) + "\" width=\"" +
-           std::to_string(image.width) + "\" height=\"" + std::to_string(image.height) + "\" alt=\"" +
-           escapeHtml(alternative) + "\">";
+    return fmt::format(R"(<img src="data:image/png;base64,{}" width="{}" height="{}" alt="{}">)",
+                       toBase64(encodePng(image)), image.width, image.height, escapeHtml(alternative));
 }
 
 } // namespace korl
