@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fmt/core.h>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -48,11 +49,11 @@ private:
 };
 
 std::string nameOf(const Variation& variation) {
-    return variation.object + "." + variation.parameter;
+    return fmt::format("{}.{}", variation.object, variation.parameter);
 }
 
 std::string withNote(const std::string& text, bool is_solar_time) {
-    return is_solar_time ? text + " (" + solar_time_note + ")" : text;
+    return is_solar_time ? fmt::format("{} ({})", text, solar_time_note) : text;
 }
 
 /// "3, 7-9": the numbers of frames, in order.
@@ -61,9 +62,9 @@ std::string listed(const std::vector<int>& numbers) {
     for (std::size_t first = 0, last; first < numbers.size(); first = last + 1) {
         for (last = first; last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1;)
             ++last;
-        text += (text.empty() ? "" : ", ") + std::to_string(numbers[first]);
+        text += fmt::format("{}{}", text.empty() ? "" : ", ", numbers[first]);
         if (last > first)
-            text += "-" + std::to_string(numbers[last]);
+            text += fmt::format("-{}", numbers[last]);
     }
     return text;
 }
@@ -72,10 +73,10 @@ std::string listed(const std::vector<int>& numbers) {
     std::map<std::string, std::vector<int>> numbers_by_reason;
     for (const auto& [number, reason] : failures)
         numbers_by_reason[reason].push_back(number);
-    std::string text = std::to_string(failures.size()) + " of " + std::to_string(frames) +
-                       " frames could not be made, though each was tried twice";
+    std::string text = fmt::format("{} of {} frames could not be made, though each was tried twice",
+                                   failures.size(), frames);
     for (const auto& [reason, numbers] : numbers_by_reason)
-        text += "\nframe " + listed(numbers) + ": " + reason;
+        text += fmt::format("\nframe {}: {}", listed(numbers), reason);
     throw Error(text);
 }
 
@@ -96,8 +97,9 @@ public:
         const std::string scene = sceneToDraw();
         const SequenceLock lock(isFilm() ? my_film : my_settings.output);
         if (!lock.isHeld())
-            report("the file system of " + printable(my_settings.output.string()) +
-                   " has no locks; see to it that no other process makes the same sequence");
+            report(fmt::format("the file system of {} has no locks; "
+                               "see to it that no other process makes the same sequence",
+                               printable(my_settings.output.string())));
         if (isFilm())
             makeFilmFolder();
         std::vector<FrameRequest> missing = missingFrames(checksum(my_shell.scene(), scene));
@@ -125,10 +127,11 @@ private:
             my_shell.scene().view(my_settings.view); // throws where there is none
         const fs::path folder = my_settings.output.parent_path();
         if (!folder.empty() && !fs::is_directory(folder))
-            throw Error("cannot write " + printable(my_settings.output.string()) + ": the folder " +
-                        printable(folder.string()) + " does not exist; make it first");
+            throw Error(fmt::format("cannot write {}: the folder {} does not exist; make it first",
+                                    printable(my_settings.output.string()), printable(folder.string())));
         if (fs::is_directory(my_settings.output))
-            throw Error("cannot write " + printable(my_settings.output.string()) + ": it is a directory");
+            throw Error(
+                fmt::format("cannot write {}: it is a directory", printable(my_settings.output.string())));
         if (isFilm())
             requireFfmpeg(my_settings.output);
     }
@@ -138,15 +141,16 @@ private:
                              ? static_cast<int>(std::pow(10, my_names->digits())) - 1
                              : max_film_frames;
         if (my_settings.frames < 1)
-            throw Error("a sequence has at least one frame, found " + std::to_string(my_settings.frames));
+            throw Error(fmt::format("a sequence has at least one frame, found {}", my_settings.frames));
         if (my_settings.frames > most)
-            throw Error(inQuotes(my_settings.output.filename().string()) + " takes " + std::to_string(most) +
-                        " frames at most, found " + std::to_string(my_settings.frames) +
-                        (most < max_film_frames ? "; put more # characters into the name" : ""));
+            throw Error(fmt::format("{} takes {} frames at most, found {}{}",
+                                    inQuotes(my_settings.output.filename().string()), most,
+                                    my_settings.frames,
+                                    most < max_film_frames ? "; put more # characters into the name" : ""));
         if (my_settings.picture.width < 1 || my_settings.picture.height < 1)
             throw Error("a picture has at least one pixel");
         if (my_settings.jobs < 0)
-            throw Error("the frames are made by at least one job, found " + std::to_string(my_settings.jobs));
+            throw Error(fmt::format("the frames are made by at least one job, found {}", my_settings.jobs));
         const double rate = my_settings.frames_per_second;
         if (!std::isfinite(rate) || rate <= 0)
             throw Error("a film has more than 0 frames per second");
@@ -162,9 +166,9 @@ private:
         std::error_code problem;
         fs::create_directory(filmFolder(), problem);
         if (problem || !fs::is_directory(filmFolder()))
-            throw Error(
-                "cannot make the folder " + printable(filmFolder().string()) +
-                " for the film's frames: " + (problem ? problem.message() : "there is a file of that name"));
+            throw Error(fmt::format("cannot make the folder {} for the film's frames: {}",
+                                    printable(filmFolder().string()),
+                                    problem ? problem.message() : "there is a file of that name"));
     }
 
     fs::path frameFile(int number) const {
@@ -197,17 +201,16 @@ private:
     FrameRequest requestFor(int number, std::uint32_t scene) const {
         FrameRequest request{number, fs::absolute(frameFile(number)).string(), {}, {}, {}};
         const RenderSettings& picture = my_settings.picture;
-        std::string stamped = "korl " KORL_VERSION " " + std::to_string(scene) + " " +
-                              std::to_string(picture.width) + "x" + std::to_string(picture.height) + " " +
-                              std::to_string(static_cast<int>(picture.path)) + " " + my_settings.view;
+        std::string stamped = fmt::format("korl {} {} {}x{} {} {}", KORL_VERSION, scene, picture.width,
+                                          picture.height, static_cast<int>(picture.path), my_settings.view);
         for (const Variation& variation : my_settings.variations) {
             const std::string text =
                 valueAt(variation, number - 1, my_settings.frames, isDirection(variation, my_shell.scene()));
             request.values.push_back({variation.object, variation.parameter, text});
-            stamped += "; " + nameOf(variation) + " = " + text;
-            request.description +=
-                (request.description.empty() ? "" : "; ") +
-                withNote(nameOf(variation) + " = " + text, isSolarTime(variation, my_shell.scene()));
+            const std::string varied = fmt::format("{} = {}", nameOf(variation), text);
+            stamped += "; " + varied;
+            request.description += (request.description.empty() ? "" : "; ") +
+                                   withNote(varied, isSolarTime(variation, my_shell.scene()));
         }
         request.stamp = std::to_string(checksum(stamped));
         return request;
@@ -285,7 +288,7 @@ SequenceProgress animate(Shell& shell, const SequenceSettings& settings, const S
 }
 
 std::string describeVariation(const Variation& variation, const Scene& scene) {
-    return withNote(nameOf(variation) + " from " + variation.from + " to " + variation.to,
+    return withNote(fmt::format("{} from {} to {}", nameOf(variation), variation.from, variation.to),
                     isSolarTime(variation, scene));
 }
 

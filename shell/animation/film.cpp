@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fmt/core.h>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -68,10 +69,11 @@ bool isWhole(const fs::path& file, SequenceKind kind) {
 
 [[noreturn]] void throwFailure(const Film& film, const fs::path& folder, const std::string& what,
                                const std::string& said) {
-    throw Error("cannot make the film " + printable(film.file.string()) + ": ffmpeg " + what +
-                (said.empty() ? "" : " and said:\n" + said) + "\nThe frames stay in " +
-                printable(folder.string()) +
-                ": mend the cause, a full disk perhaps, and resume the sequence.");
+    throw Error(
+        fmt::format("cannot make the film {}: ffmpeg {}{}\n"
+                    "The frames stay in {}: mend the cause, a full disk perhaps, and resume the sequence.",
+                    printable(film.file.string()), what, said.empty() ? "" : " and said:\n" + said,
+                    printable(folder.string())));
 }
 
 } // namespace
@@ -82,9 +84,10 @@ void requireFfmpeg(const fs::path& film) {
     for (std::string folder; std::getline(folders, folder, ':');)
         if (::access((fs::path(folder.empty() ? "." : folder) / encoder).c_str(), X_OK) == 0)
             return;
-    throw Error("cannot make the film " + printable(film.string()) +
-                ": there is no ffmpeg on the PATH; install it (on Debian the package ffmpeg), or write "
-                "pictures, such as \"day_####.png\"");
+    throw Error(
+        fmt::format("cannot make the film {}: there is no ffmpeg on the PATH; "
+                    "install it (on Debian the package ffmpeg), or write pictures, such as \"day_####.png\"",
+                    printable(film.string())));
 }
 
 fs::path filmFrame(const fs::path& folder, int number) {

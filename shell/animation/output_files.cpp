@@ -5,6 +5,7 @@
 #include "shell/base/printable.hpp"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace korl {
 
@@ -35,10 +36,7 @@ FrameNames::FrameNames(const std::filesystem::path& pattern) : my_folder(pattern
 }
 
 std::filesystem::path FrameNames::file(int number) const {
-    std::string digits = std::to_string(number);
-    const auto places = static_cast<std::size_t>(my_digits);
-    digits.insert(0, places - std::min(places, digits.size()), '0');
-    return my_folder / (my_before + digits + my_after);
+    return my_folder / fmt::format("{}{:0{}}{}", my_before, number, my_digits, my_after);
 }
 
 } // namespace korl

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <span>
 #include <string>
 #include <system_error>
@@ -29,7 +30,7 @@ std::string thisProcess() {
     const std::time_t now = std::time(nullptr);
     std::tm parts{};
     std::strftime(time.data(), time.size(), "%Y-%m-%d %H:%M:%S UTC", ::gmtime_r(&now, &parts));
-    return "process " + std::to_string(::getpid()) + " on " + host.data() + " since " + time.data();
+    return fmt::format("process {} on {} since {}", ::getpid(), host.data(), time.data());
 }
 
 std::string ownerIn(int file) {
@@ -52,11 +53,10 @@ Descriptor openLock(const fs::path& path) {
 
 [[noreturn]] void throwNotOpened(const fs::path& output, const fs::path& path, int problem) {
     std::error_code ignored;
-    throw Error("cannot lock " + printable(output.string()) + ": cannot write " + printable(path.string()) +
-                ": " + std::strerror(problem) +
-                (fs::exists(fs::symlink_status(path, ignored))
-                     ? "; remove that file if nobody is making the sequence"
-                     : ""));
+    const bool is_there = fs::exists(fs::symlink_status(path, ignored));
+    throw Error(fmt::format("cannot lock {}: cannot write {}: {}{}", printable(output.string()),
+                            printable(path.string()), std::strerror(problem),
+                            is_there ? "; remove that file if nobody is making the sequence" : ""));
 }
 
 bool isReadOnly(int file) {
@@ -66,15 +66,16 @@ bool isReadOnly(int file) {
 } // namespace
 
 SequenceLock::SequenceLock(const fs::path& output)
-    : my_path(output.parent_path() / ("." + output.filename().string() + ".lock")) {
+    : my_path(output.parent_path() / fmt::format(".{}.lock", output.filename().string())) {
     do {
         my_file = openLock(my_path);
         if (!my_file.isOpen())
             throwNotOpened(output, my_path, errno);
         const LockState state = tryLock(my_file.get());
         if (state == LockState::busy)
-            throw Error("cannot make " + printable(output.string()) + ": it is being made by " +
-                        ownerIn(my_file.get()) + "; wait for its end, or write to files of another name");
+            throw Error(fmt::format("cannot make {}: it is being made by {}; "
+                                    "wait for its end, or write to files of another name",
+                                    printable(output.string()), ownerIn(my_file.get())));
         my_is_held = state == LockState::taken;
         // It would go on naming the killed process that left it, so it makes way for a new file.
         if (my_is_held && isReadOnly(my_file.get()) && isAt(my_file.get(), my_path))

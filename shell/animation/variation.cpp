@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fmt/core.h>
 #include <limits>
 #include <numbers>
 #include <sstream>
@@ -49,10 +50,11 @@ bool readEnds(Variation& variation, const std::string& text) {
 void validateEnd(const std::string& name, const Qelt::VParameter& parameter, const std::string& text) {
     const auto value = parameter.DefaultValue().clone();
     if (numberCount(parameter.type()) == 0 || !value->setValueFromText(text))
-        throw Error("cannot vary " + inQuotes(name) + ": it takes " + valueForm(parameter.type()) +
-                    ", found " + inQuotes(text));
+        throw Error(fmt::format("cannot vary {}: it takes {}, found {}", inQuotes(name),
+                                valueForm(parameter.type()), inQuotes(text)));
     if (!isFinite(*value))
-        throw Error("cannot vary " + inQuotes(name) + ": it takes finite numbers, found " + inQuotes(text));
+        throw Error(
+            fmt::format("cannot vary {}: it takes finite numbers, found {}", inQuotes(name), inQuotes(text)));
 }
 
 // The lengths of vectors, which are squared on the way, are within a long double's range whatever they are.
@@ -132,16 +134,17 @@ Variation sunTime(const Scene& scene, const std::string& hours) {
 
 void validate(const Variation& variation, const Scene& scene, const std::string& view) {
     const Qelt::VParameter& parameter = scene.parameter(variation.object, variation.parameter);
-    const std::string name = variation.object + "." + variation.parameter;
+    const std::string name = fmt::format("{}.{}", variation.object, variation.parameter);
     validateEnd(name, parameter, variation.from);
     validateEnd(name, parameter, variation.to);
     // A view's own value goes before what the parameter follows, so there it would be seen.
     if (view.empty() && parameter.hasSource()) {
         const Qelt::VParameter* const source = parameter.source();
         const Qelt::VObject* const owner = source ? source->creator() : nullptr;
-        throw Error("cannot vary " + inQuotes(name) + ": it follows " +
-                    (owner ? inQuotes(owner->Name() + "." + source->Name()) + "; vary that one"
-                           : std::string("a parameter that is gone; end that first")));
+        throw Error(fmt::format("cannot vary {}: it follows {}", inQuotes(name),
+                                owner ? inQuotes(fmt::format("{}.{}", owner->Name(), source->Name())) +
+                                            "; vary that one"
+                                      : "a parameter that is gone; end that first"));
     }
 }
 

@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <fmt/core.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -84,7 +85,7 @@ void setUp(Shell& shell, const WorkerJob& job, const MessageSocket& socket) {
     const GLContext::Info& info = shell.context().info();
     if (job.verbosity > 0)
         socket.send(
-            {report_word, "renderer: " + info.renderer + ", OpenGL " + info.version + ", " + info.how});
+            {report_word, fmt::format("renderer: {}, OpenGL {}, {}", info.renderer, info.version, info.how)});
     socket.send({ready_word});
 }
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <fmt/core.h>
 #include <iterator>
 #include <poll.h>
 #include <thread>
@@ -123,7 +124,8 @@ bool WorkerPool::handle(Worker& worker) {
     if (!message || message->empty()) {
         const std::string end = endText(worker.process.wait());
         if (!worker.is_ready)
-            throw Error("the frames cannot be made: a worker ended with " + end + " before it had the scene");
+            throw Error(fmt::format(
+                "the frames cannot be made: a worker ended with {} before it had the scene", end));
         if (worker.frame)
             takeFailure(worker, "its worker ended with " + end);
         return false;

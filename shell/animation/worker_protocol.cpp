@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <fmt/core.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -36,7 +37,7 @@ std::pair<MessageSocket, MessageSocket> MessageSocket::makePair() {
     int ends[2];
     // Packets, so that each message comes whole.
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
-        throw Error(std::string("cannot make a connection to a worker: ") + std::strerror(errno));
+        throw Error(fmt::format("cannot make a connection to a worker: {}", std::strerror(errno)));
     return {MessageSocket(ends[0]), MessageSocket(ends[1])};
 }
 
@@ -51,8 +52,8 @@ bool MessageSocket::send(const Message& message) const {
         if (::send(my_descriptor, packet.data(), packet.size(), MSG_NOSIGNAL) >= 0)
             return true;
         if (errno == EMSGSIZE)
-            throw Error("a frame has more values than can be handed to a worker: " +
-                        std::to_string(packet.size()) + " bytes");
+            throw Error(fmt::format("a frame has more values than can be handed to a worker: {} bytes",
+                                    packet.size()));
         if (errno != EINTR)
             return false;
     }
