@@ -8,6 +8,7 @@
 #include <assimp/scene.h>
 #include <cmath>
 #include <cstdint>
+#include <fmt/core.h>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,8 +28,8 @@ constexpr glm::vec3 white{1, 1, 1};
 
 void requireFinite(const aiVector3D& position) {
     if (!std::isfinite(position.x) || !std::isfinite(position.y) || !std::isfinite(position.z))
-        refuse("it has a vertex at (" + std::to_string(position.x) + ", " + std::to_string(position.y) +
-               ", " + std::to_string(position.z) + "), which is not a place");
+        refuse(fmt::format("it has a vertex at ({:f}, {:f}, {:f}), which is not a place", position.x,
+                           position.y, position.z));
 }
 
 /// A mesh where a node has it.
@@ -61,7 +62,7 @@ public:
 private:
     void addNode(const aiNode& node, const aiMatrix4x4& parent_transform, std::size_t level) {
         if (level > max_node_levels) // the outermost is the importer's own
-            refuse("its nodes lie more than " + std::to_string(max_node_levels) + " deep in each other");
+            refuse(fmt::format("its nodes lie more than {} deep in each other", max_node_levels));
         const aiMatrix4x4 transform = parent_transform * node.mTransformation;
         for (unsigned i = 0; i < node.mNumMeshes; ++i)
             addMesh(*my_scene.mMeshes[node.mMeshes[i]], transform);

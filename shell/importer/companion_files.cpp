@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <fmt/core.h>
 #include <system_error>
 
 namespace korl {
@@ -71,10 +72,9 @@ std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
     std::string name = asked.string();
     if (name.starts_with(folder))
         name.erase(0, folder.size());
-    const std::string shown = "\"" + printable(name) + "\"";
+    const std::string shown = fmt::format("\"{}\"", printable(name));
     if (const auto scheme = uriScheme(name); !scheme.empty()) {
-        refuse("it names " + shown + ", a URI of the scheme \"" + std::string(scheme) +
-               "\"; only files are read");
+        refuse(fmt::format("it names {}, a URI of the scheme \"{}\"; only files are read", shown, scheme));
         return std::nullopt;
     }
     std::error_code problem;
@@ -85,18 +85,18 @@ std::optional<fs::path> CompanionFiles::companion(const fs::path& asked) {
         // Where a material library is missing, the importer tries the one of the model's own name.
         if (my_left_out.empty() || file.stem() != my_place.file.stem())
             my_left_out.try_emplace(
-                path, "the file " + shown + " that it names is not there and was left out", true);
+                path, fmt::format("the file {} that it names is not there and was left out", shown), true);
         return std::nullopt;
     }
     if (const std::string kind = otherKind(type); !kind.empty()) {
-        refuse("it names " + shown + ", which is " + kind);
+        refuse(fmt::format("it names {}, which is {}", shown, kind));
         return std::nullopt;
     }
     if (!my_place.allows(file)) {
         my_left_out.try_emplace(path,
-                                "the file " + shown +
-                                    " that it names lies outside its folder and was left out; allow it "
-                                    "with --model-anywhere (model_anywhere in Python)",
+                                fmt::format("the file {} that it names lies outside its folder and was left "
+                                            "out; allow it with --model-anywhere (model_anywhere in Python)",
+                                            shown),
                                 false);
         return std::nullopt;
     }
@@ -127,8 +127,7 @@ std::vector<std::string> CompanionFiles::notes() const {
         if (!(left_out.is_missing && isOpened(path)) && ++more <= max_notes)
             notes.push_back(left_out.note);
     if (more > max_notes)
-        notes.push_back("of the files that it names, " + std::to_string(more - max_notes) +
-                        " more were left out");
+        notes.push_back(fmt::format("of the files that it names, {} more were left out", more - max_notes));
     return notes;
 }
 

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <filesystem>
+#include <fmt/core.h>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -27,7 +28,7 @@ public:
     Place() = default;
 
     [[noreturn]] void fail(const std::string& what) const {
-        throw Error((my_pointer.empty() ? "" : printable(my_pointer) + ": ") + what);
+        throw Error(my_pointer.empty() ? what : fmt::format("{}: {}", printable(my_pointer), what));
     }
 
 private:
@@ -53,11 +54,11 @@ auto readList(const JsonValue& root, std::string_view key, Read read) {
         return entries;
     const Place place = Place().inside(key);
     if (!list->is(JsonText::Kind::list))
-        place.fail("expected an array, found " + std::string(list->kindName()));
+        place.fail(fmt::format("expected an array, found {}", list->kindName()));
     for (const JsonValue& value : list->items()) {
         const Place where = place.inside(entries.size());
         if (!value.is(JsonText::Kind::object))
-            where.fail("expected an object, found " + std::string(value.kindName()));
+            where.fail(fmt::format("expected an object, found {}", value.kindName()));
         entries.push_back(read(value, where));
     }
     return entries;
@@ -78,8 +79,7 @@ std::optional<std::uint32_t> indexOf(const JsonValue& object, std::string_view k
                                      std::size_t count, const std::string& what) {
     const auto index = wholeNumber(object, key, place);
     if (index && *index >= count)
-        place.inside(key).fail("leads to " + what + " " + std::to_string(*index) + ", but there are " +
-                               std::to_string(count));
+        place.inside(key).fail(fmt::format("leads to {} {}, but there are {}", what, *index, count));
     return index;
 }
 
@@ -90,7 +90,7 @@ void requireVersion(const JsonValue& root) {
     if (!version || !version->is(JsonText::Kind::text))
         place.fail("expected the version of glTF, found none");
     if (!version->text().starts_with("2."))
-        place.fail("is \"" + shown(version->text()) + "\", but glTF is read in version 2");
+        place.fail(fmt::format("is \"{}\", but glTF is read in version 2", shown(version->text())));
 }
 
 /// The length of a buffer, whose file was looked at.
@@ -101,25 +101,25 @@ std::uint64_t readBuffer(const JsonValue& buffer, const Place& place, const Mode
         return length;
     const Place where = place.inside("uri");
     if (!uri->is(JsonText::Kind::text))
-        where.fail("expected a text, found " + std::string(uri->kindName()));
-    const std::string text = uri->text(), quoted = "\"" + shown(text) + "\"";
+        where.fail(fmt::format("expected a text, found {}", uri->kindName()));
+    const std::string text = uri->text(), quoted = fmt::format("\"{}\"", shown(text));
     const std::string_view scheme = uriScheme(text);
     if (scheme == "data")
         return length;
     if (!scheme.empty())
-        where.fail(quoted + " is a URI of the scheme \"" + std::string(scheme) +
-                   "\"; only files and \"data\" are read");
+        where.fail(fmt::format("{} is a URI of the scheme \"{}\"; only files and \"data\" are read", quoted,
+                               scheme));
     std::error_code problem;
     const fs::path file = model.fileOf(text);
     const fs::file_type type = fs::status(file, problem).type();
     if (type == fs::file_type::not_found)
         where.fail("there is no file " + quoted);
     if (const std::string kind = otherKind(type); !kind.empty())
-        where.fail(quoted + " is " + kind);
+        where.fail(fmt::format("{} is {}", quoted, kind));
     if (!model.allows(file))
-        where.fail("the file " + quoted +
-                   " lies outside the model's folder; allow it with --model-anywhere " +
-                   "(model_anywhere in Python)");
+        where.fail(fmt::format("the file {} lies outside the model's folder; allow it with --model-anywhere "
+                               "(model_anywhere in Python)",
+                               quoted));
     return length;
 }
 
@@ -131,8 +131,8 @@ std::uint64_t readView(const JsonValue& view, const Place& place, const std::vec
     const std::uint64_t length = wholeNumber(view, "byteLength", place).value_or(0);
     const std::uint64_t begin = wholeNumber(view, "byteOffset", place).value_or(0);
     if (begin + length > buffers[*buffer])
-        place.fail("ends at byte " + std::to_string(begin + length) + " of its buffer, which has " +
-                   std::to_string(buffers[*buffer]));
+        place.fail(
+            fmt::format("ends at byte {} of its buffer, which has {}", begin + length, buffers[*buffer]));
     return length;
 }
 
@@ -143,7 +143,7 @@ std::size_t componentSize(const JsonValue& accessor, const Place& place) {
     for (const auto& [code, size] : sizes)
         if (type == code)
             return size;
-    place.fail(type ? "has the unknown component type " + std::to_string(*type) : "lacks \"componentType\"");
+    place.fail(type ? fmt::format("has the unknown component type {}", *type) : "lacks \"componentType\"");
 }
 
 std::size_t componentCount(const JsonValue& accessor, const Place& place) {
@@ -155,7 +155,7 @@ std::size_t componentCount(const JsonValue& accessor, const Place& place) {
     for (const auto& [name, count] : counts)
         if (type->text() == name)
             return count;
-    place.fail("has the unknown type \"" + shown(type->text()) + "\"");
+    place.fail(fmt::format("has the unknown type \"{}\"", shown(type->text())));
 }
 
 /// A list of values lies in its view.
@@ -172,8 +172,7 @@ bool readAccessor(const JsonValue& accessor, const Place& place, const std::vect
     const std::uint64_t stride = strides[*view] == 0 ? size : strides[*view];
     const std::uint64_t end = begin + (*count - std::uint64_t{1}) * stride + size;
     if (end > views[*view])
-        place.fail("ends at byte " + std::to_string(end) + " of its buffer view, which has " +
-                   std::to_string(views[*view]));
+        place.fail(fmt::format("ends at byte {} of its buffer view, which has {}", end, views[*view]));
     return true;
 }
 
@@ -181,8 +180,7 @@ void checkData(const JsonValue& root, const ModelPlace& model, std::optional<std
     const auto buffers = readList(root, "buffers", [&](const JsonValue& buffer, const Place& place) {
         const std::uint64_t length = readBuffer(buffer, place, model);
         if (binary_chunk && !buffer.find("uri") && length > *binary_chunk)
-            place.fail("has " + std::to_string(length) + " bytes, but the file holds " +
-                       std::to_string(*binary_chunk) + " for it");
+            place.fail(fmt::format("has {} bytes, but the file holds {} for it", length, *binary_chunk));
         return length;
     });
     const auto views = readList(root, "bufferViews", [&](const JsonValue& view, const Place& place) {
@@ -204,12 +202,12 @@ std::vector<std::pair<std::uint32_t, Place>> readReferences(const JsonValue& own
     if (!list)
         return nodes;
     if (!list->is(JsonText::Kind::list))
-        place.inside(key).fail("expected an array, found " + std::string(list->kindName()));
+        place.inside(key).fail(fmt::format("expected an array, found {}", list->kindName()));
     for (const JsonValue& value : list->items()) {
         const Place where = place.inside(key).inside(nodes.size());
         const auto index = value.number<std::uint32_t>();
         if (!index || *index >= count)
-            where.fail("leads to node " + shown(value.source()) + ", but there are " + std::to_string(count));
+            where.fail(fmt::format("leads to node {}, but there are {}", shown(value.source()), count));
         nodes.emplace_back(*index, where);
     }
     return nodes;
@@ -225,15 +223,15 @@ void checkNodes(const JsonValue& root) {
     for (const auto& list : children)
         for (const auto& [child, place] : list) {
             if (has_parent[child])
-                place.fail("the node " + std::to_string(child) + " has two parents");
+                place.fail(fmt::format("the node {} has two parents", child));
             has_parent[child] = true;
         }
     readList(root, "scenes", [&](const JsonValue& scene, const Place& place) {
         std::vector<bool> is_root(count);
         for (const auto& [node, where] : readReferences(scene, "nodes", place, count)) {
             if (has_parent[node] || is_root[node])
-                where.fail("the node " + std::to_string(node) + " is a root, but has " +
-                           (has_parent[node] ? "a parent" : "been one before"));
+                where.fail(fmt::format("the node {} is a root, but has {}", node,
+                                       has_parent[node] ? "a parent" : "been one before"));
             is_root[node] = true;
         }
         return true;
@@ -249,8 +247,7 @@ void checkNodes(const JsonValue& root) {
         for (const std::uint32_t node : level)
             for (const auto& [child, place] : children[node]) {
                 if (depth == max_node_levels)
-                    place.fail("the nodes lie more than " + std::to_string(max_node_levels) +
-                               " deep in each other");
+                    place.fail(fmt::format("the nodes lie more than {} deep in each other", max_node_levels));
                 next.push_back(child);
             }
         level = std::move(next);
@@ -263,7 +260,7 @@ void requireSoundGltf(std::string json, const ModelPlace& place, std::optional<s
     const JsonText text(std::move(json));
     const JsonValue root = text.root();
     if (!root.is(JsonText::Kind::object))
-        throw Error("expected an object, found " + std::string(root.kindName()));
+        throw Error(fmt::format("expected an object, found {}", root.kindName()));
     requireVersion(root);
     checkData(root, place, binary_chunk);
     checkNodes(root);

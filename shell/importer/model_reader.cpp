@@ -18,6 +18,7 @@
 #include <assimp/scene.h>
 #include <cerrno>
 #include <cstdint>
+#include <fmt/core.h>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -141,8 +142,9 @@ void requireFewCorners(const aiScene& scene) {
     for (unsigned i = 0; i < scene.mNumMeshes; ++i)
         for (unsigned face = 0; face < scene.mMeshes[i]->mNumFaces; ++face)
             if (const unsigned corners = scene.mMeshes[i]->mFaces[face].mNumIndices; corners > max_corners)
-                throw Error("it has a face of " + std::to_string(corners) + " corners, more than the " +
-                            std::to_string(max_corners) + " that are read; cut it into smaller ones");
+                throw Error(fmt::format("it has a face of {} corners, "
+                                        "more than the {} that are read; cut it into smaller ones",
+                                        corners, max_corners));
 }
 
 ModelContent readWithAssimp(const ModelPlace& place) {

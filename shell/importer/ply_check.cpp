@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <fmt/core.h>
 #include <limits>
 #include <optional>
 #include <string>
@@ -88,7 +89,7 @@ public:
     bool isText() const { return my_format == Format::text; }
 
     /// Where the values are, for messages.
-    std::string place() const { return isText() ? "line " + std::to_string(my_bytes.line) + ": " : ""; }
+    std::string place() const { return isText() ? fmt::format("line {}: ", my_bytes.line) : ""; }
 
 private:
     std::optional<double> nextWord(const Type& type) {
@@ -99,11 +100,11 @@ private:
         const auto [lowest, highest] = rangeOf(type);
         const bool is_whole = word.find_first_not_of("+-0123456789") == std::string_view::npos;
         if (type.kind != Type::is_float && !is_whole)
-            my_bytes.failInLine(quoted(word) + " is not a whole number, as the type \"" +
-                                std::string(type.name) + "\" takes");
+            my_bytes.failInLine(
+                fmt::format("{} is not a whole number, as the type \"{}\" takes", quoted(word), type.name));
         const bool is_finite_word = word.find_first_of("0123456789") != std::string_view::npos;
         if (is_finite_word && (*number < lowest || *number > highest))
-            my_bytes.failInLine(quoted(word) + " is beyond the type \"" + std::string(type.name) + "\"");
+            my_bytes.failInLine(fmt::format("{} is beyond the type \"{}\"", quoted(word), type.name));
         return number;
     }
 
@@ -160,8 +161,8 @@ public:
 
 private:
     [[noreturn]] void failHere(const std::string& what, const std::string& place = "") const {
-        fail(place + printable(my_element.name) + " " + std::to_string(my_item) + " of " +
-             std::to_string(my_element.count) + " " + what);
+        fail(fmt::format("{}{} {} of {} {}", place, printable(my_element.name), my_item, my_element.count,
+                         what));
     }
 
     double next(const Type& type, Values& values) const {
@@ -182,8 +183,8 @@ private:
         const auto length = static_cast<std::uint32_t>(stated_length);
         const bool is_face = my_element.name == "face" && property.isCornerList();
         if (is_face && length > max_corners)
-            failHere("has " + std::to_string(length) + " corners, more than the " +
-                         std::to_string(max_corners) + " that are read; cut it into smaller ones",
+            failHere(fmt::format("has {} corners, more than the {} that are read; cut it into smaller ones",
+                                 length, max_corners),
                      values.place());
         if (is_face && length < 3)
             failHere("has fewer than 3 corners", values.place());

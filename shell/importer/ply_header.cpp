@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/core.h>
 
 namespace korl::ply {
 
@@ -42,12 +43,12 @@ void addElement(Header& header, std::string_view line, const Bytes& bytes) {
     const bool is_number = !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
     const auto count = numberOf<std::uint32_t>(word);
     if (!is_number)
-        fail("its header does not tell how many elements " + quoted(name) + " there are");
+        fail(fmt::format("its header does not tell how many elements {} there are", quoted(name)));
     if (!count || word.size() > max_digits)
         bytes.failInLine("expected a number of elements up to 4294967295, found " + quoted(word));
     if (std::any_of(header.elements.begin(), header.elements.end(),
                     [&](const Element& element) { return element.name == name; }))
-        bytes.failInLine("the element " + quoted(name) + " stands twice in the header");
+        bytes.failInLine(fmt::format("the element {} stands twice in the header", quoted(name)));
     if (name == "tristrips")
         bytes.failInLine("triangle strips are not read; write it with faces");
     header.elements.push_back({name, *count});
@@ -67,8 +68,9 @@ void addProperty(Header& header, std::string_view line, const Bytes& bytes) {
         fail("its header has a property before the first element");
     Element& element = header.elements.back();
     if (!element.is_open) // the importer would take it for none of the element's
-        bytes.failInLine("a property of the element " + quoted(element.name) +
-                         " comes after another line; put that line before the element");
+        bytes.failInLine(fmt::format("a property of the element {} comes after another line; "
+                                     "put that line before the element",
+                                     quoted(element.name)));
     std::string_view type = takeWord(line);
     const Type* count_type = nullptr;
     if (type == "list") {
@@ -79,12 +81,14 @@ void addProperty(Header& header, std::string_view line, const Bytes& bytes) {
     if (count_type && count_type->kind == Type::is_float)
         bytes.failInLine("the length of a list cannot be of the type " + quoted(count_type->name));
     if (count_type && !mayHaveList(element.name, property.name))
-        bytes.failInLine("the element " + quoted(element.name) + " cannot have the list " +
-                         quoted(property.name) + "; corners are \"vertex_indices\" of a \"face\"");
+        bytes.failInLine(fmt::format("the element {} cannot have the list {}; "
+                                     "corners are \"vertex_indices\" of a \"face\"",
+                                     quoted(element.name), quoted(property.name)));
     if (std::any_of(element.properties.begin(), element.properties.end(), [&](const Property& other) {
             return other.name == property.name || (other.isCornerList() && property.isCornerList());
         }))
-        bytes.failInLine("the element " + quoted(element.name) + " has " + quoted(property.name) + " twice");
+        bytes.failInLine(
+            fmt::format("the element {} has {} twice", quoted(element.name), quoted(property.name)));
     element.properties.push_back(property);
 }
 
@@ -105,7 +109,8 @@ void fail(const std::string& reason) {
 
 std::string quoted(std::string_view word) {
     constexpr std::size_t max_length = 40;
-    return "\"" + printable(word.substr(0, max_length)) + (word.size() > max_length ? "..." : "") + "\"";
+    return fmt::format("\"{}{}\"", printable(word.substr(0, max_length)),
+                       word.size() > max_length ? "..." : "");
 }
 
 std::string_view takeWord(std::string_view& line) {

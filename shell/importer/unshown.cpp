@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <assimp/scene.h>
 #include <cstddef>
+#include <fmt/core.h>
 #include <set>
 #include <span>
 
@@ -45,7 +46,7 @@ std::string unshownContent(const aiScene& scene) {
             list += (list.empty() ? "" : ", ") + what;
     };
     const auto addCount = [&](std::size_t count, const std::string& what) {
-        add(count > 0, std::to_string(count) + " " + what + (count == 1 ? "" : "s"));
+        add(count > 0, fmt::format("{} {}{}", count, what, count == 1 ? "" : "s"));
     };
     addCount(countTextures(scene), "texture");
     add(std::any_of(materials.begin(), materials.end(), isTransparent), "transparency");
