@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <gelf.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -19,9 +20,9 @@ constexpr std::string_view plugin_library = "a plug-in library";
 constexpr std::string_view make_again = "Build the plug-in again, or copy it again.";
 
 Error damaged(const std::filesystem::path& file, const char* detail) {
-    return pluginError(
-        file, "a whole ELF file",
-        std::string("one that is damaged or cut off (") + (detail ? detail : "no detail") + ")", make_again);
+    return pluginError(file, "a whole ELF file",
+                       fmt::format("one that is damaged or cut off ({})", detail ? detail : "no detail"),
+                       make_again);
 }
 
 Error damagedAsLibelfSays(const std::filesystem::path& file) {
@@ -37,7 +38,7 @@ int openForReading(const std::filesystem::path& file) {
     if (reason == ENOENT || reason == ENOTDIR)
         throw pluginError(file, plugin_library, "no such file", "Check the path.");
     throw pluginError(file, plugin_library,
-                      std::string("a file that can't be opened (") + std::strerror(reason) + ")",
+                      fmt::format("a file that can't be opened ({})", std::strerror(reason)),
                       "Check the path and the permissions.");
 }
 
@@ -46,7 +47,7 @@ std::size_t sizeOfRegularFile(const std::filesystem::path& file, int descriptor)
     struct stat status {};
     if (::fstat(descriptor, &status) != 0)
         throw pluginError(file, plugin_library,
-                          std::string("a file without a status (") + std::strerror(errno) + ")",
+                          fmt::format("a file without a status ({})", std::strerror(errno)),
                           "Check the disk.");
     if (S_ISDIR(status.st_mode))
         throw pluginError(file, plugin_library, "a directory",
@@ -99,7 +100,7 @@ std::string machineName(unsigned machine) {
     case EM_S390:
         return "System z";
     default:
-        return "machine number " + std::to_string(machine);
+        return fmt::format("machine number {}", machine);
     }
 }
 
@@ -110,8 +111,7 @@ void ElfFile::End::operator()(Elf* elf) const noexcept {
 }
 
 std::string ElfFile::Architecture::text() const {
-    return std::to_string(word_bits) + (big_endian ? "-bit big-endian " : "-bit little-endian ") +
-           machineName(machine);
+    return fmt::format("{}-bit {}-endian {}", word_bits, big_endian ? "big" : "little", machineName(machine));
 }
 
 ElfFile::ElfFile(const std::filesystem::path& file)

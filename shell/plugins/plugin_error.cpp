@@ -2,20 +2,14 @@
 
 #include "shell/base/printable.hpp"
 
-#include <string>
+#include <fmt/core.h>
 
 namespace korl {
 
 Error pluginError(const std::filesystem::path& file, std::string_view expected, std::string_view found,
                   std::string_view remedy) {
-    return Error(std::string("cannot load the plug-in ")
-                     .append(inQuotes(file.string()))
-                     .append(": expected ")
-                     .append(expected)
-                     .append(", found ")
-                     .append(found)
-                     .append(".\n")
-                     .append(remedy));
+    return Error(fmt::format("cannot load the plug-in {}: expected {}, found {}.\n{}",
+                             inQuotes(file.string()), expected, found, remedy));
 }
 
 } // namespace korl

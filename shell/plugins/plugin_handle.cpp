@@ -10,6 +10,7 @@
 #include <sorvik/vprintf.hpp>
 
 #include <dlfcn.h>
+#include <fmt/core.h>
 #include <optional>
 #include <string>
 
@@ -67,7 +68,7 @@ private:
 Error refusedByLoader(const std::filesystem::path& file) {
     const char* reason = ::dlerror();
     return pluginError(file, "a library that the system's loader accepts",
-                       std::string("its complaint \"") + (reason ? reason : "no reason given") + "\"",
+                       fmt::format("its complaint \"{}\"", reason ? reason : "no reason given"),
                        "Install what the plug-in needs, or link the plug-in with it.");
 }
 
@@ -103,7 +104,7 @@ PluginHandle openPlugin(const PluginInspection& plugin) {
     ListeningInitialization shell;
     if (!ask(reinterpret_cast<VInitialization::EntryPoint>(symbol), shell, plugin.file))
         throw pluginError(plugin.file,
-                          std::string("a module for the interface \"") + VInitialization::interfaceKey + "\"",
+                          fmt::format("a module for the interface \"{}\"", VInitialization::interfaceKey),
                           shell.question(), "Build the plug-in against this program's headers.");
     return handle;
 }

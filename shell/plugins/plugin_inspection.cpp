@@ -5,6 +5,7 @@
 
 #include <sorvik/initialization.hpp>
 
+#include <fmt/format.h>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,7 @@ void requireArchitecture(const ElfFile& elf, const std::filesystem::path& file) 
     const auto own = ElfFile("/proc/self/exe").architecture();
     const auto found = elf.architecture();
     if (found != own)
-        throw pluginError(file, "a library for " + own.text() + ", as this program is",
+        throw pluginError(file, fmt::format("a library for {}, as this program is", own.text()),
                           "one for " + found.text(), "Build the plug-in for this program's architecture.");
 }
 
@@ -66,13 +67,6 @@ std::string_view defect(const ElfFile::Symbol& symbol) {
     return {};
 }
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const auto& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
 std::string findEntryPoint(const ElfFile& elf, const std::filesystem::path& file) {
     std::vector<std::string> entry_points;
     std::string near_miss;
@@ -83,21 +77,21 @@ std::string findEntryPoint(const ElfFile& elf, const std::filesystem::path& file
             if (reason.empty())
                 entry_points.push_back(symbol.name);
             else
-                near_miss = symbol.name + ", which " + std::string(reason);
+                near_miss = fmt::format("{}, which {}", symbol.name, reason);
         } else if (const auto version = interfaceVersion(symbol.name); version && symbol.defined) {
-            other_version = "version " + std::string(*version) + " (" + symbol.name + ")";
+            other_version = fmt::format("version {} ({})", *version, symbol.name);
         }
     }
     if (entry_points.size() == 1)
         return entry_points.front();
     if (entry_points.size() > 1)
         throw pluginError(file, "one entry point",
-                          std::to_string(entry_points.size()) + " of them: " + joined(entry_points),
+                          fmt::format("{} of them: {}", entry_points.size(), fmt::join(entry_points, ", ")),
                           "Make a library of its own for each module.");
     if (near_miss.empty() && !other_version.empty())
-        throw pluginError(file, "interface version " + std::string(*interfaceVersion(own_prefix)),
+        throw pluginError(file, fmt::format("interface version {}", *interfaceVersion(own_prefix)),
                           other_version, "Build the plug-in against this program's headers.");
-    throw pluginError(file, "a function named " + std::string(own_prefix) + " and the module's name",
+    throw pluginError(file, fmt::format("a function named {} and the module's name", own_prefix),
                       near_miss.empty() ? "none" : near_miss,
                       "Export it from the plug-in, with C linkage and default visibility.");
 }

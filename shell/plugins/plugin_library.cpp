@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <dlfcn.h>
+#include <fmt/core.h>
 #include <system_error>
 #include <utility>
 
@@ -70,9 +71,9 @@ void PluginSet::loadFrom(const std::vector<std::filesystem::path>& directories) 
                 if (entry.path().extension() == ".so")
                     files.push_back(entry.path());
         } catch (const std::filesystem::filesystem_error& error) {
-            throw Error("cannot look for plug-ins in \"" + directory.string() +
-                        "\": " + error.code().message() +
-                        ".\nName directories that exist in KORL_PLUGIN_PATH, or unset it.");
+            throw Error(fmt::format("cannot look for plug-ins in \"{}\": {}.\n"
+                                    "Name directories that exist in KORL_PLUGIN_PATH, or unset it.",
+                                    directory.string(), error.code().message()));
         }
         std::sort(files.begin(), files.end());
         for (const auto& file : files)
@@ -116,9 +117,10 @@ void PluginSet::requireNewModule(const PluginInspection& inspection) const {
     });
     if (!holder && (!is_announced || isLoaded(inspection.file)))
         return;
-    const auto where = holder ? ", loaded from \"" + holder->file().string() + "\"" : std::string();
+    const auto where = holder ? fmt::format(", loaded from \"{}\"", holder->file().string()) : "";
     throw pluginError(inspection.file, "a module that is not loaded yet",
-                      "another copy of " + inspection.module_name + where, "Leave out one of the two.");
+                      fmt::format("another copy of {}{}", inspection.module_name, where),
+                      "Leave out one of the two.");
 }
 
 } // namespace korl

@@ -7,6 +7,7 @@
 #include "shell/plugins/plugin_error.hpp"
 #include "shell/plugins/trial_run.hpp"
 
+#include <fmt/core.h>
 #include <iterator>
 #include <optional>
 #include <set>
@@ -31,8 +32,8 @@ Identity identityOf(const std::filesystem::path& file) {
 }
 
 std::string textOf(std::chrono::milliseconds time) {
-    return time.count() % 1000 == 0 ? std::to_string(time.count() / 1000) + " s"
-                                    : std::to_string(time.count()) + " ms";
+    return time.count() % 1000 == 0 ? fmt::format("{} s", time.count() / 1000)
+                                    : fmt::format("{} ms", time.count());
 }
 
 /// What the trial has told before it ended.
@@ -104,11 +105,11 @@ public:
             found = "one that throws " + *thrown;
         } else {
             const std::string said = my_output.lastLines(1);
-            found = "one that ends the process with " + endText(*end) +
-                    (said.empty() ? "" : ", saying \"" + said + "\",");
+            found = fmt::format("one that ends the process with {}{}", endText(*end),
+                                said.empty() ? "" : fmt::format(", saying \"{}\",", said));
         }
         throw pluginError(plugin.file, "a module that can be loaded and unloaded",
-                          found + " while it is " + answer.step(),
+                          fmt::format("{} while it is {}", found, answer.step()),
                           "Fix the plug-in; if it worked before, build it or copy it again.");
     }
 
