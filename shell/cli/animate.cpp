@@ -8,6 +8,7 @@
 
 #include <array>
 #include <csignal>
+#include <fmt/core.h>
 #include <memory>
 #include <sys/time.h>
 #include <unistd.h>
@@ -80,7 +81,7 @@ std::vector<Variation> variationsOf(const AnimateOptions& options, const Scene& 
         for (const std::string& text : options.variations)
             variations.push_back(parseVariation(text));
     } catch (const Error& error) {
-        throw UsageError(std::string("--vary: ") + error.what());
+        throw UsageError(fmt::format("--vary: {}", error.what()));
     }
     if (!options.sun_time.empty())
         variations.push_back(sunTime(scene, options.sun_time));
@@ -89,9 +90,9 @@ std::vector<Variation> variationsOf(const AnimateOptions& options, const Scene& 
 
 void printResult(const AnimateOptions& options, const SequenceProgress& result) {
     const bool is_film = result.makes_film;
-    note("wrote " + printable(options.output) + ", " + std::to_string(result.frames) +
-         (result.frames == 1 ? " frame" : " frames") + (is_film ? "" : " numbered from 1") +
-         (result.kept > 0 ? "; " + std::to_string(result.kept) + " of them were there already" : ""));
+    note(fmt::format("wrote {}, {} frame{}{}{}", printable(options.output), result.frames,
+                     result.frames == 1 ? "" : "s", is_film ? "" : " numbered from 1",
+                     result.kept > 0 ? fmt::format("; {} of them were there already", result.kept) : ""));
 }
 
 void animate(Shell& shell, const AnimateOptions& options, std::pair<int, int> size) {
@@ -116,9 +117,9 @@ void animate(Shell& shell, const AnimateOptions& options, std::pair<int, int> si
                     display.show("varies " + describeVariation(variation, shell.scene()));
             display.show(progress);
             if (stop_signal != 0)
-                throw Error("stopped by signal " + std::to_string(stop_signal) + " with " +
-                            std::to_string(progress.made + progress.kept) + " of " +
-                            std::to_string(progress.frames) + " frames there; --resume goes on from here");
+                throw Error(fmt::format("stopped by signal {} with {} of {} frames there; "
+                                        "--resume goes on from here",
+                                        int{stop_signal}, progress.made + progress.kept, progress.frames));
         };
         listener.report = [&](const std::string& text) { display.show(text); };
         latest = korl::animate(shell, settings, listener);

@@ -3,6 +3,7 @@
 
 #include "shell/catalogue/type_info.hpp"
 
+#include <fmt/core.h>
 #include <memory>
 
 namespace korl::cli {
@@ -16,8 +17,8 @@ std::string orDash(std::string text) {
 void describeType(Shell& shell, const std::string& type) {
     const Qelt::VObject& sample = shell.scene().create(type);
     const std::string help = sample.help();
-    print(printable(type + " (" + sample.type_key() + ")") + (help.empty() ? "" : ": ") +
-          printableLines(help) + "\n\n");
+    print(fmt::format("{}{}{}\n\n", printable(fmt::format("{} ({})", type, sample.type_key())),
+                      help.empty() ? "" : ": ", printableLines(help)));
     std::vector<std::vector<std::string>> rows{
         {"PARAMETER", "TYPE", "DEFAULT", "RANGE", "UNIT", "LEVEL", "WHAT IT IS"}};
     for (const ParameterInfo& parameter : parametersOf(sample))

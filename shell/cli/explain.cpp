@@ -5,6 +5,7 @@
 #include "shell/explain/explanation_text.hpp"
 
 #include <charconv>
+#include <fmt/core.h>
 #include <memory>
 
 namespace korl::cli {
@@ -30,8 +31,8 @@ std::optional<std::pair<int, int>> parsePixel(const std::string& text) {
     const bool has_comma = first.ec == std::errc() && first.ptr != end && *first.ptr == ',';
     const auto second = has_comma ? std::from_chars(first.ptr + 1, end, pixel.second) : first;
     if (!has_comma || second.ec != std::errc() || second.ptr != end)
-        throw UsageError("--pixel takes X,Y in pixels from the upper left corner, such as 320,240; found \"" +
-                         text + "\"");
+        throw UsageError(fmt::format(
+            "--pixel takes X,Y in pixels from the upper left corner, such as 320,240; found \"{}\"", text));
     return pixel;
 }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fmt/core.h>
 
 namespace {
 
@@ -29,7 +30,8 @@ std::string problemOf(const CLI::App& app, const CLI::Error& error) {
                                    [](const std::string& left) { return !left.starts_with('-'); });
     if (!app.get_subcommands().empty() || word == not_understood.end())
         return error.what();
-    return "unknown command " + korl::inQuotes(*word) + ": " + korl::nearNames(*word, commandsOf(app), "");
+    return fmt::format("unknown command {}: {}", korl::inQuotes(*word),
+                       korl::nearNames(*word, commandsOf(app), ""));
 }
 
 /// The names of the commands, as a sentence lists them.
@@ -57,7 +59,7 @@ int main(int argument_count, char** arguments) {
     app.fallthrough(); // the options below may also stand behind the command
 
     app.failure_message([](const CLI::App* parsed, const CLI::Error& error) {
-        return "korl: " + problemOf(*parsed, error) + "\nRun with --help for more information.\n";
+        return fmt::format("korl: {}\nRun with --help for more information.\n", problemOf(*parsed, error));
     });
 
     Program program;
@@ -94,7 +96,7 @@ int main(int argument_count, char** arguments) {
         const int code = app.exit(error);
         return code == 0 ? done : wrong_usage;
     } catch (const UsageError& error) {
-        note(std::string(error.what()) + "\nRun with --help for more information.");
+        note(fmt::format("{}\nRun with --help for more information.", error.what()));
         return wrong_usage;
     } catch (...) {
         note(korl::textOfCaughtException());

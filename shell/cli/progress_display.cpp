@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <fmt/core.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -26,7 +27,7 @@ int done(const SequenceProgress& progress) {
 }
 
 std::string counted(const SequenceProgress& progress) {
-    return std::to_string(done(progress)) + " of " + std::to_string(progress.frames) + " frames";
+    return fmt::format("{} of {} frames", done(progress), progress.frames);
 }
 
 } // namespace
@@ -59,8 +60,7 @@ void ProgressDisplay::showBar(const SequenceProgress& progress) {
     const int filled = width * done(progress) / progress.frames;
     std::string bar;
     if (width > 0)
-        bar = "[" + std::string(static_cast<std::size_t>(filled), '#') +
-              std::string(static_cast<std::size_t>(width - filled), ' ') + "] ";
+        bar = fmt::format("[{:{}}] ", std::string(static_cast<std::size_t>(filled), '#'), width);
     bar += progress.makes_film ? "making the film" : counted(progress) + timeLeft(progress);
     if (bar == my_bar)
         return;
@@ -82,8 +82,8 @@ std::string ProgressDisplay::timeLeft(const SequenceProgress& progress) const {
         return "";
     const double seconds = std::chrono::duration<double>(Clock::now() - my_start).count();
     const long left = std::lround(std::ceil(seconds / drawn * (progress.frames - done(progress))));
-    return left < 60 ? ", " + std::to_string(left) + " s left"
-                     : ", " + std::to_string(left / 60) + " min " + std::to_string(left % 60) + " s left";
+    return left < 60 ? fmt::format(", {} s left", left)
+                     : fmt::format(", {} min {} s left", left / 60, left % 60);
 }
 
 } // namespace korl::cli

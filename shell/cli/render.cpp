@@ -7,6 +7,7 @@
 
 #include <sorvik/vprintf.hpp>
 
+#include <fmt/core.h>
 #include <memory>
 
 namespace korl::cli {
@@ -41,8 +42,7 @@ void render(Shell& shell, const RenderOptions& options, std::pair<int, int> size
         print(uniforms);
     output.write(image);
     if (!output.isStandardOutput())
-        note("wrote " + printable(options.output) + ", " + std::to_string(image.width) + "x" +
-             std::to_string(image.height) + " pixels");
+        note(fmt::format("wrote {}, {}x{} pixels", printable(options.output), image.width, image.height));
 }
 
 } // namespace

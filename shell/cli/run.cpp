@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fmt/core.h>
 #include <unistd.h>
 
 namespace korl::cli {
@@ -19,10 +20,11 @@ std::filesystem::path packageFolder() {
 [[noreturn]] void execPython(const std::vector<std::string>& arguments) {
     const std::filesystem::path package = packageFolder();
     if (!std::filesystem::is_directory(package / "korl"))
-        throw Error("the Python package korl is not in " + package.string() +
-                    "; build or install it beside this program");
+        throw Error(
+            fmt::format("the Python package korl is not in {}; build or install it beside this program",
+                        package.string()));
     const char* const former = std::getenv("PYTHONPATH");
-    const std::string path = package.string() + (former && *former ? ":" + std::string(former) : "");
+    const std::string path = package.string() + (former && *former ? fmt::format(":{}", former) : "");
     ::setenv("PYTHONPATH", path.c_str(), 1);
     std::vector<char*> words;
     std::string program = KORL_PYTHON;
@@ -32,7 +34,7 @@ std::filesystem::path packageFolder() {
         words.push_back(argument.data());
     words.push_back(nullptr);
     ::execv(program.c_str(), words.data());
-    throw Error("cannot start Python, " + program + ": " + std::strerror(errno) + "; install python3");
+    throw Error(fmt::format("cannot start Python, {}: {}; install python3", program, std::strerror(errno)));
 }
 
 /// Scripts make their shells themselves.
@@ -54,7 +56,8 @@ void addRunCommand(CLI::App& app, Program& program) {
             if (arguments.empty())
                 throw UsageError("run takes the file of a Python script, and then the script's arguments");
             if (!std::filesystem::exists(arguments.front()))
-                throw Error("cannot run " + arguments.front() + ": there is no such file; check the path");
+                throw Error(
+                    fmt::format("cannot run {}: there is no such file; check the path", arguments.front()));
             execPython(arguments);
         };
     });

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <fmt/core.h>
 
 namespace korl::cli {
 
@@ -25,7 +26,7 @@ auto usage(const std::string& option, Step step) {
     try {
         return step();
     } catch (const Error& error) {
-        throw UsageError(option + ": " + error.what());
+        throw UsageError(fmt::format("{}: {}", option, error.what()));
     }
 }
 
@@ -35,7 +36,7 @@ std::optional<glm::dvec3> parsePoint(const std::string& option, const std::strin
     if (text.empty())
         return std::nullopt;
     if (!Qelt::componentsFromText(point, text))
-        throw UsageError(option + " takes three numbers \"x y z\", found \"" + text + "\"");
+        throw UsageError(fmt::format("{} takes three numbers \"x y z\", found \"{}\"", option, text));
     return glm::dvec3(point[0], point[1], point[2]);
 }
 
@@ -48,7 +49,7 @@ Light parseLight(const std::string& text) {
     const std::size_t colon = text.find(':');
     Light light{text.substr(0, colon), colon == std::string::npos ? "" : text.substr(colon + 1)};
     if (light.type.empty() || (colon != std::string::npos && light.name.empty()))
-        throw UsageError("--light takes TYPE or TYPE:NAME, found \"" + text + "\"");
+        throw UsageError(fmt::format("--light takes TYPE or TYPE:NAME, found \"{}\"", text));
     return light;
 }
 
@@ -61,7 +62,8 @@ Setting parseSetting(const std::string& text) {
     const std::size_t equals = text.find('=');
     const std::size_t dot = text.rfind('.', equals);
     if (equals == std::string::npos || dot == std::string::npos || dot == 0 || dot + 1 == equals)
-        throw UsageError("--set takes NAME.PARAM=VALUE such as \"sun.latitude=52\", found \"" + text + "\"");
+        throw UsageError(
+            fmt::format("--set takes NAME.PARAM=VALUE such as \"sun.latitude=52\", found \"{}\"", text));
     return {text.substr(0, dot), text.substr(dot + 1, equals - dot - 1), text.substr(equals + 1)};
 }
 
@@ -77,9 +79,8 @@ Connection parseConnection(const std::string& text) {
     const std::size_t first_dot = text.rfind('.', equals);
     if (equals == std::string::npos || first_dot == std::string::npos || first_dot == 0 ||
         first_dot + 1 == equals || dot < equals + 2 || dot + 1 == text.size())
-        throw UsageError(
-            "--connect takes NAME.PARAM=NAME.PARAM such as \"a.direction=b.direction\", found \"" + text +
-            "\"");
+        throw UsageError(fmt::format(
+            "--connect takes NAME.PARAM=NAME.PARAM such as \"a.direction=b.direction\", found \"{}\"", text));
     return {parseSetting(text), text.substr(equals + 1, dot - equals - 1), text.substr(dot + 1)};
 }
 
@@ -112,9 +113,9 @@ struct ParsedOptions {
 void addDefaultLight(Scene& scene) {
     for (const char* const type : {"Headlight", "AmbientLight"})
         if (Qelt::VCreatorBase::find(type)) {
-            const std::string name = scene.create(type).Name();
-            note("the scene has no light, so the " + std::string(type) + " \"" + name +
-                 "\" was added; choose others with --light, or leave it dark with --no-default-light");
+            note(fmt::format("the scene has no light, so the {} \"{}\" was added; "
+                             "choose others with --light, or leave it dark with --no-default-light",
+                             type, scene.create(type).Name()));
             return;
         }
     note(
@@ -153,8 +154,8 @@ SceneReading readingWith(const ModelOptions& options) {
     constexpr double most = 1e9;
     const auto require = [](const std::string& option, double found, double least, const std::string& unit) {
         if (!(found >= least && found <= most))
-            throw UsageError(option + " takes " + (least < 1 ? "0.001" : "1") + " to 1e9 " + unit +
-                             ", found " + Qelt::VValueTrait<double>::Text(found));
+            throw UsageError(fmt::format("{} takes {} to 1e9 {}, found {}", option, least < 1 ? "0.001" : "1",
+                                         unit, Qelt::VValueTrait<double>::Text(found)));
     };
     require("--model-timeout", options.timeout, 0.001, "seconds");
     require("--model-memory", options.memory, 1, "MiB");
@@ -245,8 +246,8 @@ std::pair<int, int> parseSize(const std::string& text) {
     const bool has_x = first.ec == std::errc() && first.ptr != end && *first.ptr == 'x';
     const auto second = has_x ? std::from_chars(first.ptr + 1, end, height) : first;
     if (!has_x || second.ec != std::errc() || second.ptr != end || width < 1 || height < 1)
-        throw UsageError("--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"" +
-                         text + "\"");
+        throw UsageError(fmt::format(
+            "--size takes WIDTHxHEIGHT in pixels, each at least 1, such as 640x480; found \"{}\"", text));
     return {width, height};
 }
 

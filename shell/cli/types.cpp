@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <fmt/core.h>
 #include <memory>
 #include <optional>
 #include <QtCore/QFile>
@@ -43,13 +44,13 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
             return {path, {}};
         QFile file(QString::fromStdString(path));
         if (!file.open(QIODevice::ReadOnly))
-            throw Error("its icon " + printable(path) + " is not in the module's resources");
+            throw Error(fmt::format("its icon {} is not in the module's resources", printable(path)));
         const QByteArray bytes = file.readAll();
         const std::vector<std::uint8_t> png(bytes.begin(), bytes.end());
         try {
             decodePng(png);
         } catch (const Error& error) {
-            throw Error("its icon " + printable(path) + " cannot be used: " + error.what());
+            throw Error(fmt::format("its icon {} cannot be used: {}", printable(path), error.what()));
         }
         return {path, png};
     }
@@ -57,21 +58,20 @@ Icon iconOf(const Qelt::VObject& object, bool with_file) {
     if (!xpm)
         return {};
     const Image image = decodeXpm(xpm);
-    return {"XPM " + std::to_string(image.width) + "x" + std::to_string(image.height),
+    return {fmt::format("XPM {}x{}", image.width, image.height),
             with_file ? encodePng(image) : std::vector<std::uint8_t>()};
 }
 
 /// The icon of what a creator makes. What is wrong with it is told with the type's name, and nothing is
 /// returned.
 std::optional<Icon> readableIcon(Qelt::VCreatorBase& creator, bool with_file) {
-    const std::string type = "type " + inQuotes(typeName(creator)) + ": ";
     try {
         if (with_file && creator.Name().find('/') != std::string::npos)
             throw Error("a name with \"/\" cannot be that of its icon's file");
         const auto object = ModuleCall(creator, "creation").run([&] { return creator.create(""); });
         return iconOf(*object, with_file);
     } catch (const std::exception& error) {
-        note(type + error.what());
+        note(fmt::format("type {}: {}", inQuotes(typeName(creator)), error.what()));
     }
     return std::nullopt;
 }
@@ -81,8 +81,8 @@ std::string descriptionOf(const Qelt::VCreatorBase& creator) {
     const std::string description = creator.properties().text(Kind::description);
     if (typeName(creator) == creator.Name())
         return orDash(description);
-    return "(shadowed by that of " + moduleOf(*findType(creator.Name())) + ")" +
-           (description.empty() ? "" : " " + description);
+    return fmt::format("(shadowed by that of {}){}{}", moduleOf(*findType(creator.Name())),
+                       description.empty() ? "" : " ", description);
 }
 
 /// Where a type's icon goes: TYPE.png, for a shadowed type MODULE.TYPE.png.
@@ -111,8 +111,9 @@ void listTypes(const std::filesystem::path& folder) {
         note("no module is loaded that has any types; name one with --plugin or set KORL_PLUGIN_PATH");
     printTable(rows);
     if (failed > 0)
-        throw Error(std::to_string(failed) + " of " + std::to_string(rows.size() - 1) +
-                    " types have no usable icon; report it to the authors of their modules");
+        throw Error(
+            fmt::format("{} of {} types have no usable icon; report it to the authors of their modules",
+                        failed, rows.size() - 1));
 }
 
 } // namespace
