@@ -9,6 +9,7 @@
 #include <sorvik/creator.hpp>
 
 #include <array>
+#include <fmt/core.h>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -35,7 +36,7 @@ Handle handleOf(const Qelt::VObject& object) {
 const std::string& living(const Scene& scene, const Handle& handle) {
     const Qelt::VObject* const found = scene.find(handle.name);
     if (!found || found->number() != handle.number)
-        throw Error("the object " + inQuotes(handle.name) + " has been deleted");
+        throw Error(fmt::format("the object {} has been deleted", inQuotes(handle.name)));
     return handle.name;
 }
 
@@ -64,8 +65,8 @@ void setValue(Shell& shell, const Handle& object, const std::string& name, const
     const auto& numbers = std::get<std::vector<double>>(value);
     const auto made = makeValue(scene.parameter(owner, name).type(), numbers);
     if (!made)
-        throw InvalidValue(inQuotes(owner + "." + name) + " takes another count of numbers than " +
-                           std::to_string(numbers.size()));
+        throw InvalidValue(fmt::format("{} takes another count of numbers than {}",
+                                       inQuotes(fmt::format("{}.{}", owner, name)), numbers.size()));
     scene.setParameter(owner, name, *made, view);
 }
 
