@@ -4,7 +4,6 @@
 #include "shell/animation/worker_protocol.hpp"
 #include "shell/base/caught_exception.hpp"
 #include "shell/base/child_process.hpp"
-#include "shell/base/end_with_parent.hpp"
 #include "shell/base/error.hpp"
 #include "shell/base/file_output.hpp"
 #include "shell/image/png.hpp"

@@ -11,6 +11,7 @@
 #include <fmt/core.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -211,6 +212,12 @@ std::string endText(int wait_status) {
     if (WIFSIGNALED(wait_status))
         return fmt::format("signal {} ({})", WTERMSIG(wait_status), strsignal(WTERMSIG(wait_status)));
     return fmt::format("exit code {}", WEXITSTATUS(wait_status));
+}
+
+void endWithParent(pid_t parent) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent)
+        ::_exit(1);
 }
 
 std::filesystem::path thisProgram() {

@@ -77,6 +77,9 @@ inline constexpr int unknown_end = -1;
 /// How a program ended, for users: "exit code 3", "signal 11 (Segmentation fault)".
 std::string endText(int wait_status);
 
+/// Has the system kill this process when its parent ends, and ends it now where the parent has gone already.
+void endWithParent(pid_t parent);
+
 /// The program that this process runs.
 std::filesystem::path thisProgram();
 

@@ -6,7 +6,6 @@
 // refused, as a text; and where that is empty, the number of notes, the notes, and the mesh.
 
 #include "shell/base/child_process.hpp"
-#include "shell/base/end_with_parent.hpp"
 #include "shell/importer/model_reader.hpp"
 #include "shell/importer/process_limits.hpp"
 #include "shell/mesh/mesh_memory.hpp"

@@ -1,7 +1,6 @@
 #include "shell/plugins/plugin_trial.hpp"
 
 #include "shell/base/child_process.hpp"
-#include "shell/base/end_with_parent.hpp"
 #include "shell/base/own_programs.hpp"
 #include "shell/base/written_text.hpp"
 #include "shell/plugins/plugin_error.hpp"

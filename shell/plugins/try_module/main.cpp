@@ -7,7 +7,6 @@
 // is the `shared_descriptor` here (see `trial_words`).
 
 #include "shell/base/child_process.hpp"
-#include "shell/base/end_with_parent.hpp"
 #include "shell/plugins/plugin_trial.hpp"
 #include "shell/plugins/trial_run.hpp"
 
