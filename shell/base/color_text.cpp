@@ -41,7 +41,7 @@ Orvid::rgba_float_t parseColor(const std::string& text) {
     const bool in_range = std::all_of(color.begin(), color.end(),
                                       [](float component) { return component >= 0 && component <= 1; });
     if (!read || !in_range)
-        throw Error(fmt::format("{} is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
+        throw Error(fmt::format("{} is not a colour; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
                                 "numbers from 0 to 1 such as \"0.1 0.1 0.12\"",
                                 inQuotes(text)));
     return {color[0], color[1], color[2], color[3]};

@@ -55,7 +55,7 @@ std::string valueForm(const std::type_info& type) {
     if (type == typeid(double))
         return "a double, one number";
     if (type == typeid(rgba_float_t))
-        return "a color, four numbers \"red green blue alpha\"";
+        return "a colour, four numbers \"red green blue alpha\"";
     if (type == typeid(PhysicalSpace::point) || type == typeid(PhysicalSpace::vector))
         return fmt::format("a {}, three numbers \"x y z\"", valueKind(type));
     return "a value of type " + valueKind(type);

@@ -12,7 +12,7 @@ namespace korl {
 /// What users call a type of value: "double", "color", "point" or "vector"; any other type by its own name.
 std::string valueKind(const std::type_info& type);
 
-/// How a value of a type is written, such as: a color, four numbers "red green blue alpha".
+/// How a value of a type is written, such as: a colour, four numbers "red green blue alpha".
 std::string valueForm(const std::type_info& type);
 
 /// How many numbers a value of a type consists of: 1, 3 or 4; 0 for a type that has a text form alone.

@@ -30,7 +30,7 @@ Color parseXpmColor(const std::string& line, const std::string& text) {
     }
     if (!read)
         throw Error(
-            fmt::format("the XPM image has the color line {}, expected \"KEY c #RRGGBB\" or \"KEY c None\"",
+            fmt::format("the XPM image has the colour line {}, expected \"KEY c #RRGGBB\" or \"KEY c None\"",
                         inQuotes(line)));
     return color;
 }
@@ -62,7 +62,7 @@ Image decodeXpm(const char* const* lines) {
         for (std::size_t at = 0; at < row.size(); at += key_size) {
             const auto color = colors.find(row.substr(at, key_size));
             if (color == colors.end())
-                throw Error(fmt::format("the XPM image uses {}, which is not one of its colors",
+                throw Error(fmt::format("the XPM image uses {}, which is not one of its colours",
                                         inQuotes(row.substr(at, key_size))));
             image.pixels.insert(image.pixels.end(), color->second.begin(), color->second.end());
         }

@@ -13,7 +13,7 @@ _FORMS = {
     "double": "a double, one number",
     "point": "a point, three numbers (x, y, z)",
     "vector": "a vector, three numbers (x, y, z)",
-    "color": "a color, four numbers (red, green, blue, alpha)",
+    "color": "a colour, four numbers (red, green, blue, alpha)",
 }
 
 

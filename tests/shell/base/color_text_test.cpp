@@ -26,7 +26,7 @@ TEST(ColorText, RefusesEverythingElse) {
             EXPECT_EQ(
                 error.what(),
                 "\"" + std::string(text) +
-                    "\" is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
+                    "\" is not a colour; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 "
                     "to 1 such as \"0.1 0.1 0.12\"");
         }
     }

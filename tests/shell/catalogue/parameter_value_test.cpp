@@ -24,7 +24,7 @@ TEST(ParameterValueTest, HasKindFormAndCount) {
     };
     const Row rows[]{
         {typeid(double), "double", "a double, one number", 1},
-        {typeid(rgba_float_t), "color", "a color, four numbers \"red green blue alpha\"", 4},
+        {typeid(rgba_float_t), "color", "a colour, four numbers \"red green blue alpha\"", 4},
         {typeid(PhysicalSpace::point), "point", "a point, three numbers \"x y z\"", 3},
         {typeid(PhysicalSpace::vector), "vector", "a vector, three numbers \"x y z\"", 3},
         {typeid(int), "int", "a value of type int", 0},

@@ -58,17 +58,14 @@ TEST_F(BadInput, PlugIns) {
     expectError(
         {"types", "--plugin", "DIR/text.so"}, 1,
         "cannot load the plug-in \"DIR/text.so\": expected a plug-in library, found a file of another kind, "
-        "which "
-        "doesn't begin as ELF files do.\nName the shared library itself; its name mostly ends in .so.");
+        "which doesn't begin as ELF files do.\nName the shared library itself; its name mostly ends in .so.");
     expectError({"types", "--plugin", "DIR/empty.so"}, 1,
                 "cannot load the plug-in \"DIR/empty.so\": expected a plug-in library, found an empty file.\n"
                 "Build the plug-in again, or copy it again.");
-    expectError(
-        {"types", "--plugin", "BROKEN/other_interface_version.so"}, 1,
-        "cannot load the plug-in \"BROKEN/other_interface_version.so\": expected interface version "
-        "2026_JAN_22, "
-        "found version 2025_MAR_03 (KORL_API_2025_MAR_03__elder).\nBuild the plug-in against this program's "
-        "headers.");
+    expectError({"types", "--plugin", "BROKEN/other_interface_version.so"}, 1,
+                "cannot load the plug-in \"BROKEN/other_interface_version.so\": expected interface version "
+                "2026_JAN_22, found version 2025_MAR_03 (KORL_API_2025_MAR_03__elder).\nBuild the plug-in "
+                "against this program's headers.");
 }
 
 TEST_F(BadInput, ExceptionsOfModules) {
@@ -86,16 +83,13 @@ TEST_F(BadInput, ExceptionsOfModules) {
 
 TEST_F(BadInput, TypesGoesOnBehindATypeThatFails) {
     const ProgramResult result = korl({"types", "--plugin", "BROKEN/throwing_objects.so"});
-    EXPECT_EQ(
-        result.errors,
-        "korl: type \"Reluctant\": creation of \"Reluctant\" in the module \"throwing_objects\" threw the "
-        "exception \"the object does not want to be\"; report it to the author of the module\n"
-        "korl: type \"Odd\": creation of \"Odd\" in the module \"throwing_objects\" threw something that is "
-        "not "
-        "an exception; report it to the author of the module\n"
-        "korl: 2 of " +
-            std::to_string(korl::test::creatorCount() + 2) +
-            " types have no usable icon; report it to the authors of their modules\n");
+    EXPECT_EQ(result.errors,
+              "korl: type \"Reluctant\": creation of \"Reluctant\" in the module \"throwing_objects\" threw "
+              "the exception \"the object does not want to be\"; report it to the author of the "
+              "module\nkorl: type \"Odd\": creation of \"Odd\" in the module \"throwing_objects\" threw "
+              "something that is not an exception; report it to the author of the module\nkorl: 2 of " +
+                  std::to_string(korl::test::creatorCount() + 2) +
+                  " types have no usable icon; report it to the authors of their modules\n");
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_THAT(result.output, HasSubstr("\nReluctant         -         0       -            unusable"));
     EXPECT_THAT(result.output, HasSubstr("\nAmbientLight "));
@@ -131,11 +125,9 @@ TEST_F(BadInput, Models) {
     folder.write("truncated.ply", "ply\nformat ascii 1.0\nelement vertex 3\n");
     expectError({"render", "--light", "AmbientLight", "--model", "DIR/nowhere.obj"}, 1,
                 "cannot read the model DIR/nowhere.obj: there is no such file; check the path");
-    expectError(
-        {"render", "--light", "AmbientLight", "--model", "DIR/notes.txt"}, 1,
-        "cannot read the model DIR/notes.txt: a .txt file is not a model that can be read; those that "
-        "can are .obj, "
-        ".ply, .stl, .gltf, .glb, .3ds");
+    expectError({"render", "--light", "AmbientLight", "--model", "DIR/notes.txt"}, 1,
+                "cannot read the model DIR/notes.txt: a .txt file is not a model that can be read; those "
+                "that can are .obj, .ply, .stl, .gltf, .glb, .3ds");
     expectError(
         {"render", "--light", "AmbientLight", "--model", "DIR/truncated.ply"}, 1,
         "cannot read the model DIR/truncated.ply: it is damaged or truncated: its header is incomplete");
@@ -160,7 +152,7 @@ TEST_F(BadInput, TypesObjectsAndParameters) {
          {"red", "0.5", "1 1 1", "1 1 1 1 1"}) // the second is a value of another type
         expectError(
             {"render", "--light", "AmbientLight:a", "--set", std::string("a.Color=") + value}, 1,
-            std::string("\"a.Color\" takes a color, four numbers \"red green blue alpha\", found \"") +
+            std::string("\"a.Color\" takes a colour, four numbers \"red green blue alpha\", found \"") +
                 value + "\"; it keeps \"1 1 1 1\"");
     expectError({"render", "--light", "AmbientLight:a", "--set", "a.Color=0 0 inf 1"}, 1,
                 "\"a.Color\" takes finite numbers, found \"0 0 inf 1\"; it keeps \"1 1 1 1\"");
@@ -201,9 +193,8 @@ TEST_F(BadInput, WrongUsage) {
     expectError({"render", "--camera", "0 0"}, 2,
                 "--camera takes three numbers \"x y z\", found \"0 0\"" + usage_hint);
     expectError({"render", "--background", "red"}, 2,
-                "--background: \"red\" is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
-                "numbers from 0 to "
-                "1 such as \"0.1 0.1 0.12\"" +
+                "--background: \"red\" is not a colour; write \"#rrggbb\", \"#rrggbbaa\", or three or four "
+                "numbers from 0 to 1 such as \"0.1 0.1 0.12\"" +
                     usage_hint);
 }
 
@@ -221,9 +212,8 @@ TEST_F(BadInput, Scenes) {
     expectError({"render", "DIR/nowhere.json"}, 1,
                 "cannot read the scene DIR/nowhere.json: there is no such file; check the path");
     expectError({"render", "DIR/scene.json"}, 1,
-                "DIR/scene.json: /objects/0/parameters/Color: \"AmbientLight.Color\" takes a color, four "
-                "numbers \"red "
-                "green blue alpha\", found \"red\"; it keeps \"1 1 1 1\"");
+                "DIR/scene.json: /objects/0/parameters/Color: \"AmbientLight.Color\" takes a colour, four "
+                "numbers \"red green blue alpha\", found \"red\"; it keeps \"1 1 1 1\"");
 }
 
 TEST_F(BadInput, PicturesOfOtherFormats) {

@@ -299,9 +299,8 @@ TEST_F(KorlProgramGLTest, ConnectedInputsFollow) {
     arguments = lights;
     arguments.insert(arguments.end(), {"--connect", "a.direction=b.color"});
     EXPECT_EQ(runProgram(KORL_PROGRAM, arguments).errors,
-              "korl: \"a.direction\" takes a vector, three numbers \"x y z\", but \"b.color\" is a color, "
-              "four numbers "
-              "\"red green blue alpha\"; they stay unconnected\n");
+              "korl: \"a.direction\" takes a vector, three numbers \"x y z\", but \"b.color\" is a colour, "
+              "four numbers \"red green blue alpha\"; they stay unconnected\n");
     arguments = lights;
     arguments.insert(arguments.end(), {"--connect", "a.color=b.color", "--connect", "b.color=a.color"});
     EXPECT_EQ(runProgram(KORL_PROGRAM, arguments).exit_code, 1);

@@ -92,9 +92,8 @@ TEST_F(PrintedTextTest, MessagesOnSceneFilesEscapeWhatTheyQuote) {
          name + ": /camera/fov: expected degrees, found [\\n1]"},
         {R"({"korl": 1, "background": ")" + json + R"("})",
          name + ": /background: \"" + shown +
-             "\" is not a color; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 such "
-             "as "
-             "\"0.1 0.1 0.12\""},
+             "\" is not a colour; write \"#rrggbb\", \"#rrggbbaa\", or three or four numbers from 0 to 1 "
+             "such as \"0.1 0.1 0.12\""},
     };
     for (const auto& [scene, message] : table) {
         folder.write("scene\nkorl: fine.json", scene);

@@ -28,13 +28,13 @@ TEST(Xpm, WhatIsWrongIsTold) {
     EXPECT_EQ(errorOf({"0 2 1 1"}),
               "the XPM image has the header \"0 2 1 1\", expected \"WIDTH HEIGHT COLORS CHARACTERS\"");
     EXPECT_EQ(errorOf({"1 1 1 1", "A c red", "A"}),
-              "the XPM image has the color line \"A c red\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
+              "the XPM image has the colour line \"A c red\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
     EXPECT_EQ(errorOf({"1 1 1 1", "A", "A"}),
-              "the XPM image has the color line \"A\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
+              "the XPM image has the colour line \"A\", expected \"KEY c #RRGGBB\" or \"KEY c None\"");
     EXPECT_EQ(errorOf({"2 1 1 1", "A c #000000", "A"}),
               "the XPM image has a row of 1 characters, expected 2");
     EXPECT_EQ(errorOf({"1 1 1 1", "A c #000000", "B"}),
-              "the XPM image uses \"B\", which is not one of its colors");
+              "the XPM image uses \"B\", which is not one of its colours");
 }
 
 } // namespace

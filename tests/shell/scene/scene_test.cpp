@@ -83,7 +83,7 @@ TEST_F(SceneTest, SetsParametersToValues) {
     EXPECT_EQ(strength.getLocalValue(*scene.view("left").get())->Text(), "3");
     EXPECT_EQ(
         errorOf([&] { scene.setParameter("p", "tint", Qelt::VValue<double>(1)); }),
-        "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1\"; it keeps \"0.1 0.2 "
+        "\"p.tint\" takes a colour, four numbers \"red green blue alpha\", found \"1\"; it keeps \"0.1 0.2 "
         "0.3 1\"");
     EXPECT_EQ(errorOf([&] {
                   scene.setParameter("p", "strength",
@@ -102,16 +102,15 @@ TEST_F(SceneTest, WrongValuesAreToldAndChangeNothing) {
          "\"p.strength\" takes a double, one number, found \"strong\"; it keeps \"0.5\""},
         {"strength", "inf", "\"p.strength\" takes finite numbers, found \"inf\"; it keeps \"0.5\""},
         {"tint", "1 2 3",
-         "\"p.tint\" takes a color, four numbers \"red green blue alpha\", found \"1 2 3\"; it keeps \"0.1 "
+         "\"p.tint\" takes a colour, four numbers \"red green blue alpha\", found \"1 2 3\"; it keeps \"0.1 "
          "0.2 0.3 1\""},
         {"place", "1 2",
          "\"p.place\" takes a point, three numbers \"x y z\", found \"1 2\"; it keeps \"1 2 3\""},
         {"way", "nan 0 1", "\"p.way\" takes finite numbers, found \"nan 0 1\"; it keeps \"0 0 -1\""},
         {"way", "", "\"p.way\" takes a vector, three numbers \"x y z\", found \"\"; it keeps \"0 0 -1\""},
     };
-    for (const Case& wrong : cases) {
+    for (const Case& wrong : cases)
         EXPECT_EQ(errorOf([&] { scene.setParameterText("p", wrong.parameter, wrong.text); }), wrong.error);
-    }
     for (const auto& [name, text] :
          {std::pair("strength", "0.5"), {"tint", "0.1 0.2 0.3 1"}, {"place", "1 2 3"}, {"way", "0 0 -1"}})
         EXPECT_EQ(scene.object("p").findParameter(name)->globalValue().Text(), text);

@@ -121,18 +121,17 @@ TEST_F(SceneFileTest, WhatIsWrongIsToldWithItsPlace) {
          "/objects/0/parameters/way/1: expected a number, found string"},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"way": [1, 2]}}]})",
          "/objects/0/parameters/way: \"Plain.way\" takes a vector, three numbers \"x y z\", found \"1 2\"; "
-         "it "
-         "keeps \"0 0 -1\""},
+         "it keeps \"0 0 -1\""},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"tint": [1e39, 0, 0, 1]}}]})",
-         "/objects/0/parameters/tint: \"Plain.tint\" takes a color, four numbers \"red green blue alpha\", "
+         "/objects/0/parameters/tint: \"Plain.tint\" takes a colour, four numbers \"red green blue alpha\", "
          "found \"1e39 0 0 1\"; it keeps \"0.1 0.2 0.3 1\""},
-        {R"({"korl": 1, "background": 1})", "/background: \"1\" is not a color; write \"#rrggbb\", "
+        {R"({"korl": 1, "background": 1})", "/background: \"1\" is not a colour; write \"#rrggbb\", "
                                             "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
                                             "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "objects": [{"type": "Plain", "parameters": {"strength": "x"}}]})",
          "/objects/0/parameters/strength: \"Plain.strength\" takes a double, one number, found \"x\"; it "
          "keeps \"0.5\""},
-        {R"({"korl": 1, "background": "red"})", "/background: \"red\" is not a color; write \"#rrggbb\", "
+        {R"({"korl": 1, "background": "red"})", "/background: \"red\" is not a colour; write \"#rrggbb\", "
                                                 "\"#rrggbbaa\", or three or four numbers from 0 to 1 such "
                                                 "as \"0.1 0.1 0.12\""},
         {R"({"korl": 1, "camera": {"position": "1 2", "target": "0 0 0"}})",
