@@ -137,16 +137,16 @@ private:
     }
 
     void checkNumbers() const {
-        const int most = my_names && my_names->digits() < 6
-                             ? static_cast<int>(std::pow(10, my_names->digits())) - 1
-                             : max_film_frames;
+        const int max_frames = my_names && my_names->digits() < 6
+                                   ? static_cast<int>(std::pow(10, my_names->digits())) - 1
+                                   : max_film_frames;
         if (my_settings.frames < 1)
             throw Error(fmt::format("a sequence has at least one frame, found {}", my_settings.frames));
-        if (my_settings.frames > most)
-            throw Error(fmt::format("{} takes {} frames at most, found {}{}",
-                                    inQuotes(my_settings.output.filename().string()), most,
-                                    my_settings.frames,
-                                    most < max_film_frames ? "; put more # characters into the name" : ""));
+        if (my_settings.frames > max_frames)
+            throw Error(
+                fmt::format("{} takes {} frames at most, found {}{}",
+                            inQuotes(my_settings.output.filename().string()), max_frames, my_settings.frames,
+                            max_frames < max_film_frames ? "; put more # characters into the name" : ""));
         if (my_settings.picture.width < 1 || my_settings.picture.height < 1)
             throw Error("a picture has at least one pixel");
         if (my_settings.jobs < 0)

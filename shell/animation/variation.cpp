@@ -97,11 +97,11 @@ std::vector<double> onGreatCircle(const LongVector& a, const LongVector& b, long
     const long double length = length_a + (length_b - length_a) * share;
     const long double along = std::sin(pi * (0.5L - share)); // exactly 0 half way
     const long double across = std::sin(pi * share);
-    constexpr long double most = std::numeric_limits<double>::max();
+    constexpr long double max_double = std::numeric_limits<double>::max();
     std::vector<double> values;
     for (std::size_t i = 0; i < 3; ++i)
-        values.push_back(
-            static_cast<double>(std::clamp((along * start[i] + across * middle[i]) * length, -most, most)));
+        values.push_back(static_cast<double>(
+            std::clamp((along * start[i] + across * middle[i]) * length, -max_double, max_double)));
     return values;
 }
 

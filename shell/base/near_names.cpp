@@ -43,14 +43,16 @@ std::string nearNames(std::string_view asked, const std::vector<std::string>& kn
     const std::string* nearest = nullptr;
     // Nobody types such a long word; guessing what was meant would take too long.
     constexpr std::size_t max_word = 100;
-    std::size_t least = asked.size() > max_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
+    std::size_t nearest_distance =
+        asked.size() > max_word ? 0 : std::max<std::size_t>(1, asked.size() / 3) + 1;
     for (std::size_t i = 0; i < known.size(); ++i) {
         if (i < max_listed)
             list += (i == 0 ? "" : ", ") + printable(known[i]);
-        if (known[i].size() >= asked.size() + least || asked.size() >= known[i].size() + least)
+        if (known[i].size() >= asked.size() + nearest_distance ||
+            asked.size() >= known[i].size() + nearest_distance)
             continue;
-        if (const std::size_t distance = editDistance(asked, known[i]); distance < least) {
-            least = distance;
+        if (const std::size_t distance = editDistance(asked, known[i]); distance < nearest_distance) {
+            nearest_distance = distance;
             nearest = &known[i];
         }
     }

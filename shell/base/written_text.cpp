@@ -18,8 +18,8 @@ WrittenText::WrittenText() : my_file(::memfd_create("korl-output", MFD_CLOEXEC))
         throw Error(std::string("cannot make a file in memory: ") + std::strerror(errno));
 }
 
-std::string WrittenText::bytes(off_t from, std::size_t most) const {
-    std::string text(most, '\0');
+std::string WrittenText::bytes(off_t from, std::size_t max_size) const {
+    std::string text(max_size, '\0');
     const ssize_t count = ::pread(descriptor(), text.data(), text.size(), from);
     text.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     return text;

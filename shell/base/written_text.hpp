@@ -24,7 +24,7 @@ public:
     std::string lastLines(int count) const;
 
 private:
-    std::string bytes(off_t from, std::size_t most) const;
+    std::string bytes(off_t from, std::size_t max_size) const;
 
     Descriptor my_file;
 };

@@ -14,7 +14,7 @@ namespace korl::cli {
 namespace {
 
 constexpr std::chrono::seconds between_lines{5};
-constexpr int widest_bar = 40;     ///< columns
+constexpr int max_bar_width = 40;  ///< columns
 constexpr int beside_the_bar = 40; ///< columns for the words
 
 int terminalColumns() {
@@ -56,7 +56,7 @@ void ProgressDisplay::clear() {
 }
 
 void ProgressDisplay::showBar(const SequenceProgress& progress) {
-    const int width = std::min(widest_bar, terminalColumns() - beside_the_bar);
+    const int width = std::min(max_bar_width, terminalColumns() - beside_the_bar);
     const int filled = width * done(progress) / progress.frames;
     std::string bar;
     if (width > 0)

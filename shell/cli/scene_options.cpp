@@ -151,11 +151,13 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
 }
 
 SceneReading readingWith(const ModelOptions& options) {
-    constexpr double most = 1e9;
-    const auto require = [](const std::string& option, double found, double least, const std::string& unit) {
-        if (!(found >= least && found <= most))
-            throw UsageError(fmt::format("{} takes {} to 1e9 {}, found {}", option, least < 1 ? "0.001" : "1",
-                                         unit, Qelt::VValueTrait<double>::Text(found)));
+    constexpr double maximum = 1e9;
+    const auto require = [](const std::string& option, double found, double minimum,
+                            const std::string& unit) {
+        if (!(found >= minimum && found <= maximum))
+            throw UsageError(fmt::format("{} takes {} to 1e9 {}, found {}", option,
+                                         minimum < 1 ? "0.001" : "1", unit,
+                                         Qelt::VValueTrait<double>::Text(found)));
     };
     require("--model-timeout", options.timeout, 0.001, "seconds");
     require("--model-memory", options.memory, 1, "MiB");

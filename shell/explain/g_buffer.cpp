@@ -98,9 +98,9 @@ std::optional<SurfacePoint> GBuffer::pointOf(std::size_t pixel) const {
                         static_cast<std::size_t>(mark) - 1};
 }
 
-std::vector<SurfacePoint> GBuffer::spread(std::size_t most) const {
+std::vector<SurfacePoint> GBuffer::spread(std::size_t max_points) const {
     std::vector<SurfacePoint> points;
-    const std::size_t step = most == 0 ? my_covered + 1 : (my_covered + most - 1) / most;
+    const std::size_t step = max_points == 0 ? my_covered + 1 : (my_covered + max_points - 1) / max_points;
     std::size_t seen = 0;
     for (std::size_t pixel = 0; pixel < my_positions.size() / 4; ++pixel)
         if (const auto point = pointOf(pixel); point && seen++ % step == 0)

@@ -41,8 +41,8 @@ public:
     std::size_t covered() const noexcept { return my_covered; }
 
     /// Places spread over all that is seen: that of every pixel that shows a mesh or, where there are more
-    /// than `most` of these, of every n-th.
-    std::vector<SurfacePoint> spread(std::size_t most) const;
+    /// than `max_points` of these, of every n-th.
+    std::vector<SurfacePoint> spread(std::size_t max_points) const;
 
 private:
     std::optional<SurfacePoint> pointOf(std::size_t pixel) const;

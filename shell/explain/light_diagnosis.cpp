@@ -49,7 +49,7 @@ struct LightStats {
 
 LightStats statsOf(const LightParts& parts, std::span<const SurfacePoint> points) {
     LightStats stats;
-    float most = -std::numeric_limits<float>::infinity();
+    float max_strength = -std::numeric_limits<float>::infinity();
     for (std::size_t place = 0; place < points.size(); ++place) {
         const bool is_finite =
             std::all_of(parts.begin(), parts.end(), [&](const auto& part) { return part[place].isFinite(); });
@@ -60,8 +60,8 @@ LightStats statsOf(const LightParts& parts, std::span<const SurfacePoint> points
         for (std::size_t part = 0; part < parts.size(); ++part) {
             const LightSample& light = parts[part][place];
             const float strength = largestComponent(light.intensity);
-            if (strength > most) {
-                most = strength;
+            if (strength > max_strength) {
+                max_strength = strength;
                 stats.brightest_part = part;
                 stats.brightest_place = place;
             }

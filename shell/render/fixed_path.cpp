@@ -104,10 +104,9 @@ std::uint64_t typeOf(const Qelt::RenderAble& object) {
 
 void reportWithoutLight(const Qelt::RenderAble& object, Reports& reports) {
     reports.once(object.number(), "no OpenGL light", [&] {
-        return fmt::format(
-            "light {} adds nothing on the fixed-function path: its type sets up no OpenGL light; the shader "
-            "path shows it",
-            inQuotes(object.Name()));
+        return fmt::format("light {} adds nothing on the fixed-function path: its type sets up no OpenGL "
+                           "light; the shader path shows it",
+                           inQuotes(object.Name()));
     });
 }
 
@@ -118,10 +117,10 @@ void FixedPath::setUpLights(View& view, const Viewpoint& viewpoint, Reports& rep
     resetLights();
     my_places.clear();
     FloatQuad model_ambient{0, 0, 0, 1};
-    const int most = lightCount();
+    const int max_lights = lightCount();
     int number = 1;
     for (const View::Member& member : view.members()) {
-        if (number > most)
+        if (number > max_lights)
             break;
         glMatrixMode(GL_MODELVIEW);
         glLoadMatrixf(glm::value_ptr(viewpoint.view));

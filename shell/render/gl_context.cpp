@@ -52,9 +52,8 @@ bool hasWord(const char* words, std::string_view word) {
     std::string_view rest = words == nullptr ? "" : words;
     while (!rest.empty()) {
         const std::string_view first = rest.substr(0, rest.find(' '));
-        if (first == word) {
+        if (first == word)
             return true;
-        }
         rest.remove_prefix(std::min(rest.size(), first.size() + 1));
     }
     return false;
@@ -69,9 +68,8 @@ std::string glText(GLenum name) {
 void requireLibraries() {
     const auto canLoad = [](const char* name) {
         void* library = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
-        if (library != nullptr) {
+        if (library != nullptr)
             dlclose(library);
-        }
         return library != nullptr;
     };
     if (!canLoad("libEGL.so.1")) {
@@ -133,11 +131,10 @@ std::vector<Candidate> deviceCandidates(const char* client_extensions, std::vect
 std::vector<Candidate> candidates(bool devices_only, std::vector<std::string>& tried) {
     const char* client_extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
     std::vector<Candidate> all;
-    if (!devices_only && hasWord(client_extensions, "EGL_MESA_platform_surfaceless")) {
+    if (!devices_only && hasWord(client_extensions, "EGL_MESA_platform_surfaceless"))
         all.push_back({"EGL surfaceless platform", EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY});
-    } else if (!devices_only) {
+    else if (!devices_only)
         tried.emplace_back("EGL surfaceless platform: EGL_MESA_platform_surfaceless is not there");
-    }
     const std::vector<Candidate> devices = deviceCandidates(client_extensions, tried);
     all.insert(all.end(), devices.begin(), devices.end());
     return all;
@@ -147,16 +144,13 @@ std::vector<Candidate> candidates(bool devices_only, std::vector<std::string>& t
 /// would take it from every other context, so displays stay until the process ends.
 EGLDisplay openDisplay(const Candidate& candidate) {
     const auto get_display = eglFunction<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
-    if (get_display == nullptr) {
+    if (get_display == nullptr)
         throw Error("EGL_EXT_platform_base is not there");
-    }
     const EGLDisplay display = get_display(candidate.platform, candidate.native_display, nullptr);
-    if (display == EGL_NO_DISPLAY) {
+    if (display == EGL_NO_DISPLAY)
         throw eglFailure("eglGetPlatformDisplayEXT");
-    }
-    if (eglInitialize(display, nullptr, nullptr) != EGL_TRUE) {
+    if (eglInitialize(display, nullptr, nullptr) != EGL_TRUE)
         throw eglFailure("eglInitialize");
-    }
     return display;
 }
 
@@ -165,22 +159,19 @@ EGLConfig choosePbufferConfig(EGLDisplay display) {
                                            EGL_OPENGL_BIT, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
-    if (eglChooseConfig(display, wanted.data(), &config, 1, &count) != EGL_TRUE) {
+    if (eglChooseConfig(display, wanted.data(), &config, 1, &count) != EGL_TRUE)
         throw eglFailure("eglChooseConfig");
-    }
-    if (count == 0) {
+    if (count == 0)
         throw Error("no EGL configuration has both OpenGL and pbuffers");
-    }
     return config;
 }
 
 EGLContext createContext(EGLDisplay display, EGLConfig config, bool debug) {
     std::vector<EGLint> attributes;
-    if (debug && epoxy_egl_version(display) >= 15) {
+    if (debug && epoxy_egl_version(display) >= 15)
         attributes = {EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE};
-    } else if (debug) {
+    else if (debug)
         attributes = {EGL_CONTEXT_FLAGS_KHR, EGL_CONTEXT_OPENGL_DEBUG_BIT_KHR};
-    }
     std::vector<EGLint> with_profile = attributes;
     with_profile.insert(with_profile.end(), {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 2,
                                              EGL_CONTEXT_OPENGL_PROFILE_MASK,
@@ -189,12 +180,10 @@ EGLContext createContext(EGLDisplay display, EGLConfig config, bool debug) {
     // Profiles exist from 3.2 on. A driver that knows none may still have an older OpenGL, complete in
     // itself.
     EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, with_profile.data());
-    if (context == EGL_NO_CONTEXT) {
+    if (context == EGL_NO_CONTEXT)
         context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes.data());
-    }
-    if (context == EGL_NO_CONTEXT) {
+    if (context == EGL_NO_CONTEXT)
         throw eglFailure("eglCreateContext");
-    }
     return context;
 }
 
@@ -207,9 +196,8 @@ void requireCapabilities() {
                                 glText(GL_VERSION), glText(GL_RENDERER)));
     }
     GLint profile = GL_CONTEXT_COMPATIBILITY_PROFILE_BIT;
-    if (version >= 32) {
+    if (version >= 32)
         glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
-    }
     const bool lost_fixed_functions = version == 31 && !epoxy_has_gl_extension("GL_ARB_compatibility");
     if ((profile & GL_CONTEXT_COMPATIBILITY_PROFILE_BIT) == 0 || lost_fixed_functions) {
         throw Error(fmt::format("OpenGL {} of {} lacks the compatibility profile", glText(GL_VERSION),
@@ -225,9 +213,8 @@ struct GLContext::Handles {
     EGLSurface surface = EGL_NO_SURFACE;
 
     Handles(const Candidate& candidate, const Options& options) : display(openDisplay(candidate)) {
-        if (eglBindAPI(EGL_OPENGL_API) != EGL_TRUE) {
+        if (eglBindAPI(EGL_OPENGL_API) != EGL_TRUE)
             throw eglFailure("eglBindAPI(EGL_OPENGL_API)");
-        }
         const char* extensions = eglQueryString(display, EGL_EXTENSIONS);
         const bool needs_surface = options.pbuffer || !hasWord(extensions, "EGL_KHR_surfaceless_context");
         const bool needs_config = needs_surface || !hasWord(extensions, "EGL_KHR_no_config_context");
@@ -235,9 +222,8 @@ struct GLContext::Handles {
         if (needs_surface) {
             constexpr std::array<EGLint, 5> size{EGL_WIDTH, 16, EGL_HEIGHT, 16, EGL_NONE};
             surface = eglCreatePbufferSurface(display, config, size.data());
-            if (surface == EGL_NO_SURFACE) {
+            if (surface == EGL_NO_SURFACE)
                 throw eglFailure("eglCreatePbufferSurface");
-            }
         }
         try {
             context = createContext(display, config, options.debug);
@@ -255,15 +241,13 @@ struct GLContext::Handles {
 
     void makeCurrent() const {
         if (eglBindAPI(EGL_OPENGL_API) != EGL_TRUE ||
-            eglMakeCurrent(display, surface, surface, context) != EGL_TRUE) {
+            eglMakeCurrent(display, surface, surface, context) != EGL_TRUE)
             throw eglFailure("eglMakeCurrent");
-        }
     }
 
     void releaseCurrent() const {
-        if (eglGetCurrentContext() == context) {
+        if (eglGetCurrentContext() == context)
             eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        }
     }
 
     void destroy() const {
@@ -271,9 +255,8 @@ struct GLContext::Handles {
             releaseCurrent();
             eglDestroyContext(display, context);
         }
-        if (surface != EGL_NO_SURFACE) {
+        if (surface != EGL_NO_SURFACE)
             eglDestroySurface(display, surface);
-        }
     }
 };
 

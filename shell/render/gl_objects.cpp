@@ -45,9 +45,8 @@ bool Program::link() {
     std::array<GLuint, 8> shaders{};
     GLsizei count = 0;
     glGetAttachedShaders(name(), static_cast<GLsizei>(shaders.size()), &count, shaders.data());
-    for (GLsizei i = 0; i < count; ++i) {
+    for (GLsizei i = 0; i < count; ++i)
         glDetachShader(name(), shaders[static_cast<std::size_t>(i)]);
-    }
     return is_linked == GL_TRUE;
 }
 

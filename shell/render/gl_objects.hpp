@@ -32,9 +32,8 @@ protected:
 
 private:
     void reset() {
-        if (my_name != 0) {
+        if (my_name != 0)
             Kind::destroy(my_name);
-        }
     }
 
     GLuint my_name;

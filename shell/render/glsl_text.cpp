@@ -105,27 +105,23 @@ int lineCount(std::string_view text) {
 }
 
 std::string_view lineOf(std::string_view text, int line) {
-    for (int skipped = 1; skipped < line; ++skipped) {
+    for (int skipped = 1; skipped < line; ++skipped)
         text.remove_prefix(std::min(text.size(), text.find('\n') + 1));
-    }
     return text.substr(0, text.find('\n'));
 }
 
 std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) {
+    while (!text.empty() && isBlank(text.front()))
         text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
+    while (!text.empty() && isBlank(text.back()))
         text.remove_suffix(1);
-    }
     return text;
 }
 
 bool takeWord(std::string_view& text, std::string_view word) {
     const std::string_view rest = trimmed(text);
-    if (!rest.starts_with(word) || (rest.size() > word.size() && isNameCharacter(rest[word.size()]))) {
+    if (!rest.starts_with(word) || (rest.size() > word.size() && isNameCharacter(rest[word.size()])))
         return false;
-    }
     text = rest.substr(word.size());
     return true;
 }
@@ -133,9 +129,8 @@ bool takeWord(std::string_view& text, std::string_view word) {
 std::optional<int> takeNumber(std::string_view& text) {
     int number = 0;
     const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (problem != std::errc()) {
+    if (problem != std::errc())
         return {};
-    }
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
     return number;
 }
@@ -146,9 +141,8 @@ UncommentedText withoutComments(std::string_view source) {
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
         const bool is_line = text[i] == '/' && text[i + 1] == '/';
         const bool is_block = text[i] == '/' && text[i + 1] == '*';
-        if (!is_line && !is_block) {
+        if (!is_line && !is_block)
             continue;
-        }
         std::size_t end = is_line ? text.find('\n', i) : text.find("*/", i + 2);
         result.is_comment_open = is_block && end == std::string::npos;
         end = end == std::string::npos ? text.size() : is_line ? end : end + 2;

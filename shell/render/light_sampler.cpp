@@ -89,10 +89,10 @@ std::vector<LightSample> LightSampler::sample(const LightSource& source, const s
     std::vector<LightSample> samples(static_cast<std::size_t>(count));
     if (samples.empty())
         return samples;
-    if (count > mostPoints())
+    if (count > maxPoints())
         throw Error(fmt::format("light {} cannot be evaluated at {} points at once: this driver's buffers "
                                 "hold at most {}",
-                                inQuotes(light_name), count, mostPoints()));
+                                inQuotes(light_name), count, maxPoints()));
     if (!my_drawing_state)
         my_drawing_state.emplace();
     const ProbeState state(*my_drawing_state);
@@ -130,7 +130,7 @@ std::vector<LightSample> LightSampler::sample(const LightSource& source, const s
     return samples;
 }
 
-int LightSampler::mostPoints() {
+int LightSampler::maxPoints() {
     GLint max_texels = 0;
     glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &max_texels);
     return max_texels / 3; // a texel for each coordinate

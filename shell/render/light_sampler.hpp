@@ -45,7 +45,7 @@ public:
                                     const glm::vec3& eye);
 
     /// The most points that the driver of the current context can take at once.
-    static int mostPoints();
+    static int maxPoints();
 
     /// The value that a uniform of floats has as the light source's snippet declares it, before any is set;
     /// zeros where the program does without it.

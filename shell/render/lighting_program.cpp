@@ -12,18 +12,15 @@ Program buildLightingProgram(const AssembledShader& assembled) {
                     vertex.log());
     }
     Shader fragment(GL_FRAGMENT_SHADER);
-    if (!fragment.compile(assembled.fragment)) {
+    if (!fragment.compile(assembled.fragment))
         throw Error(compileErrorText(assembled, fragment.log()));
-    }
     Program program;
     program.attach(vertex);
     program.attach(fragment);
-    for (GLuint location = 0; location < vertex_attribute_names.size(); ++location) {
+    for (GLuint location = 0; location < vertex_attribute_names.size(); ++location)
         glBindAttribLocation(program.name(), location, vertex_attribute_names[location]);
-    }
-    if (!program.link()) {
+    if (!program.link())
         throw Error(compileErrorText(assembled, program.log()));
-    }
     return program;
 }
 

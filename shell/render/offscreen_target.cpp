@@ -36,12 +36,12 @@ void requireSize(int width, int height) {
     std::array<GLint, 2> viewport{};
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport.data());
     const GLint renderbuffer = limitOf(GL_MAX_RENDERBUFFER_SIZE);
-    const int widest = std::min(renderbuffer, viewport[0]);
-    const int highest = std::min(renderbuffer, viewport[1]);
-    if (width > widest || height > highest) {
+    const int max_width = std::min(renderbuffer, viewport[0]);
+    const int max_height = std::min(renderbuffer, viewport[1]);
+    if (width > max_width || height > max_height) {
         throw Error(fmt::format("a picture of {} x {} pixels was asked for, but this driver draws at most "
                                 "{} x {}.\nAsk for a smaller one.",
-                                width, height, widest, highest));
+                                width, height, max_width, max_height));
     }
 }
 
@@ -75,9 +75,8 @@ void OffscreenTarget::allocate(Surface& surface, int samples, bool has_depth) co
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachment, GL_RENDERBUFFER, buffer.name());
     };
     attach(surface.color, color_format, GL_COLOR_ATTACHMENT0);
-    if (has_depth) {
+    if (has_depth)
         attach(surface.depth, GL_DEPTH_COMPONENT24, GL_DEPTH_ATTACHMENT);
-    }
     const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
     if (status != GL_FRAMEBUFFER_COMPLETE) {
         throw Error(fmt::format("the driver can't draw into a picture of {} x {} pixels with {} samples "
@@ -95,9 +94,8 @@ void OffscreenTarget::bind() const {
 void OffscreenTarget::bindForReading() const {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, my_drawing.framebuffer.name());
     setReadingState();
-    if (!my_resolved) {
+    if (!my_resolved)
         return;
-    }
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, my_resolved->framebuffer.name());
     glBlitFramebuffer(0, 0, my_width, my_height, 0, 0, my_width, my_height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, my_resolved->framebuffer.name());

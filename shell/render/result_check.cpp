@@ -87,7 +87,7 @@ void ResultCheck::evaluate(const View& view, std::size_t source, const glm::vec3
     const Qelt::RenderAble& light = view.ownerOf(source);
     Failures failures;
     for (const auto& [mesh, buffers] : meshes.entries()) {
-        if (buffers->positionCount() > LightSampler::mostPoints())
+        if (buffers->positionCount() > LightSampler::maxPoints())
             continue;
         const std::vector<LightSample> samples = sampler.sample(
             *view.sources()[source].get(), light.Name(), buffers->positions(), buffers->positionCount(), eye);

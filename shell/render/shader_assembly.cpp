@@ -18,13 +18,11 @@ namespace {
 /// The name that a line imports, none where the line is not an import; throws where it can't be read.
 std::optional<std::string> importedName(std::string_view line, const std::string& light_name) {
     std::string_view rest = trimmed(line);
-    if (!rest.starts_with('#')) {
+    if (!rest.starts_with('#'))
         return {};
-    }
     rest.remove_prefix(1);
-    if (!takeWord(rest, "pragma") || !takeWord(rest, "import")) {
+    if (!takeWord(rest, "pragma") || !takeWord(rest, "import"))
         return {};
-    }
     rest = trimmed(rest);
     const bool is_quoted = rest.size() > 2 && rest.front() == '"' && rest.find('"', 1) == rest.size() - 1;
     if (!is_quoted) {
@@ -37,9 +35,8 @@ std::optional<std::string> importedName(std::string_view line, const std::string
 
 std::string knownImports() {
     std::string names;
-    for (const ImportableFunction& function : importable_functions) {
+    for (const ImportableFunction& function : importable_functions)
         names += (names.empty() ? "" : ", ") + std::string(function.name);
-    }
     return names;
 }
 
@@ -47,9 +44,8 @@ void collectImports(const LightSnippet& snippet, std::string_view uncommented,
                     std::set<std::string>& imports) {
     for (int line = 1; line <= lineCount(uncommented); ++line) {
         const std::optional<std::string> name = importedName(lineOf(uncommented, line), snippet.light_name);
-        if (!name) {
+        if (!name)
             continue;
-        }
         const bool is_known =
             std::any_of(importable_functions.begin(), importable_functions.end(),
                         [&](const ImportableFunction& known) { return known.name == *name; });
@@ -67,18 +63,15 @@ bool definesFunction(std::string_view uncommented, std::string_view name) {
     const auto skipBlanks = [&](std::size_t i) { return uncommented.find_first_not_of(" \t\r\n\v\f", i); };
     for (std::size_t at = uncommented.find(name); at != std::string_view::npos;
          at = uncommented.find(name, at + 1)) {
-        if (at > 0 && isNameCharacter(uncommented[at - 1])) {
+        if (at > 0 && isNameCharacter(uncommented[at - 1]))
             continue;
-        }
         const std::size_t open = skipBlanks(at + name.size());
-        if (open == std::string_view::npos || uncommented[open] != '(') {
+        if (open == std::string_view::npos || uncommented[open] != '(')
             continue;
-        }
         const std::size_t close = uncommented.find(')', open);
         const std::size_t body = close == std::string_view::npos ? close : skipBlanks(close + 1);
-        if (body != std::string_view::npos && uncommented[body] == '{') {
+        if (body != std::string_view::npos && uncommented[body] == '{')
             return true;
-        }
     }
     return false;
 }
@@ -118,11 +111,9 @@ std::set<std::string> checkedImports(std::span<const LightSnippet> snippets) {
 }
 
 void defineImports(const std::set<std::string>& imports, std::string& fragment) {
-    for (const ImportableFunction& function : importable_functions) {
-        if (imports.contains(std::string(function.name))) {
+    for (const ImportableFunction& function : importable_functions)
+        if (imports.contains(std::string(function.name)))
             fragment += function.definition;
-        }
-    }
 }
 
 /// The function that fills a repeated snippet's variables from the buffer, and the uniforms that say where.
@@ -154,9 +145,8 @@ const SnippetSection& appendSnippet(const LightSnippet& snippet, AssembledShader
     SnippetSection& section = shader.sections.emplace_back(SnippetSection{
         snippet.light_name, suffix, lineCount(shader.fragment) + 1, lineCount(text), std::move(variables)});
     shader.fragment += text;
-    if (!text.ends_with('\n')) {
+    if (!text.ends_with('\n'))
         shader.fragment += '\n';
-    }
     if (snippet.is_repeated)
         shader.fragment += loader(section);
     return section;

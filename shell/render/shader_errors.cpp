@@ -13,15 +13,13 @@ namespace {
 /// What a snippet leaves open, in words; empty where every bracket and comment is closed.
 std::string leftOpen(std::string_view snippet_text) {
     const UncommentedText uncommented = withoutComments(snippet_text);
-    if (uncommented.is_comment_open) {
+    if (uncommented.is_comment_open)
         return "a comment that is never closed";
-    }
     for (const std::string_view pair : {"{}", "()", "[]"}) {
         const auto opened = std::count(uncommented.text.begin(), uncommented.text.end(), pair[0]);
         const auto closed = std::count(uncommented.text.begin(), uncommented.text.end(), pair[1]);
-        if (opened != closed) {
+        if (opened != closed)
             return fmt::format("{} \"{}\" but {} \"{}\"", opened, pair[0], closed, pair[1]);
-        }
     }
     return {};
 }
@@ -37,12 +35,10 @@ std::optional<int> errorLine(std::string_view message) {
     std::string_view rest = message;
     const bool is_warning_ahead = takeWord(rest, "WARNING");
     const bool has_severity_ahead = is_warning_ahead || takeWord(rest, "ERROR");
-    if (has_severity_ahead) {
+    if (has_severity_ahead)
         rest = trimmed(rest.substr(std::min<std::size_t>(rest.size(), 1)));
-    }
-    if (!takeNumber(rest) || rest.empty() || (rest.front() != ':' && rest.front() != '(')) {
+    if (!takeNumber(rest) || rest.empty() || (rest.front() != ':' && rest.front() != '('))
         return {};
-    }
     rest.remove_prefix(1);
     const std::optional<int> line = takeNumber(rest);
     // What follows the place is the severity: "(3): error:", ") : error C1503:" or, where that came ahead,
@@ -57,9 +53,8 @@ std::vector<DriverError> driverErrors(std::string_view log) {
     std::vector<DriverError> errors;
     for (int number = 1; number <= lineCount(log); ++number) {
         const std::string_view message = trimmed(lineOf(log, number));
-        if (const std::optional<int> line = errorLine(message)) {
+        if (const std::optional<int> line = errorLine(message))
             errors.push_back({std::string(message), *line});
-        }
     }
     if (errors.empty()) {
         const std::string_view whole = log.substr(0, log.find_last_not_of(" \r\n\t") + 1);
@@ -73,9 +68,8 @@ std::vector<DriverError> driverErrors(std::string_view log) {
 std::optional<SourceLocation> locate(const AssembledShader& shader, int fragment_line) {
     for (const SnippetSection& section : shader.sections) {
         const int line = fragment_line - section.first_line + 1;
-        if (line >= 1 && line <= section.line_count) {
+        if (line >= 1 && line <= section.line_count)
             return SourceLocation{section.light_name, line};
-        }
     }
     return {};
 }
@@ -84,9 +78,8 @@ std::string compileErrorText(const AssembledShader& shader, std::string_view dri
     const std::vector<DriverError> errors = driverErrors(driver_log);
     for (const SnippetSection& section : shader.sections) {
         std::string text;
-        for (int line = 0; line < section.line_count; ++line) {
+        for (int line = 0; line < section.line_count; ++line)
             text.append(lineOf(shader.fragment, section.first_line + line)) += '\n';
-        }
         if (const std::string open = leftOpen(text); !open.empty()) {
             return fmt::format(
                 "the GLSL snippet of the light {} does not compile: it has {}.\nThe driver says: {}",

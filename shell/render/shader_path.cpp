@@ -290,12 +290,12 @@ void ShaderPath::uploadLights(const View& view, const ProgramAssignment& assignm
 }
 
 bool ShaderPath::LightTexels::bind(GLint sampler) {
-    GLint most = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
-    if (values.size() > static_cast<std::size_t>(most))
+    GLint max_values = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &max_values);
+    if (values.size() > static_cast<std::size_t>(max_values))
         throw Error(fmt::format("the lights of the scene have {} values, but this driver holds at most {}; "
                                 "mute or remove some of them",
-                                values.size(), most));
+                                values.size(), max_values));
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_BUFFER, texture.name());
     glUniform1i(sampler, 0);

@@ -161,11 +161,10 @@ void uploadUniform(GLint location, const UniformValue& value) {
 
 std::string uniformText(const UniformValue& value) {
     return withComponents(value, []<class T, std::size_t N>(std::span<const T, N> components) {
-        if constexpr (std::is_floating_point_v<T>) {
+        if constexpr (std::is_floating_point_v<T>)
             return Qelt::componentsToText(std::span<const T>(components));
-        } else {
+        else
             return fmt::format("{}", fmt::join(components, " "));
-        }
     });
 }
 

@@ -15,11 +15,10 @@ bool hasDebugMessages() {
 } // namespace
 
 void handleGLError(const std::string& message) {
-    if (listener != nullptr) {
+    if (listener != nullptr)
         listener->my_messages.push_back(message);
-    } else {
+    else
         ADD_FAILURE() << "OpenGL reports: " << message;
-    }
 }
 
 namespace {
@@ -27,7 +26,7 @@ namespace {
 void debugCallback(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* message, const void*) {
     if (type == GL_DEBUG_TYPE_ERROR) {
         handleGLError(length < 0 ? std::string(message)
-                               : std::string(message, static_cast<std::size_t>(length)));
+                                 : std::string(message, static_cast<std::size_t>(length)));
     }
 }
 

@@ -36,7 +36,7 @@ struct Shell : Qelt::VActionNotifier {
     void objectCreated(const StrongPtr<VObject>& object, Qelt::VContext* context,
                        VCreatorBase& creator) override {
         record((context == &caller ? "for the caller by " : "for nobody by ") + creator.keyname("/") + ": " +
-             stateOf(*object));
+               stateOf(*object));
     }
     Qelt::VContext caller;
 };

@@ -32,9 +32,8 @@ TEST(PrintableTest, EscapesWhatATerminalWouldObeyAndNothingElse) {
         {"\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"}, // beyond Unicode
         {"\xe2(x", "\\xe2(x"},                        // what follows a broken character is whole again
     };
-    for (const auto& [text, shown] : cases) {
+    for (const auto& [text, shown] : cases)
         EXPECT_EQ(printable(text), shown);
-    }
 }
 
 TEST(PrintableTest, KeepsTheLinesOfALongerText) {

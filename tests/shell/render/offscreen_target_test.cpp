@@ -34,9 +34,8 @@ void clear(float red, float green, float blue, float alpha) {
 /// A triangle with corners in normalised device coordinates, in the current colour.
 void drawTriangle(std::array<float, 9> corners) {
     glBegin(GL_TRIANGLES);
-    for (std::size_t i = 0; i < 9; i += 3) {
+    for (std::size_t i = 0; i < 9; i += 3)
         glVertex3f(corners[i], corners[i + 1], corners[i + 2]);
-    }
     glEnd();
 }
 
@@ -53,9 +52,8 @@ TEST_F(OffscreenTargetGLTest, RowsComeFromTopToBottom) {
         glDisable(GL_SCISSOR_TEST);
 
         std::vector<std::uint8_t> expected(48, 0);
-        for (std::size_t i = 3; i < expected.size(); i += 4) {
+        for (std::size_t i = 3; i < expected.size(); i += 4)
             expected[i] = 255;
-        }
         expected[4] = 255;  // row 0, column 1: red
         expected[45] = 255; // row 3, column 2: green
         expected[47] = 153;
@@ -71,9 +69,8 @@ TEST_F(OffscreenTargetGLTest, MultisamplingSmoothsAnEdge) {
         drawTriangle({-1, -1, 0, 0.37f, 1, 0, -1, 1, 0});
         int count = 0;
         const std::vector<std::uint8_t> pixels = bytesOf(target);
-        for (std::size_t i = 0; i < pixels.size(); i += 4) {
+        for (std::size_t i = 0; i < pixels.size(); i += 4)
             count += pixels[i] != 0 && pixels[i] != 255;
-        }
         return count;
     };
     GLint max_samples = 0;
@@ -101,13 +98,11 @@ TEST_F(OffscreenTargetGLTest, NearerTriangleHidesTheOneBehind) {
             const OffscreenTarget target(2, 2, samples);
             clear(0, 0, 0, 1);
             glEnable(GL_DEPTH_TEST);
-            if (is_front_first) {
+            if (is_front_first)
                 drawGreenInFront();
-            }
             drawRedBehind();
-            if (!is_front_first) {
+            if (!is_front_first)
                 drawGreenInFront();
-            }
             glDisable(GL_DEPTH_TEST);
             const std::vector<std::uint8_t> pixels = bytesOf(target);
             EXPECT_EQ(pixels[0], 0) << samples << " samples, front first: " << is_front_first;

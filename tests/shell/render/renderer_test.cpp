@@ -120,8 +120,7 @@ TEST_F(RendererGLTest, ErrorInALightsCallsIsReported) {
             ADD_FAILURE() << "the light's error went unnoticed";
         } catch (const korl::Error& error) {
             EXPECT_STREQ(error.what(), "light \"SetUpLight\" has made OpenGL report GL_INVALID_VALUE; report "
-                                       "it to the author of the "
-                                       "module");
+                                       "it to the author of the module");
         }
     }
 }

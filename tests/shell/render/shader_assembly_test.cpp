@@ -40,21 +40,18 @@ std::string errorOf(const std::vector<LightSnippet>& snippets, int version = def
 
 int countOf(const std::string& text, const std::string& part) {
     int count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) {
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
         ++count;
-    }
     return count;
 }
 
 std::string linesOf(const std::string& text, int first, int count) {
     std::size_t begin = 0;
-    for (int line = 1; line < first; ++line) {
+    for (int line = 1; line < first; ++line)
         begin = text.find('\n', begin) + 1;
-    }
     std::size_t end = begin;
-    for (int line = 0; line < count; ++line) {
+    for (int line = 0; line < count; ++line)
         end = text.find('\n', end) + 1;
-    }
     return text.substr(begin, end - begin);
 }
 
@@ -165,9 +162,8 @@ TEST(AssembleShaderTest, ErrorsSayWhatToDo) {
          "the light \"lamp\" has an import that can't be read: #pragma import \"\n"
          "Write it as: #pragma import \"NAME\""},
     };
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         EXPECT_EQ(errorOf({{"first", even_snippet}, {"lamp", row.snippet}}), row.message) << row.snippet;
-    }
     EXPECT_EQ(errorOf({}, 140),
               "a shader of GLSL version 140 was asked for, which the shell can't assemble.\n"
               "Take one of: 120, 130, 330, 450");

@@ -87,9 +87,8 @@ std::vector<glm::vec4> readBack(const OffscreenTarget& target) {
     target.read(values);
     std::vector<glm::vec4> pixels;
     pixels.reserve(values.size() / 4);
-    for (std::size_t i = 0; i < values.size(); i += 4) {
+    for (std::size_t i = 0; i < values.size(); i += 4)
         pixels.emplace_back(values[i], values[i + 1], values[i + 2], values[i + 3]);
-    }
     return pixels;
 }
 
@@ -149,9 +148,8 @@ float largestDifference(const std::vector<glm::vec4>& a, const std::vector<glm::
 std::vector<glm::vec4> colorsTimes(const std::vector<Vertex>& vertices, glm::vec3 factor) {
     std::vector<glm::vec4> colors;
     colors.reserve(vertices.size());
-    for (const Vertex& vertex : vertices) {
+    for (const Vertex& vertex : vertices)
         colors.emplace_back(glm::clamp(glm::vec3(vertex.color) * factor, 0.0f, 1.0f), 1.0f);
-    }
     return colors;
 }
 
@@ -192,9 +190,8 @@ glm::vec3 reference(const Vertex& vertex, glm::vec3 eye, Material material, glm:
     const Vector to_light = glm::normalize(Vector(place) - Vector(vertex.position));
     const Vector to_eye = glm::normalize(Vector(eye) - Vector(vertex.position));
     const long double n_dot_l = glm::dot(normal, to_light);
-    if (n_dot_l <= 0) {
+    if (n_dot_l <= 0)
         return glm::vec3(0);
-    }
     const long double n_dot_h = std::max(0.0L, glm::dot(normal, glm::normalize(to_light + to_eye)));
     const long double highlight =
         material.specular * std::pow(n_dot_h, static_cast<long double>(material.shininess));
@@ -336,9 +333,8 @@ TEST_P(ShaderCompileGLTest, LargestFloatIsStillALight) {
     const std::string snippet = head + "{ light_incidence = specular_intensity = vec3(0); intensity = "
                                        "vec3(3.402823466e+38, 3e38, 0); }";
     std::vector<Vertex> vertices = randomVertices();
-    for (Vertex& vertex : vertices) {
+    for (Vertex& vertex : vertices)
         vertex.color = glm::vec4(1);
-    }
     EXPECT_EQ(
         largestDifference(draw(build({{"bright", snippet}}), vertices), colorsTimes(vertices, {1, 1, 0})),
         0.0f);
@@ -347,20 +343,17 @@ TEST_P(ShaderCompileGLTest, LargestFloatIsStillALight) {
 TEST_P(ShaderCompileGLTest, DegenerateGeometryStaysFinite) {
     std::vector<Vertex> vertices = randomVertices();
     const Program program = build({{"placed", placed_snippet}});
-    for (Vertex& vertex : vertices) {
+    for (Vertex& vertex : vertices)
         vertex.normal = glm::vec3(0); // no surface to reflect from: ambient light only
-    }
     EXPECT_EQ(largestDifference(draw(program, vertices), colorsTimes(vertices, glm::vec3(0))), 0.0f);
     // The light exactly behind the surface's viewer: the half vector vanishes, and with it the highlight.
     const std::string opposite =
         "#pragma import \"getViewDir\"\n" + head +
         "{ light_incidence = -getViewDir(); intensity = vec3(0); specular_intensity = vec3(1); }";
-    for (Vertex& vertex : vertices) {
+    for (Vertex& vertex : vertices)
         vertex.normal = vertex.position - default_eye;
-    }
-    for (const glm::vec4& pixel : draw(build({{"opposite", opposite}}), vertices)) {
+    for (const glm::vec4& pixel : draw(build({{"opposite", opposite}}), vertices))
         ASSERT_TRUE(pixel.r >= 0 && pixel.r <= 1) << pixel.r;
-    }
 }
 
 TEST_P(ShaderCompileGLTest, BrokenSnippetIsReportedWithItsLight) {

@@ -122,8 +122,7 @@ TEST_F(LightingRigTest, AWholeSceneGivesItsLights) {
     EXPECT_FALSE(other.camera);
     EXPECT_EQ(other.soloLight(), nullptr);
     EXPECT_THAT(told, ElementsAre("\"rim.power\" followed \"stage.strength\", which does not belong to a "
-                                  "light; it keeps a value of "
-                                  "its own"));
+                                  "light; it keeps a value of its own"));
 }
 
 TEST_F(LightingRigTest, ABadRigChangesNothing) {
