@@ -20,10 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* nameOf(UpAxis up) {
-    return up == UpAxis::x ? "x" : up == UpAxis::y ? "y" : "z";
-}
-
 [[noreturn]] void failForTime(const ModelReading& reading) {
     const double seconds = static_cast<double>(reading.timeout.count()) / 1000;
     std::string number = std::to_string(seconds);
@@ -112,6 +108,10 @@ UpAxis parseUpAxis(std::string_view text) {
     if (text == "z")
         return UpAxis::z;
     throw Error(fmt::format("\"{}\" is not an axis of a model; there are x, y and z", text));
+}
+
+const char* nameOf(UpAxis up) {
+    return up == UpAxis::x ? "x" : up == UpAxis::y ? "y" : "z";
 }
 
 std::uint64_t ModelReading::halfOfMemory() {

@@ -14,6 +14,9 @@ namespace korl {
 /// Reads "x", "y" or "z". Throws Error for any other text.
 UpAxis parseUpAxis(std::string_view text);
 
+/// The text that `parseUpAxis` reads as this axis.
+const char* nameOf(UpAxis up);
+
 /// What reading a model file may take, and whom it tells what.
 struct ModelReading {
     std::chrono::milliseconds timeout = std::chrono::seconds(300);

@@ -2,6 +2,7 @@
 
 #include "shell/base/json_text.hpp"
 #include "shell/catalogue/type_names.hpp"
+#include "shell/mesh/model_import.hpp"
 #include "shell/scene/scene.hpp"
 #include "shell/scene/vectors.hpp"
 #include "shell/scene_file/saved_value.hpp"
@@ -197,12 +198,9 @@ private:
     }
 
     void addMesh(const Mesh& mesh) {
-        if (mesh.source) {
-            const char* const up = mesh.source->up == UpAxis::x   ? "x"
-                                   : mesh.source->up == UpAxis::y ? "y"
-                                                                  : "z";
-            return line(fmt::format("shell.add_mesh({}, up=\"{}\")", quoted(mesh.source->file.string()), up));
-        }
+        if (mesh.source)
+            return line(fmt::format("shell.add_mesh({}, up=\"{}\")", quoted(mesh.source->file.string()),
+                                    korl::nameOf(mesh.source->up)));
         const auto triangle = [&](std::size_t i) {
             const std::uint32_t* const corner = &mesh.triangles[3 * i];
             return fmt::format("{} {} {}", corner[0], corner[1], corner[2]);

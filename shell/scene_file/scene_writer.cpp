@@ -4,6 +4,7 @@
 #include "shell/catalogue/module_of.hpp"
 #include "shell/catalogue/parameter_value.hpp"
 #include "shell/catalogue/type_names.hpp"
+#include "shell/mesh/model_import.hpp"
 #include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
 #include "shell/scene/vectors.hpp"
@@ -65,10 +66,6 @@ std::vector<std::string> inQuotes(const std::vector<std::string>& texts) {
 std::span<const float> numbersOf(const std::vector<glm::vec3>& triples) {
     static_assert(sizeof(glm::vec3) == 3 * sizeof(float));
     return {triples.empty() ? nullptr : &triples.front().x, 3 * triples.size()};
-}
-
-const char* nameOf(UpAxis axis) {
-    return axis == UpAxis::x ? "x" : axis == UpAxis::y ? "y" : "z";
 }
 
 /// A model's path as seen from a folder. Links in both folders are followed first: ".." behind one of them

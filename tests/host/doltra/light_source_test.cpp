@@ -108,7 +108,7 @@ TEST(ShaderLightSource, StatesMayBeMadeOnSeveralThreads) {
         threads.emplace_back([&] {
             for (int i = 0; i < 500; ++i) {
                 const auto pool = Tessan::makeStrong<ValuePool>(); // of this thread's own context
-                const auto state = light.myState(*pool);
+                const auto& state = light.myState(*pool);
                 taken.push_back(
                     static_cast<const SharedLight::LightState&>(*state).lightSource()->serialNumber());
             }
