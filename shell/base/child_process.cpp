@@ -85,6 +85,7 @@ std::vector<std::string> environmentWith(const std::vector<std::pair<std::string
 /// The list as the system takes it: pointers to the texts, which must stay where they are, and null.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);

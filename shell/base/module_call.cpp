@@ -59,7 +59,7 @@ public:
     }
 
 private:
-    std::array<char, 1024> my_text;
+    std::array<char, 1024> my_text{};
     std::size_t my_size = 0;
 };
 
@@ -99,6 +99,8 @@ void onSignal(int signal) {
 
 } // namespace
 
+// Of the copy of the object's name only what is used is written: calls are frequent.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 ModuleCall::ModuleCall(const std::type_info* type, const std::string* object, const std::string* module,
                        const char* operation) noexcept
     : my_type(type), my_is_of_object(object != nullptr),
@@ -133,7 +135,7 @@ void reportSignalsOfModules() {
     struct sigaction former {};
     // A full stack has no space for a handler either.
     if (::sigaction(SIGSEGV, nullptr, &former) == 0 && former.sa_handler == SIG_DFL) {
-        static std::array<char, 64 * 1024> memory;
+        static std::array<char, std::size_t{64} * 1024> memory;
         const stack_t stack{memory.data(), 0, memory.size()};
         ::sigaltstack(&stack, nullptr);
     }

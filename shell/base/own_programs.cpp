@@ -18,7 +18,7 @@ std::filesystem::path ownFolder() {
 }
 
 std::filesystem::path ownProgram(std::string_view name) {
-    const std::filesystem::path program = ownFolder() / name;
+    std::filesystem::path program = ownFolder() / name;
     if (!std::filesystem::exists(program))
         throw Error(fmt::format("a program that belongs to korl is missing: {}\n"
                                 "Install korl once more, or build all of it.",

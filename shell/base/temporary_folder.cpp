@@ -29,7 +29,7 @@ constexpr const char* name_start = "korl-sequence-";
 
 fs::path folderForTemporaryFiles() {
     std::error_code problem;
-    const fs::path folder = fs::temp_directory_path(problem);
+    fs::path folder = fs::temp_directory_path(problem);
     if (!problem)
         return folder;
     const char* const named = std::getenv("TMPDIR");

@@ -44,6 +44,8 @@ std::string sentenceOf(const std::vector<std::string>& names) {
 
 } // namespace
 
+// What may be thrown outside the try block below is that memory ran out: that ends the program.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argument_count, char** arguments) {
     using namespace korl::cli;
 
