@@ -107,6 +107,7 @@ Source findSource(const SampleFunction& sample, std::size_t part, const glm::vec
     Source best{0, 0};
     for (int round = 0; round < 4; ++round) {
         std::vector<glm::vec3> points;
+        points.reserve(distances.size());
         for (const float distance : distances)
             points.push_back(from - distance * travel);
         const auto samples = sample(points).at(part);

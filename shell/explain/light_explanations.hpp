@@ -11,8 +11,8 @@ namespace korl {
 struct LitScene {
     const Scene& scene;
     View& view; ///< in which a frame has begun
-    Viewpoint viewpoint;
-    RenderPath path; ///< the one whose picture is explained
+    Viewpoint viewpoint{};
+    RenderPath path{}; ///< the one whose picture is explained
     SamplePoints samples;
 };
 

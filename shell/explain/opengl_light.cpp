@@ -22,6 +22,7 @@ glm::vec4 vectorOf(GLenum light, GLenum name) {
 
 } // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): one after the other, since some need others
 OpenGLLight::OpenGLLight(int number, const glm::mat4& view) {
     const GLenum light = GL_LIGHT0 + static_cast<GLenum>(number - 1);
     const glm::mat4 to_scene = glm::inverse(view);

@@ -34,7 +34,7 @@ std::filesystem::path writeGallery(Shell& shell, const std::filesystem::path& fo
     if (problem)
         throw Error(fmt::format("cannot make the folder {}: {}", folder.string(), problem.message()));
     const std::string page = galleryPage(sheets);
-    const std::filesystem::path file = folder / "index.html";
+    std::filesystem::path file = folder / "index.html";
     writeFileAtomically(file, page);
     return file;
 }

@@ -54,6 +54,7 @@ std::string uniformTable(const std::vector<std::pair<std::string, std::string>>&
     if (uniforms.empty())
         return "<p>None.</p>\n";
     std::vector<Row> rows;
+    rows.reserve(uniforms.size());
     for (const auto& [name, value] : uniforms)
         rows.push_back({name, value});
     return table({"Uniform", "Value"}, rows, {true, true});

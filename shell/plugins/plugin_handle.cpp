@@ -42,7 +42,7 @@ private:
 /// a page, because what the loader itself leaves where depends on how its frame is aligned.
 class LevelStack {
 public:
-    LevelStack() noexcept {
+    LevelStack() noexcept { // NOLINT(cppcoreguidelines-pro-type-member-init): the loop does it
         for (volatile unsigned char& byte : my_bytes)
             byte = 0xa5;
     }

@@ -17,6 +17,7 @@
 
 #include <dlfcn.h>
 #include <pybind11/numpy.h>
+#include <utility>
 
 namespace korl::python {
 
@@ -53,7 +54,7 @@ void translateError(std::exception_ptr thrown) {
         PyErr_SetString(py::module_::import("korl._errors").attr(type).ptr(), text.c_str());
     };
     try {
-        std::rethrow_exception(thrown);
+        std::rethrow_exception(std::move(thrown));
     } catch (const ClosedShell& error) {
         raise("ClosedError", error);
     } catch (const UnknownName& error) {

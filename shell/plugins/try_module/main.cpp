@@ -75,7 +75,7 @@ public:
     UsedHeap() {
         // What no piece below takes; in steps that the system does not get back.
         for (int i = 0; i < 20; ++i)
-            my_pieces.push_back(newPiece(60 * 1024));
+            my_pieces.push_back(newPiece(std::size_t{60} * 1024));
         my_pieces.clear();
         for (int round = 0; round < 40; ++round)
             for (std::size_t size = 16; size <= 512; size += 16)
