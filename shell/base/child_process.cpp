@@ -126,27 +126,6 @@ ChildProcess::ChildProcess(const ProcessStart& start) : my_id(-1) {
     }
 }
 
-ChildProcess ChildProcess::copyOfThisProcess(int output, const std::function<void()>& work) {
-    const pid_t id = ::fork();
-    if (id < 0)
-        throw Error(fmt::format("cannot start a process: {}", std::strerror(errno)));
-    if (id > 0) {
-        ::setpgid(id, id); // here and there, so that it is done whoever comes first
-        return ChildProcess(id);
-    }
-    ::setpgid(0, 0);
-    for (int signal = 1; signal < NSIG; ++signal)
-        std::signal(signal, SIG_DFL);
-    ::dup2(output, STDOUT_FILENO);
-    ::dup2(output, STDERR_FILENO);
-    try {
-        work();
-    } catch (...) {
-        ::_exit(1);
-    }
-    ::_exit(0);
-}
-
 ChildProcess::~ChildProcess() {
     end(grace);
 }

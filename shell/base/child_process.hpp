@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -26,22 +25,16 @@ struct ProcessStart {
 inline constexpr int shared_descriptor = 3;
 
 /// A program that runs beside this one, in a process group of its own: a Ctrl-C on the terminal ends it only
-/// through this process.
+/// through this process. Started without a fork, so that it does not matter what threads, locks and drivers
+/// this process has.
 class ChildProcess {
 public:
-    /// Starts a program, without a fork that this process's threads, locks and drivers would have to stand.
     /// Throws Error where the program cannot be started.
     explicit ChildProcess(const ProcessStart& start);
     /// Ends the program if it still runs.
     ~ChildProcess();
     ChildProcess(ChildProcess&& other) noexcept : my_id(std::exchange(other.my_id, -1)) {}
     ChildProcess& operator=(ChildProcess&&) = delete;
-
-    /// Forks: a copy of this process, which must have one thread only, does the work and ends. Its signals
-    /// have their default handlers, and it leaves without destructors and what was registered with `atexit`.
-    /// @param output its descriptors 1 and 2.
-    /// Throws Error where the system has no more processes.
-    static ChildProcess copyOfThisProcess(int output, const std::function<void()>& work);
 
     /// Asks the program to end.
     void terminate() noexcept;
@@ -65,8 +58,6 @@ public:
     static constexpr std::chrono::milliseconds grace{500};
 
 private:
-    explicit ChildProcess(pid_t id) noexcept : my_id(id) {}
-
     pid_t my_id;
 };
 

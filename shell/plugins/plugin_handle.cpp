@@ -35,7 +35,7 @@ private:
     mutable std::optional<std::string> my_asked_key;
 };
 
-/// Part of the stack, filled with what can be no pointer.
+/// Part of the stack, filled with what cannot be a pointer.
 ///
 /// Damaged code may read below its own frame what others left there, or above it what they hold. Around the
 /// loader it is to find the same in the process that tries a module as in the one that loads it. It begins on

@@ -4,16 +4,13 @@
 #include "shell/base/own_programs.hpp"
 #include "shell/base/written_text.hpp"
 #include "shell/plugins/plugin_error.hpp"
-#include "shell/plugins/trial_run.hpp"
 
 #include <fmt/core.h>
-#include <iterator>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
-#include <system_error>
 #include <tuple>
 #include <unistd.h>
 
@@ -59,63 +56,37 @@ private:
     bool my_is_unloading = false;
 };
 
-bool hasOneThread() {
-    std::error_code unknown;
-    const std::filesystem::directory_iterator threads("/proc/self/task", unknown);
-    return !unknown && std::distance(begin(threads), end(threads)) == 1;
-}
+/// Tries a module once. @param heap what its process's heap is to be like, one of `trial_heaps`.
+void tryWith(const char* heap, const PluginInspection& plugin, std::chrono::milliseconds limit) {
+    const WrittenText messages, output;
+    ProcessStart start{ownProgram("korl-try-module"),
+                       {plugin.file.string(), plugin.entry_point, heap, std::to_string(::getpid())}};
+    start.shared = messages.descriptor();
+    start.output = output.descriptor();
+    ChildProcess process(start);
+    const std::optional<int> end = process.waitFor(limit);
+    if (!end)
+        process.kill();
+    const Answer answer(messages.beginning());
+    if (end && answer.hasPassed())
+        return;
+    if (const auto refusal = answer.textBehind(trial_words::refused))
+        throw Error(*refusal);
 
-/// A process in which a module is tried, and what it tells.
-class Trial {
-public:
-    /// Tries it in a program of its own. @param heap what its heap is to be like, one of `trial_heaps`.
-    Trial(const char* heap, const PluginInspection& plugin)
-        : my_process([&] {
-              ProcessStart start{
-                  ownProgram("korl-try-module"),
-                  {plugin.file.string(), plugin.entry_point, heap, std::to_string(::getpid())}};
-              start.shared = my_answers.descriptor();
-              start.output = my_output.descriptor();
-              return ChildProcess(start);
-          }()) {}
-
-    /// Tries it in a copy of this process.
-    explicit Trial(const PluginInspection& plugin)
-        : my_process(ChildProcess::copyOfThisProcess(my_output.descriptor(), [&, parent = ::getpid()] {
-              endWithParent(parent);
-              runTrial(plugin, my_answers.descriptor());
-          })) {}
-
-    /// Throws Error where the module does not pass.
-    void requirePass(const PluginInspection& plugin, std::chrono::milliseconds limit) {
-        const std::optional<int> end = my_process.waitFor(limit);
-        if (!end)
-            my_process.kill();
-        const Answer answer(my_answers.beginning());
-        if (end && answer.hasPassed())
-            return;
-        if (const auto refusal = answer.textBehind(trial_words::refused))
-            throw Error(*refusal);
-
-        std::string found;
-        if (!end) {
-            found = "one that is busy for more than " + textOf(limit);
-        } else if (const auto thrown = answer.textBehind(trial_words::threw)) {
-            found = "one that throws " + *thrown;
-        } else {
-            const std::string said = my_output.lastLines(1);
-            found = fmt::format("one that ends the process with {}{}", endText(*end),
-                                said.empty() ? "" : fmt::format(", saying \"{}\",", said));
-        }
-        throw pluginError(plugin.file, "a module that can be loaded and unloaded",
-                          fmt::format("{} while it is {}", found, answer.step()),
-                          "Fix the plug-in; if it worked before, build it or copy it again.");
+    std::string found;
+    if (!end) {
+        found = "one that is busy for more than " + textOf(limit);
+    } else if (const auto thrown = answer.textBehind(trial_words::threw)) {
+        found = "one that throws " + *thrown;
+    } else {
+        const std::string said = output.lastLines(1);
+        found = fmt::format("one that ends the process with {}{}", endText(*end),
+                            said.empty() ? "" : fmt::format(", saying \"{}\",", said));
     }
-
-private:
-    WrittenText my_answers, my_output;
-    ChildProcess my_process;
-};
+    throw pluginError(plugin.file, "a module that can be loaded and unloaded",
+                      fmt::format("{} while it is {}", found, answer.step()),
+                      "Fix the plug-in; if it worked before, build it or copy it again.");
+}
 
 } // namespace
 
@@ -125,9 +96,7 @@ void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit) 
     if (passed.contains(identity))
         return;
     for (const char* const heap : trial_heaps)
-        Trial(heap, plugin).requirePass(plugin, limit);
-    if (hasOneThread())
-        Trial(plugin).requirePass(plugin, limit);
+        tryWith(heap, plugin, limit);
     passed.insert(identity);
 }
 

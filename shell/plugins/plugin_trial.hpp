@@ -11,15 +11,20 @@ namespace korl {
 /// ends such a process, and here is an Error that names the file and what happened. What the module prints
 /// meanwhile is dropped. A file that has passed is not tried again by this process until it changes.
 ///
-/// The first two processes run a small program. The last one is a copy of this process, where the module
-/// meets what it will meet here, so that damaged code cannot do well by chance in one and not in the other.
-/// It is left out where this process has more than one thread: the copy would have their locks without them.
-///
 /// Throws Error where the module does not pass, or is not done within the limit.
 void tryPlugin(const PluginInspection& plugin, std::chrono::milliseconds limit = std::chrono::seconds(10));
 
-/// What the heap of a program that tries a module is like. A module whose code is damaged may take what
-/// malloc happens to return, or leave in a register, for its own and come to no harm with one of them.
+/// What the heap of a process that tries a module is like. Damaged code may use what malloc happens to
+/// return, or to leave in a register, and work by chance with one of them.
 inline constexpr const char* trial_heaps[]{"new", "used"};
+
+/// What the process that tries a module tells of it, each word as it comes to it, with a zero byte behind it.
+namespace trial_words {
+inline constexpr const char* loading = "loading";     ///< the module is about to be loaded
+inline constexpr const char* unloading = "unloading"; ///< it was loaded and is about to be unloaded
+inline constexpr const char* passed = "passed";       ///< it was unloaded
+inline constexpr const char* refused = "refused: ";   ///< and the text of the Error, in the same word
+inline constexpr const char* threw = "threw: ";       ///< and what, in the same word
+} // namespace trial_words
 
 } // namespace korl

@@ -3,12 +3,10 @@
 
 #include <sorvik/initialization.hpp>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -22,9 +20,6 @@ void doWhatIsAsked(const char* variable) {
         std::exit(0);
     else if (asked == "exit at once")
         ::_exit(0);
-    else if (asked == "exit in a shell" &&
-             std::string_view(program_invocation_short_name) != "korl-try-module")
-        ::_exit(3);
     else if (asked == "signal")
         std::raise(SIGSEGV);
     else if (asked == "abort with a word") {

@@ -3,28 +3,60 @@
 //
 //     korl-try-module FILE ENTRY_POINT HEAP SHELL
 //
-// with one of `trial_heaps` and the number of its own process, and reads what became of it from the file that
-// is the `shared_descriptor` here (see `trial_words`).
+// with one of `trial_heaps` and the number of its own process, and reads what became of it from the file
+// that is its `shared_descriptor` (see `trial_words`).
 
+#include "shell/base/caught_exception.hpp"
 #include "shell/base/child_process.hpp"
+#include "shell/base/error.hpp"
+#include "shell/plugins/plugin_handle.hpp"
 #include "shell/plugins/plugin_trial.hpp"
-#include "shell/plugins/trial_run.hpp"
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <link.h>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
 
 namespace {
+
+namespace words = korl::trial_words;
+
+void send(const std::string& word) {
+    [[maybe_unused]] const ssize_t written = ::write(korl::shared_descriptor, word.c_str(), word.size() + 1);
+}
+
+/// Comes when an exception leaves a static initialiser or a destructor of the module.
+[[noreturn]] void onTerminate() {
+    if (!std::current_exception())
+        std::abort();
+    try {
+        throw;
+    } catch (...) {
+        send(words::threw + korl::nameOfCaughtException());
+    }
+    ::_exit(1);
+}
+
+/// A module that prints without end is not to fill the memory. Writing more fails.
+void limitOutput() {
+    constexpr rlim_t max_output = 16 << 20; // bytes
+    const rlimit limit{max_output, max_output};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 /// How much memory a library takes, in bytes of whole pages; 0 where it cannot be told.
 std::size_t sizeInMemory(const char* file) {
@@ -122,10 +154,26 @@ int main(int count, char** arguments) {
         return 2;
     }
     korl::endWithParent(static_cast<pid_t>(std::strtol(arguments[4], nullptr, 10)));
+    const rlimit no_core{0, 0}; // a crash here is expected
+    ::setrlimit(RLIMIT_CORE, &no_core);
+    limitOutput();
+    std::set_terminate(onTerminate);
     isolateLibrary(arguments[1]);
     std::optional<UsedHeap> heap;
     if (std::string_view(arguments[3]) == "used")
         heap.emplace();
-    korl::runTrial({arguments[1], {}, arguments[2]}, korl::shared_descriptor,
-                   [&] { return !heap || heap->isIntact(); });
+    try {
+        send(words::loading);
+        const korl::PluginHandle module = korl::openPlugin({arguments[1], {}, arguments[2]});
+        send(words::unloading);
+    } catch (const korl::Error& error) {
+        send(words::refused + std::string(error.what()));
+        ::_exit(1);
+    }
+    if (heap && !heap->isIntact()) {
+        std::fputs("it wrote into memory that is not its own", stderr);
+        std::abort();
+    }
+    send(words::passed);
+    ::_exit(0); // nothing of the module is there any more that could be ended
 }
