@@ -61,8 +61,8 @@ const std::map<std::string, std::vector<std::string>> dependencies{
 
 /// What of other projects a library may not include.
 const std::map<std::string, std::regex> forbidden{
-    {"host", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI).*")},
-    {"navigation/light", std::regex("(EGL|epoxy|glm|assimp|nlohmann|CLI).*")},
+    {"host", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI|fmt).*")},
+    {"navigation/light", std::regex("(EGL|epoxy|glm|assimp|nlohmann|CLI|fmt).*")},
     {"shell/base", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|CLI).*")},
     {"shell/plugins", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI).*")},
     {"shell/catalogue", std::regex("(GL|EGL|epoxy|Q[A-Z]|glm|assimp|nlohmann|CLI).*")},

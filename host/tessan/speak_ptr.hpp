@@ -9,8 +9,8 @@ namespace Tessan {
 
 /// Speaks up when a pointer is misused. Each report returns; the pointer then stands as if it held nothing.
 ///
-/// The speaker can be replaced, so that a program shows the reports its own way and tests can hear them. A
-/// replacement that overrides `printRS` alone hears everything, since the other reports end there by default.
+/// The speaker can be replaced, so that a program shows the reports its own way and tests can see them. A
+/// replacement that overrides `printRS` alone gets everything, since the other reports end there by default.
 class TESSAN_EXPORT SpeakPtr {
 public:
     SpeakPtr() = default;

@@ -25,7 +25,7 @@ public:
         int jobs = 1;                  ///< how many workers at once, at least 1
         std::chrono::milliseconds time_to_unload{5000}; ///< that workers without work get to end
         std::function<void(const std::string&)> report; ///< takes what the workers tell users, each text once
-        /// Hears how many frames are done and how many have failed, at least ten times a second; it may
+        /// Is told how many frames are done and how many have failed, at least ten times a second; it may
         /// throw to end it all.
         std::function<void(int done, int failed)> progress;
     };

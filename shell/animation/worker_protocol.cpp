@@ -28,11 +28,6 @@ int numberIn(const std::string& text) {
 
 } // namespace
 
-void MessageSocket::close() noexcept {
-    if (my_descriptor >= 0)
-        ::close(std::exchange(my_descriptor, -1));
-}
-
 std::pair<MessageSocket, MessageSocket> MessageSocket::makePair() {
     int ends[2];
     // Packets, so that each message comes whole.
@@ -49,7 +44,7 @@ bool MessageSocket::send(const Message& message) const {
         packet.append(text).push_back('\0');
     }
     for (;;) {
-        if (::send(my_descriptor, packet.data(), packet.size(), MSG_NOSIGNAL) >= 0)
+        if (::send(my_descriptor.get(), packet.data(), packet.size(), MSG_NOSIGNAL) >= 0)
             return true;
         if (errno == EMSGSIZE)
             throw Error(fmt::format("a frame has more values than can be handed to a worker: {} bytes",
@@ -63,12 +58,12 @@ std::optional<Message> MessageSocket::receive() const {
     std::string packet;
     ssize_t size = -1;
     do // with MSG_TRUNC the size is that of the whole packet, however little is read of it
-        size = ::recv(my_descriptor, nullptr, 0, MSG_PEEK | MSG_TRUNC);
+        size = ::recv(my_descriptor.get(), nullptr, 0, MSG_PEEK | MSG_TRUNC);
     while (size < 0 && errno == EINTR);
     if (size <= 0)
         return std::nullopt;
     packet.resize(static_cast<std::size_t>(size));
-    if (::recv(my_descriptor, packet.data(), packet.size(), 0) != size)
+    if (::recv(my_descriptor.get(), packet.data(), packet.size(), 0) != size)
         return std::nullopt;
     Message message;
     for (std::size_t at = 0; at < packet.size(); at += message.back().size() + 1)

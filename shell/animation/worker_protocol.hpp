@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/base/descriptor.hpp"
 #include "shell/render/render_settings.hpp"
 
 #include <optional>
@@ -17,9 +18,6 @@ using Message = std::vector<std::string>;
 class MessageSocket {
 public:
     explicit MessageSocket(int descriptor) noexcept : my_descriptor(descriptor) {}
-    ~MessageSocket() { close(); }
-    MessageSocket(MessageSocket&& other) noexcept : my_descriptor(std::exchange(other.my_descriptor, -1)) {}
-    MessageSocket& operator=(MessageSocket&&) = delete;
 
     /// Both ends; programs that are started inherit neither. Throws Error where the system has no more.
     static std::pair<MessageSocket, MessageSocket> makePair();
@@ -31,13 +29,13 @@ public:
     /// Waits for a message. @returns nothing where the other end is gone.
     std::optional<Message> receive() const;
 
-    int descriptor() const noexcept { return my_descriptor; }
+    int descriptor() const noexcept { return my_descriptor.get(); }
 
     /// Tells the other end that nothing more comes.
-    void close() noexcept;
+    void close() noexcept { my_descriptor = Descriptor(); }
 
 private:
-    int my_descriptor;
+    Descriptor my_descriptor;
 };
 
 /// A frame, for a worker to make.

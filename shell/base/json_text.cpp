@@ -12,7 +12,7 @@ namespace korl {
 
 using nlohmann::json;
 
-/// Hears from the parser what comes next, and finds it in the text. The parser tells no places, but what it
+/// Gets from the parser what comes next, and finds it in the text. The parser tells no places, but what it
 /// has accepted is found again by skipping what stands between two values.
 class JsonText::Builder : public json::json_sax_t {
 public:

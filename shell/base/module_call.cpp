@@ -8,7 +8,6 @@
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <fmt/core.h>
 #include <new>
 #include <string_view>

@@ -19,8 +19,8 @@ Qelt::VCreatorBase* findType(std::string_view name);
 /// shadowed, since another module's type of the same name stands before it in the catalogue.
 std::string typeName(const Qelt::VCreatorBase& creator);
 
-/// The types in the order of the catalogue under their names (see `typeName`), of several of one name the
-/// first.
+/// The types in the order of the catalogue under their names (see `typeName`); where several have the same
+/// name, the first.
 std::vector<std::pair<std::string, Qelt::VCreatorBase*>> namedTypes();
 
 /// The names of `namedTypes`.

@@ -13,11 +13,9 @@
 #include "shell/scene/light.hpp"
 #include "shell/scene/scene.hpp"
 
-#include <sorvik/component_text.hpp>
 #include <sorvik/creator.hpp>
 
 #include <algorithm>
-#include <array>
 #include <fmt/core.h>
 #include <map>
 

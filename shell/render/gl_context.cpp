@@ -7,7 +7,7 @@
 #include <dlfcn.h>
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -274,9 +274,12 @@ GLContext::GLContext(const Options& options) {
             tried.push_back(fmt::format("{}: {}", candidate.how, error.what()));
         }
     }
-    throw Error(fmt::format("no OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n"
-                            "  {}\n{}",
-                            fmt::join(tried, "\n  "), packages_that_help));
+    std::string attempts;
+    for (const std::string& attempt : tried)
+        attempts += fmt::format("  {}\n", attempt);
+    throw Error(
+        fmt::format("no OpenGL context could be made (3.0 or later, compatibility profile). Tried:\n{}{}",
+                    attempts, packages_that_help));
 }
 
 GLContext::~GLContext() = default;

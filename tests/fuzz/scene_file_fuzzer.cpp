@@ -51,7 +51,7 @@ bool read(const std::string& text, Scene& scene) {
     }
 }
 
-/// What a scene is written as; nothing where it holds what cannot be written, such as text that is no UTF-8.
+/// What a scene is written as; nothing where it holds what cannot be written, such as text that is not UTF-8.
 std::optional<std::string> written(const Scene& scene) {
     try {
         return korl::sceneText(scene, "/scenes");

@@ -7,7 +7,7 @@
 
 namespace korl::test {
 
-/// Hears the pointer diagnostics instead of having them printed, as long as it lives.
+/// Records the pointer diagnostics instead of having them printed, as long as it lives.
 class RecordedReports : public Tessan::SpeakPtr {
 public:
     RecordedReports() : my_former(replaceSpeaker(this)) {}

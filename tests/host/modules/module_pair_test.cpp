@@ -99,7 +99,7 @@ TEST_F(ModulePair, ContextsLetGoOfLightSourcesBeforeTheirModuleGoes) {
     EXPECT_THAT(recorded.messages, IsEmpty());
 }
 
-/// Hears one report, and lets go of a light source at that moment: its creators have gone, while its module
+/// Gets one report, and lets go of a light source at that moment: its creators have gone, while its module
 /// is still there.
 struct LettingGo : korl::test::RecordedReports {
     void printRS(const std::string& message, const char* place) override {

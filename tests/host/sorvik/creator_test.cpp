@@ -252,7 +252,7 @@ TEST(Creator, ObjectsThatOutliveItHaveNeitherHelpNorKey) {
     EXPECT_FALSE(object.copy("p"));
 }
 
-TEST(ActionNotifier, HearsOfNewObjectsAndOfWhoAsked) {
+TEST(ActionNotifier, IsToldOfNewObjectsAndOfWhoAsked) {
     struct Listener : VActionNotifier {
         void objectCreated(const StrongPtr<VObject>& object, VContext* context,
                            VCreatorBase& creator) override {

@@ -29,6 +29,7 @@ TEST(NearNames, GuessesAndLists) {
 
 TEST(NearNames, LongListsAreCut) {
     std::vector<std::string> many;
+    many.reserve(30);
     for (int i = 0; i < 30; ++i)
         many.push_back("n" + std::to_string(i));
     const std::string text = nearNames("lamp", many, "");

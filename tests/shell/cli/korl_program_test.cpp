@@ -18,7 +18,6 @@ using korl::test::runProgram;
 using korl::test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using Pixel = std::array<int, 4>;
 
 const std::string corner = std::string(TEST_DATA) + "/corner.obj";
@@ -172,7 +171,7 @@ protected:
     ProgramResult render(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "render");
         arguments.insert(arguments.end(), {"-o", picture});
-        const ProgramResult result = runProgram(KORL_PROGRAM, arguments);
+        ProgramResult result = runProgram(KORL_PROGRAM, arguments);
         EXPECT_EQ(result.exit_code, 0) << result.errors;
         return result;
     }

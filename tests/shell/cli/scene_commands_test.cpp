@@ -22,7 +22,7 @@ protected:
         for (std::string& argument : arguments)
             if (const auto at = argument.find("DIR"); at != std::string::npos)
                 argument.replace(at, 3, folder.path().string());
-        const ProgramResult result = runProgram(KORL_PROGRAM, arguments);
+        ProgramResult result = runProgram(KORL_PROGRAM, arguments);
         EXPECT_EQ(result.exit_code, 0) << result.errors;
         return result;
     }

@@ -89,7 +89,7 @@ TEST_F(DamagedModelTest, DamagedModelsAreRefused) {
          damaged + "its header has a property before the first element"},
         {"bare.ply", "ply\nformat ascii 1.0\nelement vertex 9\nend_header\n",
          damaged + "its header has no properties for the element \"vertex\""},
-        {"zero.ply", std::string("ply\nformat ascii 1.0\nelement vertex 0\0\nend_header\n", 51),
+        {"zero.ply", std::string("ply\nformat ascii 1.0\nelement vertex 0\0\nend_header\n", 50),
          damaged + "its header has bytes that are not text"},
         {"missing.ply", ply + "0 0 0\n1 0 0\n", damaged + "vertex 2 of 3 is missing"},
         {"short.ply", ply + "0 0 0\n1 0\n0 1 0\n3 0 1 2\n", damaged + "line 11: vertex 1 of 3 is incomplete"},

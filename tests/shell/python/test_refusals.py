@@ -36,19 +36,19 @@ class RefusalTest(unittest.TestCase):
 
     def test_arguments_of_the_wrong_kind_or_range(self):
         shell, image = self.shell, korl.Image(np.zeros((2, 2, 4), np.uint8))
-        pair, two, most = "pixel takes a pair of whole numbers (x, y)", "pixel takes two whole numbers (x, y)", 2**31 - 1
+        pair, two, maximum = "pixel takes a pair of whole numbers (x, y)", "pixel takes two whole numbers (x, y)", 2**31 - 1
         array = "vertices takes an array of N x 3 numbers"
         rows = [
             (lambda: shell.explain(pixel=5), TypeError, f"{pair}, found 5"),
             (lambda: shell.explain(pixel=(1.5, 2)), TypeError, f"{two}, found 1.5"),
             (lambda: shell.explain(pixel=(1, 2, 3)), TypeError, f"{pair}, found (1, 2, 3)"),
-            (lambda: shell.explain(pixel=(10**20, 2)), ValueError, f"{two}, from 0 to {most}, found {10**20}"),
-            (lambda: shell.explain(pixel=(-1, 2)), ValueError, f"{two}, from 0 to {most}, found -1"),
+            (lambda: shell.explain(pixel=(10**20, 2)), ValueError, f"{two}, from 0 to {maximum}, found {10**20}"),
+            (lambda: shell.explain(pixel=(-1, 2)), ValueError, f"{two}, from 0 to {maximum}, found -1"),
             (lambda: shell.animate("a_#.png", frames="a"), TypeError, "frames takes a whole number, found 'a'"),
             (lambda: shell.animate("a_#.png", frames=2.5), TypeError, "frames takes a whole number, found 2.5"),
-            (lambda: shell.animate("a_#.png", frames=0), ValueError, f"frames takes a whole number, from 1 to {most}, found 0"),
+            (lambda: shell.animate("a_#.png", frames=0), ValueError, f"frames takes a whole number, from 1 to {maximum}, found 0"),
             (lambda: shell.animate("a_#.png", jobs=True), TypeError, "jobs takes a whole number, found True"),
-            (lambda: shell.animate("a_#.png", jobs=-1), ValueError, f"jobs takes a whole number, from 0 to {most}, found -1"),
+            (lambda: shell.animate("a_#.png", jobs=-1), ValueError, f"jobs takes a whole number, from 0 to {maximum}, found -1"),
             (lambda: shell.animate("a_#.png", fps="a"), TypeError, "fps takes a number of frames per second, found 'a'"),
             (lambda: shell.animate("a_#.png", vary=[1]), TypeError, "vary takes a dict from parameters to pairs of values, found [1]"),
             (lambda: shell.animate("a_#.png", {"sun.latitude": tuple}), TypeError, '"sun.latitude" varies over a pair of values, found <class \'tuple\'>'),

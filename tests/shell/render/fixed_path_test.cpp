@@ -6,7 +6,6 @@ namespace {
 
 using korl::RenderPath;
 using korl::test::Pixel;
-using korl::test::SetUpLight;
 using korl::test::shineDown;
 using testing::ElementsAre;
 

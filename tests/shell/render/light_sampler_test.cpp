@@ -42,8 +42,10 @@ protected:
 TEST_F(LightSamplerGLTest, GivesAllThreeResultsAtEachPoint) {
     const TextSource source(std::string(head) +
                             "{ incidence = vertex; intensity = vertex * -1000.0; specular = vertex.zyx; }");
+    constexpr int count = 300000; // more than one target holds
     std::vector<glm::vec3> points;
-    for (int i = 0; i < 300000; ++i) // more than one target holds
+    points.reserve(count);
+    for (int i = 0; i < count; ++i)
         points.emplace_back(static_cast<float>(i), static_cast<float>(-i) / 7, 0.25f);
     const std::vector<LightSample> samples = sampler.sample(source, "light", points, {0, 0, 0});
     ASSERT_EQ(samples.size(), points.size());

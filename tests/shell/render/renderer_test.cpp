@@ -9,10 +9,8 @@ namespace {
 using korl::Image;
 using korl::RenderPath;
 using korl::View;
-using korl::test::DownwardLight;
 using korl::test::Pixel;
 using korl::test::pixel;
-using korl::test::SetUpLight;
 using korl::test::shineDown;
 using korl::test::side;
 using testing::ElementsAre;

@@ -8,7 +8,6 @@
 namespace {
 
 using korl::RenderPath;
-using korl::test::DownwardLight;
 using korl::test::Pixel;
 using korl::test::shineDown;
 using testing::ElementsAre;
@@ -90,9 +89,9 @@ TEST_F(ShaderPathGLTest, LoopsTakeTheDeclaredValueWhereALightSetsNone) {
                      "{ a = vec3(0); b = Unset$$; c = vec3(0); }\n";
     }
     const Pixel seen = middle(RenderPath::shader);
-    EXPECT_NEAR(seen[0], 255 * 5 / 8, 1);
+    EXPECT_NEAR(seen[0], 255.0 * 5 / 8, 1);
     EXPECT_EQ(seen[1], 0);
-    EXPECT_NEAR(seen[2], 255 * 5 / 16, 1);
+    EXPECT_NEAR(seen[2], 255.0 * 5 / 16, 1);
 }
 
 TEST_F(ShaderPathGLTest, LoopsAndSingleLightsStandBesideEachOther) {
@@ -132,7 +131,7 @@ TEST_F(ShaderPathGLTest, SnippetWithUniformsOfOtherTypesIsUnrolled) {
         addDownwardLight().text = "uniform mat3 Unset$$ = mat3(0.125);\n"
                                   "void getLight_$$(in vec3 v, out vec3 a, out vec3 b, out vec3 c)\n"
                                   "{ a = vec3(0); b = Unset$$ * vec3(1); c = vec3(0); }\n";
-    EXPECT_NEAR(middle(RenderPath::shader)[0], 255 * 5 / 8, 1);
+    EXPECT_NEAR(middle(RenderPath::shader)[0], 255.0 * 5 / 8, 1);
 }
 
 TEST_F(ShaderPathGLTest, ResultThatIsNotFiniteFromFiniteParametersIsNamedOnce) {

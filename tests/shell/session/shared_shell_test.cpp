@@ -86,13 +86,13 @@ TEST(SharedShellTest, ThreadsTakeTurnsAcrossShells) {
         made.push_back(newShell());
         return made;
     }();
-    std::atomic<int> inside = 0, most = 0;
+    std::atomic<int> inside = 0, max_inside = 0;
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < 4; ++i)
         threads.emplace_back([&, i] {
             for (int turn = 0; turn < 200; ++turn)
                 shells[i % 2]->use([&](Shell& used) {
-                    most = std::max(most.load(), ++inside);
+                    max_inside = std::max(max_inside.load(), ++inside);
                     const std::string name = used.scene().create("Torch").Name();
                     used.scene().setParameterText(name, "elevation", "3");
                     used.scene().remove(name);
@@ -101,7 +101,7 @@ TEST(SharedShellTest, ThreadsTakeTurnsAcrossShells) {
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(most, 1);
+    EXPECT_EQ(max_inside, 1);
 }
 
 TEST(SharedShellGLTest, EachThreadMayDrawAndTheLastMayBeAnother) {
@@ -111,6 +111,7 @@ TEST(SharedShellGLTest, EachThreadMayDrawAndTheLastMayBeAnother) {
     const auto expected = draw();
     std::atomic<int> different = 0;
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i)
         threads.emplace_back([&] { different += draw() != expected; });
     for (std::thread& thread : threads)
