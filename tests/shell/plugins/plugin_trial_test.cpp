@@ -192,7 +192,7 @@ TEST_F(PluginTrialTest, FlippedBitsDoNotEndTheProcessThatLoadsThem) {
         RecordProperty(end, count);
     EXPECT_GT(ends["loaded"], 0);
     EXPECT_GT(ends["refused"], 0);
-    // Damaged code may work by chance in both trials and end the process here: 1 copy of 8,000 did. Without a
+    // Damaged code may work by chance in both trials and end the process here: 1 copy of 2,000 did. Without a
     // trial one in eight ends the process.
     EXPECT_LE(copies - ends["loaded"] - ends["refused"], copies / 5000 + 1);
 }
