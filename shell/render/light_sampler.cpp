@@ -29,16 +29,16 @@ int rowsOf(int points) {
 }
 
 /// Keeps framebuffer and state, sets what the sampler needs, and brings them back.
-class ProbeState {
+class SamplerState {
 public:
-    explicit ProbeState(const DrawingState& drawing) {
+    explicit SamplerState(const DrawingState& drawing) {
         glPushAttrib(GL_ALL_ATTRIB_BITS);
         glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &my_draw_framebuffer);
         glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &my_read_framebuffer);
         drawing.set();
         glDisable(GL_DEPTH_TEST);
     }
-    ~ProbeState() {
+    ~SamplerState() {
         glUseProgram(0);
         glBindVertexArray(0);
         glBindTexture(GL_TEXTURE_BUFFER, 0);
@@ -46,8 +46,8 @@ public:
         glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(my_read_framebuffer));
         glPopAttrib();
     }
-    ProbeState(const ProbeState&) = delete;
-    ProbeState& operator=(const ProbeState&) = delete;
+    SamplerState(const SamplerState&) = delete;
+    SamplerState& operator=(const SamplerState&) = delete;
 
 private:
     GLint my_draw_framebuffer = 0, my_read_framebuffer = 0;
@@ -95,7 +95,7 @@ std::vector<LightSample> LightSampler::sample(const LightSource& source, const s
                                 inQuotes(light_name), count, maxPoints()));
     if (!my_drawing_state)
         my_drawing_state.emplace();
-    const ProbeState state(*my_drawing_state);
+    const SamplerState state(*my_drawing_state);
     const SnippetProgram& snippet_program = programFor(source, light_name);
     bindTarget(count);
     glUseProgram(snippet_program.program.name());
@@ -149,7 +149,7 @@ LightSampler::SnippetProgram& LightSampler::programFor(const LightSource& source
     const std::string snippet = snippetOf(source, light_name);
     if (const auto known = my_programs.find(snippet); known != my_programs.end())
         return known->second;
-    const AssembledShader shader = assembleProbe({light_name, snippet});
+    const AssembledShader shader = assembleSampler({light_name, snippet});
     SnippetProgram snippet_program{buildLightingProgram(shader), shader.sections.front().suffix, {}};
     for (const UniformDeclaration& uniform :
          floatUniforms(snippet).value_or(std::vector<UniformDeclaration>())) {

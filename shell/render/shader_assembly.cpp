@@ -213,7 +213,7 @@ AssembledShader assembleShader(std::span<const LightSnippet> snippets, int glsl_
     return shader;
 }
 
-AssembledShader assembleProbe(const LightSnippet& snippet) {
+AssembledShader assembleSampler(const LightSnippet& snippet) {
     const std::set<std::string> imports = checkedImports(std::span(&snippet, 1));
     AssembledShader shader;
     shader.vertex = std::string("#version 330\n").append(sampler_vertex);

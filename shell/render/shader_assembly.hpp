@@ -85,6 +85,6 @@ bool canRepeat(std::string_view snippet);
 /// a width of `int korl_target_width`, takes point `int korl_first_point` + i of `samplerBuffer korl_points`,
 /// which holds one float a texel. The incidence, intensity and specular intensity go to the colour outputs 0,
 /// 1 and 2. Throws Error as assembleShader does.
-AssembledShader assembleProbe(const LightSnippet& snippet);
+AssembledShader assembleSampler(const LightSnippet& snippet);
 
 } // namespace korl
