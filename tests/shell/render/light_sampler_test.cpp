@@ -1,7 +1,7 @@
+#include "tests/support/error_of.hpp"
 #include "tests/support/flat_scene.hpp"
 #include "tests/support/gl_test.hpp"
 
-#include "shell/base/error.hpp"
 #include "shell/render/light_sampler.hpp"
 #include "shell/render/offscreen_target.hpp"
 
@@ -14,6 +14,7 @@ namespace {
 
 using korl::LightSample;
 using korl::LightSampler;
+using korl::test::errorOf;
 using Qelt::RenderNamespace::LightSource;
 using Qelt::RenderNamespace::writeUniform;
 
@@ -121,23 +122,17 @@ TEST_F(LightSamplerGLTest, LeavesTargetViewportAndTestsAsTheyWere) {
 
 TEST_F(LightSamplerGLTest, NamesTheLightThatTheDriverRefuses) {
     const TextSource broken(std::string(head) + "{ incidence = intensity = specular = wrong; }");
-    try {
+    {
         const korl::test::ToleratedGLErrors refusal;
-        at(broken, {});
-        FAIL() << "a snippet that does not compile was evaluated";
-    } catch (const korl::Error& error) {
-        EXPECT_THAT(error.what(), testing::HasSubstr("\"light\" does not compile, line 2"));
+        EXPECT_THAT(errorOf([&] { at(broken, {}); }),
+                    testing::HasSubstr("\"light\" does not compile, line 2"));
     }
     TextSource mistyped("uniform vec3 V$$;\n" + std::string(head) +
                         "{ incidence = intensity = specular = V$$; }");
     writeUniform(mistyped.uniforms(), "V$$", 1.0f);
-    try {
-        const korl::test::ExpectedGLErrors refusal;
-        at(mistyped, {});
-        FAIL() << "a uniform of the wrong type was taken";
-    } catch (const korl::Error& error) {
-        EXPECT_THAT(error.what(), testing::HasSubstr("of another type than its snippet declares"));
-    }
+    const korl::test::ExpectedGLErrors refusal;
+    EXPECT_THAT(errorOf([&] { at(mistyped, {}); }),
+                testing::HasSubstr("of another type than its snippet declares"));
 }
 
 } // namespace
